@@ -1,0 +1,29 @@
+#pragma once
+// The program's windows, each created on first use, in the order they were loaded.
+
+#include "core/Forms.h"
+
+#include <memory>
+
+struct AppState;
+class PlayerWindow;
+class SettingsStore;
+
+class AppWindows final : public FormProvider {
+public:
+    AppWindows(AppState& state, SettingsStore& store);
+    ~AppWindows() override;
+
+    PlayerForm& Player() override;
+    PlayerWindow& PlayerWidget();
+    PlaylistForm* UserList() override { return nullptr; }
+    ControlsForm* MidiEq() override { return nullptr; }
+    KaraokeForm* Lyric() override { return nullptr; }
+    std::vector<Form*> LoadedForms() override { return m_loaded; }
+
+private:
+    AppState& m_state;
+    SettingsStore& m_store;
+    std::unique_ptr<PlayerWindow> m_player;
+    std::vector<Form*> m_loaded;
+};

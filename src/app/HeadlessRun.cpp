@@ -1,0 +1,45 @@
+#include "app/HeadlessRun.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QGuiApplication>
+#include <QScreen>
+#include <QTextStream>
+#include <QTimer>
+#include <QWidget>
+
+namespace {
+
+void SaveWindows(const QString& folder)
+{
+    QDir().mkpath(folder);
+    QTextStream out(stdout);
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+        if (!window->isVisible() || window->objectName().isEmpty())
+            continue;
+        const QString path = QDir(folder).filePath(window->objectName() + QStringLiteral(".png"));
+        if (window->grab().save(path))
+            out << "saved " << path << Qt::endl;
+    }
+    if (QScreen* screen = QGuiApplication::primaryScreen()) {
+        const QString path = QDir(folder).filePath(QStringLiteral("screen.png"));
+        if (screen->grabWindow(0).save(path))
+            out << "saved " << path << Qt::endl;
+    }
+}
+
+} // namespace
+
+void ArmHeadlessRun(std::function<void()> close)
+{
+    const QString folder = qEnvironmentVariable("SONGWEAVER_CAPTURE_DIR");
+    if (folder.isEmpty())
+        return;
+    bool ok = false;
+    double seconds = qEnvironmentVariable("SONGWEAVER_RUN_SECONDS").toDouble(&ok);
+    if (!ok || seconds <= 0)
+        seconds = 5;
+    const int runMs = static_cast<int>(seconds * 1000);
+    QTimer::singleShot(runMs / 2, qApp, [folder] { SaveWindows(folder); });
+    QTimer::singleShot(runMs, qApp, [close = std::move(close)] { close(); });
+}

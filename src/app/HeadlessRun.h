@@ -1,0 +1,11 @@
+#pragma once
+// A run without a person in front of it (make run on a machine without a display): after a
+// few seconds the visible windows and the screen are saved as PNG files, then the program
+// closes the orderly way.
+//   SONGWEAVER_CAPTURE_DIR  folder for the pictures
+//   SONGWEAVER_RUN_SECONDS  how long the run lasts (default 5)
+
+#include <functional>
+
+// Arms the run when SONGWEAVER_CAPTURE_DIR is set; close is the program's way out.
+void ArmHeadlessRun(std::function<void()> close);

@@ -1,0 +1,58 @@
+// songweaver: the karaoke player.
+
+#include "app/AppWindows.h"
+#include "app/HeadlessRun.h"
+#include "audio/SoundDevices.h"
+#include "core/AppState.h"
+#include "core/Application.h"
+#include "core/SettingsStore.h"
+#include "core/SingleInstance.h"
+#include "playback/PlayerTransport.h"
+#include "playback/PlayerWindow.h"
+#include "widgets/Desktop.h"
+
+#include <QApplication>
+#include <QStandardPaths>
+#include <QStringList>
+
+int main(int argc, char* argv[])
+{
+    QApplication qapp(argc, argv);
+    QCoreApplication::setOrganizationName(QStringLiteral("Tonehaven"));
+    QCoreApplication::setApplicationName(QStringLiteral("Songweaver"));
+    QGuiApplication::setApplicationDisplayName(QStringLiteral("Songweaver"));
+    QGuiApplication::setDesktopFileName(QStringLiteral("songweaver"));
+    QApplication::setQuitOnLastWindowClosed(false);
+
+    // The one optional argument is a path, which may hold blanks.
+    const QString commandLine = QCoreApplication::arguments().mid(1).join(u' ');
+
+    AppState state;
+    QSettingsStore store;
+    AppWindows windows(state, store);
+    SingleInstance instance;
+    PlayerTransport transport(state, windows, windows.PlayerWidget());
+    WidgetMessageBoxes messages;
+
+    bool ended = false;
+    Platform platform{store,
+                      ThemeEnvironment::FromSystem(),
+                      ShellFolders::FromSystem(),
+                      QCoreApplication::applicationFilePath(),
+                      QStandardPaths::writableLocation(QStandardPaths::AppDataLocation),
+                      HasOutputDevice,
+                      [&ended] {
+                          ended = true;
+                          QCoreApplication::quit();
+                      }};
+    Application application(state, std::move(platform), windows, transport, nullptr, messages, instance);
+
+    QObject::connect(&windows.PlayerWidget(), &PlayerWindow::closeRequested, [&application] { application.CloseApp(); });
+    QObject::connect(&instance, &SingleInstance::commandLineReceived,
+                     [&transport](const QString& handed) { transport.OpenFromCommandLine(handed); });
+    ArmHeadlessRun([&application] { application.CloseApp(); });
+
+    if (!application.Main(commandLine) || ended)
+        return 0;
+    return QApplication::exec();
+}

@@ -1,0 +1,66 @@
+// swtool: what Songweaver understands of its settings, texts and files, as plain text.
+
+#include "core/Language.h"
+#include "core/SettingsStore.h"
+#include "core/ThemeClass.h"
+
+#include <QGuiApplication>
+#include <QStringList>
+#include <QTextStream>
+#include <cstdio>
+
+namespace {
+
+const char* const kUsage =
+    "usage: swtool COMMAND ...\n"
+    "  text KEY [--polish]   the display text of a language key\n"
+    "  settings              every setting as key<TAB>value, in load order, as stored\n";
+
+int Usage()
+{
+    std::fputs(kUsage, stderr);
+    return 2;
+}
+
+int PrintText(const QStringList& args)
+{
+    if (args.isEmpty() || args.size() > 2 || (args.size() == 2 && args[1] != QLatin1String("--polish")))
+        return Usage();
+    LanguageTable language;
+    language.LoadTable(args.size() == 2);
+    QTextStream(stdout) << language.GetText(args[0]) << '\n';
+    return 0;
+}
+
+int PrintSettings()
+{
+    QSettingsStore store;
+    std::vector<MonitorRecord> monitors;
+    const ThemeClass theme(store, ThemeEnvironment::FromSystem(), monitors);
+    QTextStream out(stdout);
+    for (const auto& [key, value] : theme.StoredValues())
+        out << key << '\t' << value << '\n';
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    // Fonts and monitors are read without showing anything.
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QGuiApplication app(argc, argv);
+    QCoreApplication::setOrganizationName(QStringLiteral("Tonehaven"));
+    QCoreApplication::setApplicationName(QStringLiteral("Songweaver"));
+
+    QStringList args = QCoreApplication::arguments().mid(1);
+    if (args.isEmpty())
+        return Usage();
+    const QString command = args.takeFirst();
+    if (command == QLatin1String("text"))
+        return PrintText(args);
+    if (command == QLatin1String("settings") && args.isEmpty())
+        return PrintSettings();
+    return Usage();
+}

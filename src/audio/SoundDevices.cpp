@@ -1,0 +1,58 @@
+#include "audio/SoundDevices.h"
+
+#include <alsa/asoundlib.h>
+#include <fcntl.h>
+#include <portaudio.h>
+#include <unistd.h>
+
+namespace {
+
+void IgnoreAlsaError(const char*, int, const char*, int, const char*, ...) {}
+
+} // namespace
+
+bool NullDeviceChosen()
+{
+    return qEnvironmentVariable("SONGWEAVER_AUDIO").compare(QLatin1String("null"), Qt::CaseInsensitive) == 0;
+}
+
+QuietAudioLibraries::QuietAudioLibraries()
+{
+    snd_lib_error_set_handler(IgnoreAlsaError);
+    // JACK and the ALSA plugins print while devices are probed; those lines help no user.
+    m_savedStderr = dup(STDERR_FILENO);
+    const int devNull = open("/dev/null", O_WRONLY);
+    if (devNull >= 0) {
+        dup2(devNull, STDERR_FILENO);
+        close(devNull);
+    }
+}
+
+QuietAudioLibraries::~QuietAudioLibraries()
+{
+    if (m_savedStderr >= 0) {
+        dup2(m_savedStderr, STDERR_FILENO);
+        close(m_savedStderr);
+    }
+}
+
+QStringList OutputDeviceNames()
+{
+    QStringList names;
+    QuietAudioLibraries quiet;
+    if (Pa_Initialize() != paNoError)
+        return names;
+    const int count = Pa_GetDeviceCount();
+    for (int i = 0; i < count; ++i) {
+        const PaDeviceInfo* info = Pa_GetDeviceInfo(i);
+        if (info && info->maxOutputChannels > 0)
+            names << QString::fromLocal8Bit(info->name);
+    }
+    Pa_Terminate();
+    return names;
+}
+
+bool HasOutputDevice()
+{
+    return NullDeviceChosen() || !OutputDeviceNames().isEmpty();
+}

@@ -1,0 +1,27 @@
+#pragma once
+// Which sound output the program can use.
+
+#include <QString>
+#include <QStringList>
+
+// True when SONGWEAVER_AUDIO=null asks for the silent device paced by the clock
+// (headless runs, CI).
+bool NullDeviceChosen();
+
+// Names of the output devices PortAudio reports.
+QStringList OutputDeviceNames();
+
+// True when the null device is chosen or PortAudio reports an output device.
+bool HasOutputDevice();
+
+// Keeps PortAudio's and ALSA's chatter off stderr while it lives.
+class QuietAudioLibraries {
+public:
+    QuietAudioLibraries();
+    ~QuietAudioLibraries();
+    QuietAudioLibraries(const QuietAudioLibraries&) = delete;
+    QuietAudioLibraries& operator=(const QuietAudioLibraries&) = delete;
+
+private:
+    int m_savedStderr = -1;
+};

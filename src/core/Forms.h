@@ -1,0 +1,92 @@
+#pragma once
+// The windows and services as start-up, the two ticks and shutdown see them. Each window
+// implements its own interface; a window the program does not have yet is absent (nullptr).
+
+#include <QPoint>
+#include <QRect>
+#include <QString>
+#include <vector>
+
+class Form {
+public:
+    virtual ~Form() = default;
+    virtual void Show() = 0;
+    virtual void Hide() = 0;
+    virtual void SetTopMost(bool flag) = 0;
+    // Saves the window's own position and lets go of what it holds.
+    virtual void Unload() = 0;
+};
+
+class PlayerForm : public Form {
+public:
+    virtual void ApplySkin() = 0;
+    virtual void BuildMenus() = 0;
+    // Logical pixels.
+    virtual QRect Geometry() const = 0;
+    virtual QRect ScreenGeometry() const = 0;
+    virtual void MoveTo(QPoint topLeft) = 0;
+    virtual void SetTimeText(const QString& text) = 0;
+    // "CURRENT" shows the position, anything else the time left.
+    virtual QString TimeStyle() const = 0;
+    virtual void SetProgress(double fraction) = 0;
+    virtual void SetVolumeSlider(double value) = 0;
+    virtual void Light(int index, int state) = 0;
+    virtual void SetButton(int index, int state) = 0;
+};
+
+class PlaylistForm : public Form {
+public:
+    virtual void SetGeometry(const QRect& geometry) = 0;
+    virtual int ListCount() const = 0;
+    virtual QString ItemPath(int index) const = 0;
+    virtual void LoadPlaylist(const QString& path) = 0;
+};
+
+class KaraokeForm : public Form {
+public:
+    // The tick of the lyrics display; the position comes back with the lyrics offset taken off.
+    virtual void IsPlaying(double& position) = 0;
+};
+
+class ControlsForm : public Form {
+public:
+    // Position of the playing MIDI song in seconds.
+    virtual double MidiTime() = 0;
+    virtual void CloseDevice() = 0;
+};
+
+// Creates each window on first use and keeps the forms collection in load order.
+class FormProvider {
+public:
+    virtual ~FormProvider() = default;
+    virtual PlayerForm& Player() = 0;
+    virtual PlaylistForm* UserList() = 0;
+    virtual ControlsForm* MidiEq() = 0;
+    virtual KaraokeForm* Lyric() = 0;
+    virtual std::vector<Form*> LoadedForms() = 0;
+};
+
+// Song transport as the ticks and the hand-over use it.
+class SongTransport {
+public:
+    virtual ~SongTransport() = default;
+    virtual void StopSong() = 0;
+    virtual void DALEJ() = 0;
+    virtual void OpenFromCommandLine(const QString& commandLine) = 0;
+};
+
+// The output mixer and the microphone level capture.
+class MixerAccess {
+public:
+    virtual ~MixerAccess() = default;
+    virtual bool MasterMuted() const = 0;
+    virtual bool LevelCaptureRunning() const = 0;
+    virtual void StopLevelCapture() = 0;
+};
+
+class MessageBoxes {
+public:
+    virtual ~MessageBoxes() = default;
+    // A message box titled "Songweaver" with the critical icon.
+    virtual void Critical(const QString& text) = 0;
+};

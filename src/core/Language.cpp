@@ -1,0 +1,45 @@
+#include "core/Language.h"
+
+#include "core/SettingsStore.h"
+#include "core/TextCodec.h"
+
+#include <QFile>
+
+namespace {
+const QString kCrLf = QStringLiteral("\r\n");
+}
+
+void LanguageTable::LoadLanguage(const SettingsStore& store)
+{
+    LoadTable(store.RegReadString(QStringLiteral("language")) == QLatin1String("pl"));
+}
+
+void LanguageTable::LoadTable(bool polish)
+{
+    IsPolish = polish;
+    QFile table(polish ? QStringLiteral(":/lang/polish.lng") : QStringLiteral(":/lang/english.lng"));
+    LanguageText = table.open(QIODevice::ReadOnly) ? DecodeText(table.readAll(), polish) : QString();
+}
+
+QString LanguageTable::GetRawText(const QString& key) const
+{
+    const qsizetype found = LanguageText.indexOf(kCrLf + key + QStringLiteral("->"));
+    if (found < 0)
+        return {};
+    const qsizetype lineStart = found + kCrLf.size();
+    // A line with no line end behind it is cut to nothing, as the table's own lookup always did.
+    const qsizetype lineEnd = LanguageText.indexOf(kCrLf, lineStart);
+    if (lineEnd < 0)
+        return {};
+    const QString line = LanguageText.mid(lineStart, lineEnd - lineStart);
+    return line.mid(line.indexOf(QStringLiteral("->")) + 2);
+}
+
+QString LanguageTable::GetText(const QString& key) const
+{
+    QString text = GetRawText(key).split(u'|').join(kCrLf);
+    const qsizetype caret = text.indexOf(u'^');
+    if (caret >= 0)
+        text[caret] = u'&';
+    return text;
+}

@@ -1,0 +1,22 @@
+#pragma once
+// The language table: every text the user sees, looked up by key in "Key->Text" lines.
+
+#include <QString>
+
+class SettingsStore;
+
+class LanguageTable {
+public:
+    // The whole table as loaded, CR LF line ends, beginning with an empty line.
+    QString LanguageText;
+    bool IsPolish = false;
+
+    // Chooses the table by the stored "language" value: exactly "pl" is Polish.
+    void LoadLanguage(const SettingsStore& store);
+    // Loads the built-in English or Polish table.
+    void LoadTable(bool polish);
+    // The text after "->" on the first line that begins with key + "->"; empty when none.
+    QString GetRawText(const QString& key) const;
+    // The display form: "|" breaks the line (CR LF), the first "^" becomes the "&" accelerator.
+    QString GetText(const QString& key) const;
+};

@@ -1,0 +1,81 @@
+#include "core/WindowPosition.h"
+
+#include "core/Numbers.h"
+#include "core/SettingsStore.h"
+
+#include <QStringList>
+
+namespace {
+
+const QString kPlayerPosition = QStringLiteral("player position");
+
+std::optional<QList<int>> ReadNumbers(const SettingsStore& store, const QString& key, int count)
+{
+    const QString text = store.RegReadString(key);
+    if (text.isEmpty())
+        return std::nullopt;
+    const QStringList parts = text.split(u',');
+    if (parts.size() < count)
+        return std::nullopt;
+    QList<int> numbers;
+    for (int i = 0; i < count; ++i)
+        numbers << ToInt32(NumericValue(parts[i]));
+    return numbers;
+}
+
+int ToPixels(int twips) { return twips / kTwipsPerPixel; }
+
+QString GeometryText(const QRect& g)
+{
+    return QStringLiteral("%1,%2,%3,%4")
+        .arg(g.left() * kTwipsPerPixel)
+        .arg(g.top() * kTwipsPerPixel)
+        .arg(g.width() * kTwipsPerPixel)
+        .arg(g.height() * kTwipsPerPixel);
+}
+
+QRect GeometryOf(const QList<int>& n)
+{
+    return QRect(ToPixels(n[0]), ToPixels(n[1]), ToPixels(n[2]), ToPixels(n[3]));
+}
+
+} // namespace
+
+std::optional<QRect> ReadWindowPosition(const SettingsStore& store, const QString& key)
+{
+    const auto numbers = ReadNumbers(store, key, 4);
+    if (!numbers)
+        return std::nullopt;
+    return GeometryOf(*numbers);
+}
+
+void WriteWindowPosition(SettingsStore& store, const QString& key, const QRect& geometry)
+{
+    store.RegWriteString(key, GeometryText(geometry));
+}
+
+std::optional<PlayerPosition> ReadPlayerPosition(const SettingsStore& store)
+{
+    const auto numbers = ReadNumbers(store, kPlayerPosition, 6);
+    if (!numbers)
+        return std::nullopt;
+    return PlayerPosition{GeometryOf(*numbers), (*numbers)[4] != 0, (*numbers)[5] != 0};
+}
+
+void WritePlayerPosition(SettingsStore& store, const PlayerPosition& position)
+{
+    store.RegWriteString(kPlayerPosition, GeometryText(position.geometry) +
+                                              (position.playlistOpen ? QStringLiteral(",1") : QStringLiteral(",0")) +
+                                              (position.controlsOpen ? QStringLiteral(",1") : QStringLiteral(",0")));
+}
+
+QPoint DefaultPlayerPlace(const QRect& screen, const QSize& size)
+{
+    return QPoint(screen.left() + (screen.width() - size.width()) / 2,
+                  screen.top() + (screen.height() - size.height()) / 2 + 2820 / kTwipsPerPixel);
+}
+
+QRect DefaultPlaylistPlace(const QRect& player, const QSize& size)
+{
+    return QRect(QPoint(player.left(), player.top() + player.height()), size);
+}

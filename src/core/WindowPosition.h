@@ -1,0 +1,30 @@
+#pragma once
+// Window positions as the settings store keeps them: whole twips (15 per logical pixel at
+// 96 dpi) joined by ",".
+
+#include <QRect>
+#include <QString>
+#include <optional>
+
+class SettingsStore;
+
+constexpr int kTwipsPerPixel = 15;
+
+struct PlayerPosition {
+    QRect geometry;
+    bool playlistOpen = false;
+    bool controlsOpen = false;
+};
+
+// "left,top,width,height" of a window; nothing when the value is missing or short.
+std::optional<QRect> ReadWindowPosition(const SettingsStore& store, const QString& key);
+void WriteWindowPosition(SettingsStore& store, const QString& key, const QRect& geometry);
+
+// "player position": the geometry, then "1"/"0" for the playlist and the controls window.
+std::optional<PlayerPosition> ReadPlayerPosition(const SettingsStore& store);
+void WritePlayerPosition(SettingsStore& store, const PlayerPosition& position);
+
+// Where the main window goes on a first run: centred across, 2820 twips below the middle.
+QPoint DefaultPlayerPlace(const QRect& screen, const QSize& size);
+// Where the playlist goes on a first run: right under the main window, its left edge aligned.
+QRect DefaultPlaylistPlace(const QRect& player, const QSize& size);

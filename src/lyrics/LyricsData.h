@@ -1,0 +1,62 @@
+#pragma once
+// The lyrics of a song: a flat array of timed syllables whose element 0 is the song's header.
+
+#include <QString>
+#include <cstdint>
+#include <vector>
+
+struct LyricItem {
+    QString LineText;
+    QString Text;
+    double Time = 0;  // seconds from the start of the song; 0 means no time is set
+    bool LineEnd = false;
+    // Header fields, element 0 only. Colours are Win32 colour numbers, -1 for "the setting applies".
+    QString Picture;
+    int32_t ForeColor = -1;
+    int32_t HighlightColor = -1;
+    int32_t OutlineColor1 = -1;
+    int32_t OutlineColor2 = -1;
+    int32_t OutlineColor3 = -1;
+    int32_t OutlineColor4 = -1;
+    int32_t BackColor = -1;
+    int16_t Alignment = -1;
+    int16_t Layout = -1;
+    QString Artist;
+    QString Title;
+    QString FormatName;
+    int16_t ImageLayout = 1;
+    int16_t ImagePosition = 0;
+    int16_t ImageCustomX = 320;
+    int16_t ImageCustomY = 240;
+    int16_t ImageOffsetX = 0;
+    int16_t ImageOffsetY = 0;
+};
+
+struct PictureItem {
+    QString File;
+    int32_t Time = 0;  // whole seconds
+    QString Effect;
+    QString Detail;
+    int16_t Speed = 0;
+};
+
+struct PictureOrder {
+    int32_t Time = -1;
+    int16_t Index = 0;
+};
+
+// The module-wide lyrics state, held once by the application state.
+struct LyricsState {
+    std::vector<LyricItem> PlayLyrics{1};
+    std::vector<LyricItem> EditLyrics{1};
+    std::vector<PictureItem> PlayPictures{1};
+    std::vector<PictureItem> EditPictures{1};
+    std::vector<PictureOrder> PictureTimes{1};
+    int32_t CurrentLyric = 0;
+    QString LongestLine;
+    QString LyricsTitleText;
+    QString RawLyricsText;
+};
+
+// Empties the display arrays to their header and clears the header's song-specific fields.
+void ResetLyricsData(LyricsState& lyrics);

@@ -1,0 +1,33 @@
+#pragma once
+// Shared pieces of the tests: an in-memory settings store that counts its writes, and a
+// journal that fake windows and services write their calls to.
+
+#include "core/SettingsStore.h"
+
+#include <QByteArray>
+#include <QMap>
+#include <QString>
+#include <QStringList>
+
+class MemoryStore final : public SettingsStore {
+public:
+    QString RegReadString(const QString& key) const override { return values.value(key); }
+    void RegWriteString(const QString& key, const QString& text) override
+    {
+        values[key] = text;
+        writes << key;
+    }
+
+    QMap<QString, QString> values;
+    QStringList writes;  // every write, in order
+};
+
+// Calls in the order they happened, as "Who.What".
+struct Journal {
+    QStringList calls;
+    void operator()(const QString& call) { calls << call; }
+    qsizetype IndexOf(const QString& call) const { return calls.indexOf(call); }
+};
+
+QByteArray ReadFileBytes(const QString& path);
+void WriteFileBytes(const QString& path, const QByteArray& bytes);
