@@ -79,7 +79,7 @@ void Application::RestoreWindowPositions()
     if (const auto saved = ReadWindowPosition(m_platform.store, QStringLiteral("userlist position")))
         list->SetGeometry(*saved);
     else
-        list->SetGeometry(DefaultPlaylistPlace(player.Geometry(), player.Geometry().size()));
+        list->MoveTo(DefaultPlaylistPlace(player.Geometry()));
 }
 
 void Application::ShowToolWindows()
@@ -139,7 +139,8 @@ void Application::CloseApp()
 
     if (m_mixer && m_mixer->LevelCaptureRunning())
         m_mixer->StopLevelCapture();
-    m_state.Theme->KaraokeWindow = m_state.KaraokeOpen;
+    if (m_forms.Lyric())
+        m_state.Theme->KaraokeWindow = m_state.KaraokeOpen;
     if (m_state.MediaControl) {
         m_state.MediaControl->Stop();
         m_state.MediaControl.reset();

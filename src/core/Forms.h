@@ -37,6 +37,7 @@ public:
 class PlaylistForm : public Form {
 public:
     virtual void SetGeometry(const QRect& geometry) = 0;
+    virtual void MoveTo(QPoint topLeft) = 0;
     virtual int ListCount() const = 0;
     virtual QString ItemPath(int index) const = 0;
     virtual void LoadPlaylist(const QString& path) = 0;

@@ -57,22 +57,12 @@ QString DecodeSingleByte(const QByteArray& bytes, const std::array<char16_t, 128
 
 } // namespace
 
-bool IsValidUtf8(const QByteArray& bytes)
-{
-    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
-    (void)decoder.decode(bytes);
-    return !decoder.hasError();
-}
-
 QString DecodeText(const QByteArray& bytes, bool polish)
 {
-    if (IsValidUtf8(bytes)) {
-        QByteArray body = bytes;
-        if (body.startsWith("\xEF\xBB\xBF"))
-            body.remove(0, 3);
-        return QString::fromUtf8(body);
-    }
-    return DecodeSingleByte(bytes, polish ? kWindows1250 : kWindows1252);
+    // The decoder drops a leading byte order mark.
+    QStringDecoder utf8(QStringDecoder::Utf8);
+    QString text = utf8.decode(bytes);
+    return utf8.hasError() ? DecodeSingleByte(bytes, polish ? kWindows1250 : kWindows1252) : text;
 }
 
 QByteArray EncodeText(const QString& text)

@@ -5,7 +5,6 @@
 #include <QByteArray>
 #include <QString>
 
-bool IsValidUtf8(const QByteArray& bytes);
 QString DecodeText(const QByteArray& bytes, bool polish);
 // Files are written as UTF-8 without a byte order mark.
 QByteArray EncodeText(const QString& text);

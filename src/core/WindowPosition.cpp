@@ -75,7 +75,7 @@ QPoint DefaultPlayerPlace(const QRect& screen, const QSize& size)
                   screen.top() + (screen.height() - size.height()) / 2 + 2820 / kTwipsPerPixel);
 }
 
-QRect DefaultPlaylistPlace(const QRect& player, const QSize& size)
+QPoint DefaultPlaylistPlace(const QRect& player)
 {
-    return QRect(QPoint(player.left(), player.top() + player.height()), size);
+    return QPoint(player.left(), player.top() + player.height());
 }

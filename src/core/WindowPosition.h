@@ -27,4 +27,4 @@ void WritePlayerPosition(SettingsStore& store, const PlayerPosition& position);
 // Where the main window goes on a first run: centred across, 2820 twips below the middle.
 QPoint DefaultPlayerPlace(const QRect& screen, const QSize& size);
 // Where the playlist goes on a first run: right under the main window, its left edge aligned.
-QRect DefaultPlaylistPlace(const QRect& player, const QSize& size);
+QPoint DefaultPlaylistPlace(const QRect& player);

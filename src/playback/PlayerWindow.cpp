@@ -19,7 +19,7 @@ namespace {
 
 constexpr int kSliderSteps = 1000;
 
-const char* const kLampKeys[6] = {"Play", "Pause", "Stop", "SwitchMicrophone", "Record", "YourVoice"};
+const char* const kLampKeys[6] = {"ShortPlay", "ShortPause", "ShortStop", "ShortMicrophone", "ShortRecord", "ShortVoice"};
 
 const char* const kStyleSheet = R"(
 PlayerWindow { background: qlineargradient(x1:0, y1:0, x2:0, y2:1, stop:0 #2b3566, stop:1 #141a36); }
@@ -91,7 +91,7 @@ void PlayerWindow::ApplySkin()
         m_lamps[i]->setText(Text(kLampKeys[i]).toUpper());
     m_volume->setToolTip(Text("Vocal"));
     m_song->setText(QStringLiteral("Songweaver"));
-    setFixedSize(420, 150);
+    setFixedSize(460, 150);
 }
 
 void PlayerWindow::BuildMenus()

@@ -56,6 +56,11 @@ public:
         geometry = g;
         Log(QStringLiteral("SetGeometry"));
     }
+    void MoveTo(QPoint p) override
+    {
+        geometry.moveTopLeft(p);
+        Log(QStringLiteral("MoveTo %1,%2").arg(p.x()).arg(p.y()));
+    }
     int ListCount() const override { return static_cast<int>(paths.size()); }
     QString ItemPath(int i) const override { return paths.value(i); }
     void LoadPlaylist(const QString& path) override { Log(QStringLiteral("LoadPlaylist ") + path); }
