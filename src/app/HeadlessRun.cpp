@@ -41,5 +41,10 @@ void ArmHeadlessRun(std::function<void()> close)
         seconds = 5;
     const int runMs = static_cast<int>(seconds * 1000);
     QTimer::singleShot(runMs / 2, qApp, [folder] { SaveWindows(folder); });
-    QTimer::singleShot(runMs, qApp, [close = std::move(close)] { close(); });
+    QTimer::singleShot(runMs, qApp, [close = std::move(close)] {
+        // A dialog nobody can answer is dismissed first, as a person would.
+        if (QWidget* dialog = QApplication::activeModalWidget())
+            dialog->close();
+        close();
+    });
 }
