@@ -9,7 +9,7 @@ AppWindows::~AppWindows() = default;
 PlayerWindow& AppWindows::PlayerWidget()
 {
     if (!m_player) {
-        m_player = std::make_unique<PlayerWindow>(m_state, m_store);
+        m_player = std::make_unique<PlayerWindow>(m_state, m_store, m_docking);
         m_loaded.push_back(m_player.get());
     }
     return *m_player;

@@ -2,6 +2,7 @@
 // The program's windows, each created on first use, in the order they were loaded.
 
 #include "core/Forms.h"
+#include "widgets/Docking.h"
 
 #include <memory>
 
@@ -24,6 +25,7 @@ public:
 private:
     AppState& m_state;
     SettingsStore& m_store;
+    Docking m_docking;
     std::unique_ptr<PlayerWindow> m_player;
     std::vector<Form*> m_loaded;
 };

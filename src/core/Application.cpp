@@ -45,6 +45,7 @@ bool Application::Main(const QString& commandLine)
 bool Application::LoadPlayer()
 {
     PlayerForm& player = m_forms.Player();
+    player.DockAsFirstWindow();
     const bool anotherInstance = m_instance.HandOffCommandLine(m_state.CommandLine);
     m_state.PlaybackRate = 1.0f;
     if (anotherInstance)

@@ -19,6 +19,8 @@ public:
 
 class PlayerForm : public Form {
 public:
+    // Makes this the window that the other windows are docked to.
+    virtual void DockAsFirstWindow() = 0;
     virtual void ApplySkin() = 0;
     virtual void BuildMenus() = 0;
     // Logical pixels.

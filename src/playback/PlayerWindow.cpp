@@ -3,6 +3,7 @@
 #include "core/AppState.h"
 #include "core/WindowPosition.h"
 #include "widgets/Desktop.h"
+#include "widgets/Docking.h"
 
 #include <QCloseEvent>
 #include <QContextMenuEvent>
@@ -37,7 +38,8 @@ QSlider::handle:horizontal { width: 12px; margin: -5px 0; border-radius: 6px; ba
 
 } // namespace
 
-PlayerWindow::PlayerWindow(AppState& state, SettingsStore& store) : m_state(state), m_store(store)
+PlayerWindow::PlayerWindow(AppState& state, SettingsStore& store, Docking& docking)
+    : m_state(state), m_store(store), m_docking(docking)
 {
     setObjectName(QStringLiteral("Player"));
     setWindowTitle(QStringLiteral("Songweaver"));
@@ -83,6 +85,11 @@ QString PlayerWindow::Text(const char* key) const
     return DisplayText(m_state.Language.GetText(QString::fromLatin1(key)));
 }
 
+void PlayerWindow::DockAsFirstWindow()
+{
+    m_docking.Register(this);
+}
+
 void PlayerWindow::ApplySkin()
 {
     setWindowIcon(QIcon(QStringLiteral(":/skin/songweaver.svg")));
@@ -124,6 +131,7 @@ void PlayerWindow::SetTopMost(bool flag) { ::SetTopMost(*this, flag); }
 void PlayerWindow::Unload()
 {
     WritePlayerPosition(m_store, {Geometry(), m_state.PlaylistOpen, m_state.ControlsOpen});
+    m_docking.Unregister(this);
     hide();
 }
 

@@ -11,17 +11,19 @@ class QLabel;
 class QMenu;
 class QSlider;
 class SettingsStore;
+class Docking;
 
 class PlayerWindow final : public QWidget, public PlayerForm {
     Q_OBJECT
 public:
-    PlayerWindow(AppState& state, SettingsStore& store);
+    PlayerWindow(AppState& state, SettingsStore& store, Docking& docking);
 
     void Show() override;
     void Hide() override;
     void SetTopMost(bool flag) override;
     void Unload() override;
 
+    void DockAsFirstWindow() override;
     void ApplySkin() override;
     void BuildMenus() override;
     QRect Geometry() const override;
@@ -49,6 +51,7 @@ private:
 
     AppState& m_state;
     SettingsStore& m_store;
+    Docking& m_docking;
     QString m_timeStyle = QStringLiteral("CURRENT");
     QLabel* m_song = nullptr;
     QLabel* m_digits = nullptr;

@@ -92,7 +92,8 @@ TEST_F(StartUp, FirstRunComesUpInOrder)
     Program p(journal, store, server, data.path());
     ASSERT_TRUE(p.app.Main(QString()));
 
-    const QStringList expected{"Player.ApplySkin",
+    const QStringList expected{"Player.DockAsFirstWindow",
+                               "Player.ApplySkin",
                                "Player.MoveTo 760,653",
                                "UserList.MoveTo 760,803",
                                "Player.BuildMenus",
@@ -202,7 +203,7 @@ TEST_F(StartUp, SecondStartHandsOverAndEnds)
     {
         Program second(secondJournal, secondStore, server, data.path());
         EXPECT_FALSE(second.app.Main(QStringLiteral("/songs/next song.ogg")));
-        EXPECT_EQ(secondJournal.calls, QStringList{}) << "the second start shows nothing";
+        EXPECT_EQ(secondJournal.calls, QStringList{"Player.DockAsFirstWindow"}) << "the second start shows nothing";
         EXPECT_TRUE(secondStore.writes.isEmpty()) << "and saves nothing";
     }
     ASSERT_TRUE(handed.wait(2000));

@@ -25,6 +25,7 @@ class FakePlayer final : public PlayerForm, FakeForm {
 public:
     explicit FakePlayer(Journal& j) : FakeForm(j, QStringLiteral("Player")) {}
     FAKE_FORM_BASICS
+    void DockAsFirstWindow() override { Log(QStringLiteral("DockAsFirstWindow")); }
     void ApplySkin() override { Log(QStringLiteral("ApplySkin")); }
     void BuildMenus() override { Log(QStringLiteral("BuildMenus")); }
     QRect Geometry() const override { return QRect(position, QSize(400, 150)); }

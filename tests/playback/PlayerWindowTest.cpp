@@ -4,6 +4,7 @@
 #include "playback/PlayerTransport.h"
 #include "playback/PlayerWindow.h"
 #include "support/TestSupport.h"
+#include "widgets/Docking.h"
 
 #include <QDir>
 #include <QSignalSpy>
@@ -16,7 +17,8 @@ TEST(PlayerWindow, UnloadSavesItsPositionInTwipsWithTheWindowFlags)
     AppState state;
     state.Language.LoadTable(false);
     MemoryStore store;
-    PlayerWindow player(state, store);
+    Docking docking;
+    PlayerWindow player(state, store, docking);
     player.ApplySkin();
     player.MoveTo(QPoint(100, 40));
     state.PlaylistOpen = true;
@@ -37,7 +39,8 @@ TEST(PlayerWindow, ClosingAsksTheApplicationInsteadOfClosing)
 {
     AppState state;
     MemoryStore store;
-    PlayerWindow player(state, store);
+    Docking docking;
+    PlayerWindow player(state, store, docking);
     player.Show();
     QSignalSpy asked(&player, &PlayerWindow::closeRequested);
     player.close();
@@ -66,4 +69,34 @@ TEST(SoundDevices, TheNullDeviceCountsAsASoundDevice)
     EXPECT_FALSE(NullDeviceChosen());
     EXPECT_EQ(HasOutputDevice(), !OutputDeviceNames().isEmpty());
     qputenv("SONGWEAVER_AUDIO", saved);
+}
+
+TEST(Docking, WindowsTouchingTheMainWindowMoveWithIt)
+{
+    EXPECT_TRUE(EdgesTouch(QRect(0, 0, 100, 50), QRect(0, 50, 100, 200)));
+    EXPECT_TRUE(EdgesTouch(QRect(0, 0, 100, 50), QRect(102, 10, 30, 30)));
+    EXPECT_FALSE(EdgesTouch(QRect(0, 0, 100, 50), QRect(0, 70, 100, 200)));
+    EXPECT_FALSE(EdgesTouch(QRect(0, 0, 100, 50), QRect(200, 50, 100, 200))) << "below, but beside it";
+
+    Docking docking;
+    QWidget main, docked, apart;
+    for (QWidget* w : {&main, &docked, &apart})
+        w->setWindowFlag(Qt::FramelessWindowHint);
+    main.setGeometry(100, 100, 200, 80);
+    docked.setGeometry(100, 180, 200, 300);
+    apart.setGeometry(600, 600, 100, 100);
+    for (QWidget* w : {&main, &docked, &apart}) {
+        w->show();
+        docking.Register(w);
+    }
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&main));
+
+    main.move(150, 120);
+    QTRY_COMPARE(docked.pos(), QPoint(150, 200));
+    EXPECT_EQ(apart.pos(), QPoint(600, 600));
+
+    docking.Unregister(&docked);
+    main.move(160, 120);
+    QTest::qWait(20);
+    EXPECT_EQ(docked.pos(), QPoint(150, 200)) << "an unloaded window stays";
 }
