@@ -5,26 +5,16 @@
 #include "core/ThemeClass.h"
 
 #include <QGuiApplication>
-#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <benchmark/benchmark.h>
 
 namespace {
 
-QStringList AllKeys(const LanguageTable& table)
-{
-    QStringList keys;
-    for (const QString& line : table.LanguageText.split(QStringLiteral("\r\n")))
-        if (line.contains(QStringLiteral("->")))
-            keys << line.section(QStringLiteral("->"), 0, 0);
-    return keys;
-}
-
 void GetTextOfEveryKey(benchmark::State& state)
 {
     LanguageTable table;
     table.LoadTable(state.range(0) != 0);
-    const QStringList keys = AllKeys(table);
+    const QStringList keys = table.Keys();
     for (auto _ : state)
         for (const QString& key : keys)
             benchmark::DoNotOptimize(table.GetText(key));

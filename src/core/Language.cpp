@@ -35,6 +35,15 @@ QString LanguageTable::GetRawText(const QString& key) const
     return line.mid(line.indexOf(QStringLiteral("->")) + 2);
 }
 
+QStringList LanguageTable::Keys() const
+{
+    QStringList keys;
+    for (const QString& line : LanguageText.split(kCrLf))
+        if (line.contains(QStringLiteral("->")))
+            keys << line.section(QStringLiteral("->"), 0, 0);
+    return keys;
+}
+
 QString LanguageTable::GetText(const QString& key) const
 {
     QString text = GetRawText(key).split(u'|').join(kCrLf);

@@ -2,6 +2,7 @@
 // The language table: every text the user sees, looked up by key in "Key->Text" lines.
 
 #include <QString>
+#include <QStringList>
 
 class SettingsStore;
 
@@ -19,4 +20,6 @@ public:
     QString GetRawText(const QString& key) const;
     // The display form: "|" breaks the line (CR LF), the first "^" becomes the "&" accelerator.
     QString GetText(const QString& key) const;
+    // The key of every row that can be found, in table order, repeats included.
+    QStringList Keys() const;
 };

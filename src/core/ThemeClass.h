@@ -1,6 +1,6 @@
 #pragma once
 // Every user setting, held in memory for the whole run: loaded once when created, written
-// once when destroyed. Reads and writes in between touch memory only.
+// once at the end of the run. Reads and writes in between touch memory only.
 
 #include "core/Colors.h"
 #include "core/Monitors.h"

@@ -13,15 +13,6 @@ LanguageTable TableOf(const char* text)
     return table;
 }
 
-QStringList KeysOf(const LanguageTable& table)
-{
-    QStringList keys;
-    for (const QString& line : table.LanguageText.split(QStringLiteral("\r\n")))
-        if (line.contains(QStringLiteral("->")))
-            keys << line.section(QStringLiteral("->"), 0, 0);
-    return keys;
-}
-
 } // namespace
 
 TEST(Language, LookupRules)
@@ -69,14 +60,14 @@ TEST(Language, ShippedTablesKeepTheirRowsAndQuirks)
         ASSERT_TRUE(t.LanguageText.startsWith(QStringLiteral("\r\nPrevious->")));
         EXPECT_FALSE(t.LanguageText.contains(QRegularExpression(QStringLiteral("[^\r]\n"))))
             << "every line ends in CR LF";
-        EXPECT_EQ(KeysOf(t).size(), 273) << "the key list and the second Fullscreen row";
-        EXPECT_EQ(KeysOf(t).last(), "ErrorCreateWav");
+        EXPECT_EQ(t.Keys().size(), 273) << "the key list and the second Fullscreen row";
+        EXPECT_EQ(t.Keys().last(), "ErrorCreateWav");
         EXPECT_FALSE(t.GetText(QStringLiteral("ErrorCreateWav")).isEmpty()) << "the last key is found";
         EXPECT_EQ(t.GetText(QStringLiteral("EditorCaption")), "") << "the editor caption row is dead";
         EXPECT_EQ(t.GetText(QStringLiteral("PreferencesCaption")), "");
         EXPECT_FALSE(t.GetText(QStringLiteral("PreferncesCaption")).isEmpty());
-        EXPECT_EQ(KeysOf(t).count(QStringLiteral("Fullscreen")), 2);
-        for (const QString& key : KeysOf(t))
+        EXPECT_EQ(t.Keys().count(QStringLiteral("Fullscreen")), 2);
+        for (const QString& key : t.Keys())
             EXPECT_FALSE(t.GetRawText(key).isEmpty()) << key.toStdString();
     }
 
