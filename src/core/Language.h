@@ -20,6 +20,6 @@ public:
     QString GetRawText(const QString& key) const;
     // The display form: "|" breaks the line (CR LF), the first "^" becomes the "&" accelerator.
     QString GetText(const QString& key) const;
-    // The key of every row that can be found, in table order, repeats included.
+    // The key of every "Key->Text" row, in table order, repeats included.
     QStringList Keys() const;
 };
