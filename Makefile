@@ -4,7 +4,7 @@ BUILD_TYPE ?= RelWithDebInfo
 JOBS ?= 2
 CMAKE_FLAGS ?=
 
-.PHONY: all bootstrap configure build run test bench clean
+.PHONY: all bootstrap configure build run test bench fuzz clean
 
 all: build
 
@@ -28,5 +28,17 @@ test: build
 bench: build
 	@for b in $(BUILD_DIR)/bench/*_bench; do echo "== $$b"; QT_QPA_PLATFORM=offscreen SONGWEAVER_AUDIO=null $$b; done
 
+# Each fuzz target runs FUZZ_SECONDS on its corpus in build-fuzz/corpus/NAME.
+FUZZ_SECONDS ?= 600
+fuzz:
+	@scripts/bootstrap fuzz
+	cmake -S . -B build-fuzz -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_CXX_COMPILER=clang++ \
+	  -DSONGWEAVER_FUZZ=ON -DSONGWEAVER_TESTS=OFF -DSONGWEAVER_BENCH=OFF
+	cmake --build build-fuzz -j$(JOBS) --target fuzz_targets
+	@for f in build-fuzz/fuzz/*_fuzz; do n=$$(basename $$f); mkdir -p build-fuzz/corpus/$$n; \
+	  echo "== $$n for $(FUZZ_SECONDS) s"; \
+	  QT_QPA_PLATFORM=offscreen $$f -max_total_time=$(FUZZ_SECONDS) -max_len=4096 -timeout=5 \
+	    build-fuzz/corpus/$$n fuzz/seeds/$$n || exit 1; done
+
 clean:
-	rm -rf $(BUILD_DIR) out
+	rm -rf $(BUILD_DIR) build-fuzz out

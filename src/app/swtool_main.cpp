@@ -1,5 +1,6 @@
 // swtool: what Songweaver understands of its settings, texts and files, as plain text.
 
+#include "app/SwtoolCommands.h"
 #include "core/Language.h"
 #include "core/SettingsStore.h"
 #include "core/ThemeClass.h"
@@ -14,7 +15,9 @@ namespace {
 const char* const kUsage =
     "usage: swtool COMMAND ...\n"
     "  text KEY [--polish]   the display text of a language key\n"
-    "  settings              every setting as key<TAB>value, in load order, as stored\n";
+    "  settings              every setting as key<TAB>value, in load order, as stored\n"
+    "  lyrics FILE [--editor] [--write OUT]\n"
+    "                        the lyrics the player (or the editor) reads for a song or .lrs file\n";
 
 int Usage()
 {
@@ -62,5 +65,9 @@ int main(int argc, char* argv[])
         return PrintText(args);
     if (command == QLatin1String("settings") && args.isEmpty())
         return PrintSettings();
+    if (command == QLatin1String("lyrics")) {
+        const int result = PrintLyrics(args);
+        return result == 2 ? Usage() : result;
+    }
     return Usage();
 }

@@ -2,7 +2,7 @@
 
 #include "core/AppState.h"
 #include "core/Forms.h"
-#include "core/Numbers.h"
+#include "text/Numbers.h"
 
 PlaybackTicks::PlaybackTicks(AppState& state, FormProvider& forms, SongTransport& transport)
     : m_state(state), m_forms(forms), m_transport(transport)

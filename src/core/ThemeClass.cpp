@@ -1,6 +1,6 @@
 #include "core/ThemeClass.h"
 
-#include "core/Numbers.h"
+#include "text/Numbers.h"
 #include "core/SettingsStore.h"
 
 #include <QFileInfo>
@@ -233,4 +233,13 @@ QImage ThemeClass::DefaultPicture()
         return image;
     }();
     return picture;
+}
+
+QFont ThemeClass::LyricsFontFace() const
+{
+    QFont font(LyricsFont);
+    font.setPointSize(std::max<int>(1, LyricsFontSize));
+    font.setBold(LyricsFontBold);
+    font.setItalic(LyricsFontItalic);
+    return font;
 }

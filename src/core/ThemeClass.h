@@ -5,6 +5,7 @@
 #include "core/Colors.h"
 #include "core/Monitors.h"
 
+#include <QFont>
 #include <QImage>
 #include <QString>
 #include <QStringList>
@@ -38,6 +39,9 @@ public:
 
     // key, stored text: every setting in load order, in the encoding it is stored with.
     std::vector<std::pair<QString, QString>> StoredValues() const;
+
+    // The lyrics font of the settings: face, point size, bold, italic.
+    QFont LyricsFontFace() const;
 
     bool KaraokeWindow = true;
     int32_t RecordDevice = 4099;

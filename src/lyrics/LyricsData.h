@@ -1,9 +1,13 @@
 #pragma once
 // The lyrics of a song: a flat array of timed syllables whose element 0 is the song's header.
 
+#include <QByteArray>
 #include <QString>
 #include <cstdint>
 #include <vector>
+
+class QFont;
+class SongTags;
 
 struct LyricItem {
     QString LineText;
@@ -55,8 +59,17 @@ struct LyricsState {
     int32_t CurrentLyric = 0;
     QString LongestLine;
     QString LyricsTitleText;
-    QString RawLyricsText;
+    QByteArray RawLyricsText;  // the bytes of the last file read
 };
 
 // Empties the display arrays to their header and clears the header's song-specific fields.
 void ResetLyricsData(LyricsState& lyrics);
+
+// "artist|title" of the loaded lyrics, else of the song's tags, else the song's display name.
+QString MakeLyricsTitle(const LyricsState& lyrics, const SongTags* tags);
+
+// The line text that is widest in the lyrics font; the earlier line wins a tie.
+QString FindLongestLine(const std::vector<LyricItem>& lyrics, const QFont& font);
+
+// PictureTimes: the pictures sorted by time, -1 for a picture without a time.
+void BuildPictureOrder(LyricsState& lyrics);

@@ -62,3 +62,42 @@ TEST(Swtool, SettingsPrintsEveryKeyInLoadOrderAsStored)
               "[General]\nkaraoke%20offset=\"0,5\"\nkaraoke%20ball=-1\nfullscreen%20monitor=Monitor 9\n")
         << "looking does not write";
 }
+
+TEST(Swtool, LyricsPrintsHeaderPicturesAndSyllablesAndWritesThemBack)
+{
+    QTemporaryDir home;
+    QTemporaryDir songs;
+    const QString song = songs.filePath("song.mp3");
+    WriteFileBytes(song, QByteArray(64, '\xff') +
+                             "#Songweaver\r\n#ARTIST=Queen\r\n#FORE COLOR=255\r\n#LAYOUT=2\r\n#IMAGE=bg.png%12%Fade%5%Left\r\n"
+                             "[1,5]Hel[2.25]lo \r\n[3]world\r\n#End Songweaver\r\n");
+    const ToolRun run = Swtool({"lyrics", song}, home.path());
+    ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
+    const QStringList lines = run.out.split('\n', Qt::SkipEmptyParts);
+    EXPECT_EQ(lines.value(0), "format\tSongweaver (internal)");
+    EXPECT_TRUE(lines.contains("artist\tQueen"));
+    EXPECT_TRUE(lines.contains("fore color\t255"));
+    EXPECT_TRUE(lines.contains("highlight color\t-1"));
+    EXPECT_TRUE(lines.contains("layout\t0"));
+    EXPECT_TRUE(lines.contains("image custom x\t320"));
+    EXPECT_TRUE(lines.contains("image\t" + songs.filePath("bg.png") + "\t12\tFade\t5\tLeft"));
+    EXPECT_EQ(lines.mid(lines.size() - 3),
+              (QStringList{"syllable\t1\t1.500\t0\tHel\tHello ", "syllable\t2\t2.250\t1\tlo \tHello ",
+                           "syllable\t3\t3.000\t0\tworld\tworld"}));
+
+    const QString written = songs.filePath("copy.lrs");
+    ASSERT_EQ(Swtool({"lyrics", song, "--write", written}, home.path()).exitCode, 0);
+    const ToolRun again = Swtool({"lyrics", written}, home.path());
+    EXPECT_EQ(again.out.section('\n', 1), run.out.section('\n', 1));
+    EXPECT_TRUE(again.out.startsWith("format\tSongweaver (*LRS)\n"));
+
+    const ToolRun editor = Swtool({"lyrics", song, "--editor"}, home.path());
+    EXPECT_EQ(editor.exitCode, 1);
+    EXPECT_EQ(editor.err.trimmed().section('\n', -1), "Lyrics format doesn't seem to be valid.");
+
+    WriteFileBytes(song, "audio#Songweaver\r\nbroken\r\n#End Songweaver\r\n");
+    const ToolRun damaged = Swtool({"lyrics", song}, home.path());
+    EXPECT_EQ(damaged.exitCode, 1);
+    EXPECT_TRUE(damaged.err.contains("Lyrics format doesn't seem to be valid."));
+    EXPECT_EQ(damaged.out, "");
+}

@@ -1,4 +1,4 @@
-#include "core/TextCodec.h"
+#include "text/TextCodec.h"
 
 #include <QStringDecoder>
 #include <array>

@@ -1,5 +1,5 @@
 #pragma once
-// Number and time texts as the settings, language and lyrics files hold them.
+// Number and time texts as the settings, language, lyrics and playlist files hold them.
 
 #include <QString>
 #include <cstdint>

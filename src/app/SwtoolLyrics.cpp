@@ -1,0 +1,144 @@
+// swtool lyrics: what the player (or the editor) reads of a song's lyrics.
+
+#include "app/SwtoolCommands.h"
+#include "core/Language.h"
+#include "core/SettingsStore.h"
+#include "core/ThemeClass.h"
+#include "lyrics/LyricsLoader.h"
+#include "text/TextCodec.h"
+
+#include <QFileInfo>
+#include <QTextStream>
+#include <cstdio>
+
+namespace {
+
+struct LyricsOptions {
+    QString file;
+    bool editor = false;
+    QString writeTo;
+};
+
+bool ReadOptions(QStringList args, LyricsOptions& options)
+{
+    while (!args.isEmpty()) {
+        const QString arg = args.takeFirst();
+        if (arg == QLatin1String("--editor"))
+            options.editor = true;
+        else if (arg == QLatin1String("--write") && !args.isEmpty())
+            options.writeTo = args.takeFirst();
+        else if (!arg.startsWith(QLatin1String("--")) && options.file.isEmpty())
+            options.file = arg;
+        else
+            return false;
+    }
+    return !options.file.isEmpty();
+}
+
+bool IsLrsFile(const QString& path)
+{
+    return path.endsWith(QLatin1String(".lrs"), Qt::CaseInsensitive);
+}
+
+void PrintHeader(QTextStream& out, const LyricItem& h)
+{
+    const std::pair<const char*, QString> fields[] = {
+        {"format", h.FormatName},
+        {"artist", h.Artist},
+        {"title", h.Title},
+        {"picture", h.Picture},
+        {"fore color", QString::number(h.ForeColor)},
+        {"highlight color", QString::number(h.HighlightColor)},
+        {"outline color 1", QString::number(h.OutlineColor1)},
+        {"outline color 2", QString::number(h.OutlineColor2)},
+        {"outline color 3", QString::number(h.OutlineColor3)},
+        {"outline color 4", QString::number(h.OutlineColor4)},
+        {"back color", QString::number(h.BackColor)},
+        {"alignment", QString::number(h.Alignment)},
+        {"layout", QString::number(h.Layout)},
+        {"image layout", QString::number(h.ImageLayout)},
+        {"image position", QString::number(h.ImagePosition)},
+        {"image custom x", QString::number(h.ImageCustomX)},
+        {"image custom y", QString::number(h.ImageCustomY)},
+        {"image offset x", QString::number(h.ImageOffsetX)},
+        {"image offset y", QString::number(h.ImageOffsetY)},
+    };
+    for (const auto& [key, value] : fields)
+        out << key << '\t' << value << '\n';
+}
+
+void PrintDocument(const std::vector<LyricItem>& lyrics, const std::vector<PictureItem>& pictures)
+{
+    QTextStream out(stdout);
+    PrintHeader(out, lyrics[0]);
+    for (size_t i = 1; i < pictures.size(); ++i) {
+        const PictureItem& p = pictures[i];
+        out << "image\t" << p.File << '\t' << p.Time << '\t' << p.Effect << '\t' << p.Speed << '\t' << p.Detail
+            << '\n';
+    }
+    for (size_t i = 1; i < lyrics.size(); ++i) {
+        const LyricItem& s = lyrics[i];
+        out << "syllable\t" << i << '\t' << QString::number(s.Time, 'f', 3) << '\t' << (s.LineEnd ? 1 : 0) << '\t'
+            << s.Text << '\t' << s.LineText << '\n';
+    }
+}
+
+int Fail(const QString& message)
+{
+    QTextStream(stderr) << message << '\n';
+    return 1;
+}
+
+// The block text the editor would open: a ".lrs" file whole, else the block inside the song.
+QString EditorText(const QString& path, bool polish)
+{
+    const QByteArray bytes = ReadWholeFile(path);
+    if (IsLrsFile(path))
+        return DecodeText(bytes, polish);
+    const auto span = FindLyricsBlock(bytes);
+    return span ? DecodeText(bytes.mid(span->Begin, span->Length), polish) : QString();
+}
+
+} // namespace
+
+int PrintLyrics(const QStringList& args)
+{
+    LyricsOptions options;
+    if (!ReadOptions(args, options))
+        return 2;
+    if (!QFileInfo(options.file).isFile())
+        return Fail(QStringLiteral("File not found: %1").arg(options.file));
+
+    QSettingsStore store;
+    std::vector<MonitorRecord> monitors;
+    const ThemeClass theme(store, ThemeEnvironment::FromSystem(), monitors);
+    LanguageTable language;
+    language.LoadLanguage(store);
+    const LyricsEnvironment env{theme.LyricsFontFace(), language.IsPolish, nullptr, {}};
+
+    LyricsState lyrics;
+    const std::vector<LyricItem>* document = &lyrics.PlayLyrics;
+    const std::vector<PictureItem>* pictures = &lyrics.PlayPictures;
+    if (options.editor) {
+        const auto critical = [](const QString& message) { QTextStream(stderr) << message << '\n'; };
+        if (!ParseEditorLyrics(lyrics, EditorText(options.file, env.Polish), critical))
+            return 1;
+        document = &lyrics.EditLyrics;
+        pictures = &lyrics.EditPictures;
+    } else if (IsLrsFile(options.file)) {
+        const QString text = DecodeText(ReadWholeFile(options.file), env.Polish);
+        if (!ParseLyricsText(lyrics, text, QFileInfo(options.file).absolutePath(), env.Font))
+            return Fail(QString::fromLatin1(kInvalidLyricsMessage));
+        lyrics.PlayLyrics[0].FormatName = QStringLiteral("Songweaver (*LRS)");
+    } else if (!LoadLyrics(lyrics, options.file, env)) {
+        const bool damaged = FindLyricsBlock(ReadWholeFile(options.file)).has_value() ||
+                             QFileInfo::exists(LyricsPathOf(options.file));
+        return Fail(damaged ? QString::fromLatin1(kInvalidLyricsMessage)
+                            : QStringLiteral("There are no lyrics for this song."));
+    }
+
+    PrintDocument(*document, *pictures);
+    if (!options.writeTo.isEmpty() && !SaveLrsFile(options.writeTo, *document, *pictures))
+        return Fail(QStringLiteral("Cannot write %1").arg(options.writeTo));
+    return 0;
+}

@@ -1,0 +1,44 @@
+#pragma once
+// The lyrics block: "#Songweaver", "#KEY=value" header lines, "[time]text" syllable lines,
+// "#End Songweaver". A ".lrs" file holds it alone; an audio file may carry it at its end.
+
+#include "lyrics/TagLyrics.h"
+
+#include <QFont>
+#include <QLocale>
+#include <functional>
+#include <optional>
+
+// The offset and length of the block cut out of a file's bytes: from the last "#Songweaver"
+// to the last CR LF "#End Songweaver", two bytes short of the marker's end.
+struct BlockSpan {
+    qsizetype Begin = 0;
+    qsizetype Length = 0;
+};
+std::optional<BlockSpan> FindLyricsBlock(const QByteArray& bytes);
+
+// Header lines 1 to 20 into a header and picture list; picture paths joined to the base folder.
+void ParseLyricsHeader(const QString& text, const QString& baseFolder, LyricItem& header,
+                       std::vector<PictureItem>& pictures);
+
+// The block into PlayLyrics and PlayPictures; false on a piece without "]", and then no
+// syllable of the text reaches PlayLyrics.
+bool ParseLyricsText(LyricsState& lyrics, const QString& text, const QString& baseFolder,
+                     const QFont& font, const LyricsRefit& refit = {});
+
+// The editor's header reader: paths as they stand; a "#LAYOUT=" line makes it fail.
+bool ParseEditorHeader(const QString& text, LyricItem& header, std::vector<PictureItem>& pictures);
+
+extern const char* const kInvalidLyricsMessage;  // "Lyrics format doesn't seem to be valid."
+
+// The block into EditLyrics and EditPictures; on failure shows the message and changes nothing.
+bool ParseEditorLyrics(LyricsState& lyrics, const QString& text,
+                       const std::function<void(const QString&)>& critical);
+
+// The whole block as the file writer writes it, CR LF line ends, times with the decimal mark.
+QString BuildLyricsBlock(const std::vector<LyricItem>& lyrics, const std::vector<PictureItem>& pictures,
+                         const QString& decimalMark = QLocale().decimalPoint());
+
+// Writes the block as UTF-8 without a byte order mark, replacing the file whole or not at all.
+bool SaveLrsFile(const QString& path, const std::vector<LyricItem>& lyrics,
+                 const std::vector<PictureItem>& pictures);

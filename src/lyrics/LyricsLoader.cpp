@@ -1,0 +1,111 @@
+#include "lyrics/LyricsLoader.h"
+
+#include "text/TextCodec.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+namespace {
+
+const QString kInternalFormat = QStringLiteral("Songweaver (internal)");
+const QString kLrsFormat = QStringLiteral("Songweaver (*LRS)");
+
+enum class Embedded { None, Loaded, Damaged };
+
+Embedded LoadBlockFromSong(LyricsState& lyrics, const QString& songPath, const LyricsEnvironment& env)
+{
+    lyrics.RawLyricsText = ReadWholeFile(songPath);
+    const auto span = FindLyricsBlock(lyrics.RawLyricsText);
+    if (!span)
+        return Embedded::None;
+    const QString block = DecodeText(lyrics.RawLyricsText.mid(span->Begin, span->Length), env.Polish);
+    if (!ParseLyricsText(lyrics, block, QFileInfo(songPath).absolutePath(), env.Font, env.Refit))
+        return Embedded::Damaged;
+    lyrics.PlayLyrics[0].FormatName = kInternalFormat;
+    return Embedded::Loaded;
+}
+
+bool LoadLrsFile(LyricsState& lyrics, const QString& songPath, const LyricsEnvironment& env)
+{
+    const QString lrsPath = LyricsPathOf(songPath);
+    if (!QFileInfo(lrsPath).isFile())
+        return false;
+    lyrics.RawLyricsText = ReadWholeFile(lrsPath);
+    const QString text = DecodeText(lyrics.RawLyricsText, env.Polish);
+    if (!ParseLyricsText(lyrics, text, QFileInfo(songPath).absolutePath(), env.Font, env.Refit))
+        return false;
+    lyrics.PlayLyrics[0].FormatName = kLrsFormat;
+    return true;
+}
+
+bool LoadTagLyrics(LyricsState& lyrics, const LyricsEnvironment& env)
+{
+    if (!env.Tags)
+        return false;
+    env.Tags->ReadTag();
+    const TagLyrics tag = env.Tags->LyricsTag();
+    if (!tag.LyricsExist)
+        return false;
+    ImportTagLyrics(lyrics, tag, env.Font, env.Refit);
+    lyrics.PlayLyrics[0].FormatName = QStringLiteral("Lyrics %1.00").arg(tag.LyricsVersion);
+    return true;
+}
+
+bool NoLyrics(LyricsState& lyrics, const LyricsEnvironment& env)
+{
+    ResetLyricsData(lyrics);
+    lyrics.LyricsTitleText = MakeLyricsTitle(lyrics, env.Tags);
+    return false;
+}
+
+} // namespace
+
+QString LyricsPathOf(const QString& songPath)
+{
+    return songPath.left(songPath.size() - 3) + QStringLiteral("lrs");
+}
+
+QByteArray ReadWholeFile(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    return file.readAll();
+}
+
+bool LoadLyrics(LyricsState& lyrics, const QString& songPath, const LyricsEnvironment& env)
+{
+    ResetLyricsData(lyrics);
+    // A song without lyrics of its own must not show the previous song's artist and title.
+    lyrics.PlayLyrics[0] = LyricItem{};
+
+    switch (LoadBlockFromSong(lyrics, songPath, env)) {
+    case Embedded::Damaged:
+        return NoLyrics(lyrics, env);
+    case Embedded::None:
+        if (!LoadLrsFile(lyrics, songPath, env) && !LoadTagLyrics(lyrics, env))
+            return NoLyrics(lyrics, env);
+        break;
+    case Embedded::Loaded:
+        break;
+    }
+    lyrics.LyricsTitleText = MakeLyricsTitle(lyrics, env.Tags);
+    return true;
+}
+
+bool LoadEmbeddedLyrics(LyricsState& lyrics, const QString& songPath, const LyricsEnvironment& env)
+{
+    // The sibling file is asked for but the song itself is read: MIDI import counts on this order.
+    if (!QFileInfo::exists(LyricsPathOf(songPath)))
+        return false;
+    switch (LoadBlockFromSong(lyrics, songPath, env)) {
+    case Embedded::Loaded:
+        return true;
+    case Embedded::Damaged:
+        ResetLyricsData(lyrics);
+        return false;
+    case Embedded::None:
+        return false;
+    }
+    return false;
+}
