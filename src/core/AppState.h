@@ -1,6 +1,7 @@
 #pragma once
 // The state every part of the program shares, owned by the application and passed by reference.
 
+#include "audio/AudioEngine.h"
 #include "core/Language.h"
 #include "core/MediaGraph.h"
 #include "core/Monitors.h"
@@ -21,6 +22,7 @@ struct AppState {
     QString CurrentFile;
     QString EditorFile;
     bool IsMidi = false;
+    std::unique_ptr<AudioEngine> Engine;  // the one output stream; outlives every media session
     std::unique_ptr<MediaGraph> MediaControl;  // null when no audio song is loaded
     std::unique_ptr<MediaGraph> VoiceControl;  // null when no voice track plays
     double CurrentPosition = 0;

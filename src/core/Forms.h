@@ -43,12 +43,19 @@ public:
     virtual int ListCount() const = 0;
     virtual QString ItemPath(int index) const = 0;
     virtual void LoadPlaylist(const QString& path) = 0;
+    // The selected row, -1 when none is.
+    virtual int SelectedIndex() const = 0;
+    // Marks the row as playing and opens its song.
+    virtual void fnChangeSong(int index) = 0;
 };
 
 class KaraokeForm : public Form {
 public:
     // The tick of the lyrics display; the position comes back with the lyrics offset taken off.
     virtual void IsPlaying(double& position) = 0;
+    virtual void ClearLyrics() = 0;
+    // Sets the lyrics to the song's position after a jump.
+    virtual void GetLastPos() = 0;
 };
 
 class ControlsForm : public Form {

@@ -1,10 +1,14 @@
 #pragma once
-// The song transport of the player window: stop, next, and songs handed over by the command line.
+// The song transport of the player: the audio engine's one output, the media session of the
+// song, play, pause, stop, close, seek, volume and mute, and songs handed over by the command line.
 
 #include "core/Forms.h"
 #include "core/PlaybackTicks.h"
 
+#include <functional>
+
 struct AppState;
+class MediaSession;
 class PlayerWindow;
 
 // The path a command line names: made absolute, and a lyrics file ("...lrs") stands for the
@@ -17,12 +21,37 @@ public:
 
     PlaybackTicks& Ticks() { return m_ticks; }
 
+    // Starts the output stream once. A device that cannot play is reported once on stderr and
+    // replaced by the null device, so the program still runs and keeps time.
+    void StartAudio();
+
+    // A fresh media session for the file: rate, then the file, then the volume. False when
+    // the file cannot be decoded; the old session is gone either way.
+    bool CreateGraph(const QString& path);
+
+    void PlaySong(bool& resume);
+    void PauseSong();
     void StopSong() override;
+    void CloseSong();
+    // The progress slider moved by hand to `fraction` of the song.
+    void SeekTo(double fraction);
+    // The volume slider's value in hundredths of a decibel; 0 without a session.
+    int16_t GetVolume() const;
+    void VolumeMoved(double sliderValue);
+    void SetMuted(bool muted);
+    // Lets `rewrite` change the file while no session holds it; a session on that file comes
+    // back at the same whole second, in the same state.
+    void ReopenAround(const QString& path, const std::function<void()>& rewrite);
+
     void DALEJ() override;
     void OpenFromCommandLine(const QString& commandLine) override;
 
 private:
+    MediaSession* Session() const;
+    void TransportLamps(int play, int pause, int stop);
+
     AppState& m_state;
+    FormProvider& m_forms;
     PlayerWindow& m_player;
     PlaybackTicks m_ticks;
 };

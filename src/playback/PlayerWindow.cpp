@@ -55,6 +55,8 @@ PlayerWindow::PlayerWindow(AppState& state, SettingsStore& store, Docking& docki
     m_volume = new QSlider(Qt::Horizontal, this);
     m_volume->setRange(0, kSliderSteps);
     m_volume->setFixedWidth(90);
+    connect(m_progress, &QSlider::sliderMoved, this, [this](int v) { emit progressMoved(double(v) / kSliderSteps); });
+    connect(m_volume, &QSlider::valueChanged, this, [this](int v) { emit volumeMoved(double(v) / kSliderSteps); });
 
     auto* lamps = new QHBoxLayout;
     lamps->setSpacing(4);
@@ -147,6 +149,7 @@ void PlayerWindow::MoveTo(QPoint topLeft) { move(topLeft); }
 void PlayerWindow::SetTimeText(const QString& text) { m_digits->setText(text); }
 void PlayerWindow::SetProgress(double fraction) { m_progress->setValue(qRound(fraction * kSliderSteps)); }
 void PlayerWindow::SetVolumeSlider(double value) { m_volume->setValue(qRound(value * kSliderSteps)); }
+double PlayerWindow::VolumeValue() const { return double(m_volume->value()) / kSliderSteps; }
 
 void PlayerWindow::Light(int index, int state)
 {

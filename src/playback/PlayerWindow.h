@@ -38,9 +38,14 @@ public:
 
     // The song name shown over the digits.
     void SetSongName(const QString& name);
+    // The volume slider, 0 to 1.
+    double VolumeValue() const;
 
 signals:
     void closeRequested();
+    // The user dragged the progress slider to this fraction of the song.
+    void progressMoved(double fraction);
+    void volumeMoved(double value);
 
 protected:
     void closeEvent(QCloseEvent* event) override;

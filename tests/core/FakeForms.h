@@ -65,9 +65,12 @@ public:
     int ListCount() const override { return static_cast<int>(paths.size()); }
     QString ItemPath(int i) const override { return paths.value(i); }
     void LoadPlaylist(const QString& path) override { Log(QStringLiteral("LoadPlaylist ") + path); }
+    int SelectedIndex() const override { return selected; }
+    void fnChangeSong(int index) override { Log(QStringLiteral("fnChangeSong %1").arg(index)); }
 
     QRect geometry;
     QStringList paths;
+    int selected = -1;
 };
 
 class FakeKaraoke final : public KaraokeForm, FakeForm {
@@ -79,6 +82,8 @@ public:
         seen.push_back(position);
         position -= offset;
     }
+    void ClearLyrics() override { Log(QStringLiteral("ClearLyrics")); }
+    void GetLastPos() override { Log(QStringLiteral("GetLastPos")); }
     std::vector<double> seen;
     double offset = 0;
 };

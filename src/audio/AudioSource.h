@@ -1,0 +1,24 @@
+#pragma once
+// Something the engine mixes: it fills stereo frames on the real-time thread, and carries the
+// level controls the mixer applies to it.
+
+#include "audio/AudioDevice.h"
+
+#include <atomic>
+
+class AudioSource {
+public:
+    virtual ~AudioSource() = default;
+
+    // Overwrites `frames` interleaved stereo frames. Real-time: no locks, no allocation, no I/O.
+    virtual void Render(float* out, int frames, const BufferTiming& timing) noexcept = 0;
+
+    // Hundredths of a decibel: 0 full level, -10000 silence.
+    std::atomic<int> Volume{0};
+    // -10000 (right silent) to 10000 (left silent), hundredths of a decibel on the weaker side.
+    std::atomic<int> Balance{0};
+    std::atomic<bool> Muted{false};
+};
+
+// Linear gain of a level in hundredths of a decibel; -10000 and below is exact silence.
+float GainOfHundredthsDb(int level);

@@ -1,0 +1,448 @@
+#include "audio/FileSource.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+
+extern "C" {
+#include <libavcodec/avcodec.h>
+#include <libavformat/avformat.h>
+#include <libavutil/opt.h>
+#include <libswresample/swresample.h>
+}
+
+namespace {
+
+std::string AvError(int code)
+{
+    char text[AV_ERROR_MAX_STRING_SIZE] = {};
+    av_strerror(code, text, sizeof text);
+    return text;
+}
+
+} // namespace
+
+// FFmpeg's side: owned and used by the decoder thread once it runs.
+struct FileSource::Decoder {
+    AVFormatContext* format = nullptr;
+    AVCodecContext* codec = nullptr;
+    SwrContext* resampler = nullptr;
+    AVPacket* packet = nullptr;
+    AVFrame* frame = nullptr;
+    int stream = -1;
+    int outputRate = 48000;
+
+    // Resampled frames not yet in a chunk; pendingStart is the song frame of the first one.
+    std::vector<float> pending;
+    size_t pendingOffset = 0;
+    int64_t nextFrame = 0;
+    bool timed = false;  // nextFrame was taken from a decoded frame's timestamp
+    int64_t trimBefore = 0;
+    bool endOfFile = false;
+
+    std::thread thread;
+    std::mutex mutex;
+    std::condition_variable wake;
+    bool quit = false;
+
+    ~Decoder()
+    {
+        swr_free(&resampler);
+        av_frame_free(&frame);
+        av_packet_free(&packet);
+        avcodec_free_context(&codec);
+        avformat_close_input(&format);
+    }
+
+    std::string Open(const std::string& path, int rate)
+    {
+        outputRate = rate;
+        int err = avformat_open_input(&format, path.c_str(), nullptr, nullptr);
+        if (err < 0)
+            return AvError(err);
+        if ((err = avformat_find_stream_info(format, nullptr)) < 0)
+            return AvError(err);
+        const AVCodec* decoder = nullptr;
+        stream = av_find_best_stream(format, AVMEDIA_TYPE_AUDIO, -1, -1, &decoder, 0);
+        if (stream < 0 || !decoder)
+            return "no audio stream";
+        codec = avcodec_alloc_context3(decoder);
+        avcodec_parameters_to_context(codec, format->streams[stream]->codecpar);
+        if ((err = avcodec_open2(codec, decoder, nullptr)) < 0)
+            return AvError(err);
+        packet = av_packet_alloc();
+        frame = av_frame_alloc();
+        return ResetResampler() ? std::string() : "cannot convert the audio";
+    }
+
+    bool ResetResampler()
+    {
+        swr_free(&resampler);
+        AVChannelLayout stereo = AV_CHANNEL_LAYOUT_STEREO;
+        AVChannelLayout input{};
+        if (codec->ch_layout.order == AV_CHANNEL_ORDER_UNSPEC)
+            av_channel_layout_default(&input, codec->ch_layout.nb_channels);
+        else
+            av_channel_layout_copy(&input, &codec->ch_layout);
+        const int err = swr_alloc_set_opts2(&resampler, &stereo, AV_SAMPLE_FMT_FLT, outputRate, &input,
+                                            codec->sample_fmt, codec->sample_rate, 0, nullptr);
+        av_channel_layout_uninit(&input);
+        return err >= 0 && swr_init(resampler) >= 0;
+    }
+
+    double Duration() const
+    {
+        if (format->duration > 0)
+            return double(format->duration) / AV_TIME_BASE;
+        const AVStream* s = format->streams[stream];
+        return s->duration > 0 ? double(s->duration) * av_q2d(s->time_base) : 0.0;
+    }
+
+    size_t PendingFrames() const { return pending.size() / 2 - pendingOffset; }
+
+    void Seek(int64_t target)
+    {
+        const AVStream* s = format->streams[stream];
+        const int64_t start = s->start_time == AV_NOPTS_VALUE ? 0 : s->start_time;
+        const int64_t ts = start + av_rescale_q(target, AVRational{1, outputRate}, s->time_base);
+        av_seek_frame(format, stream, ts, AVSEEK_FLAG_BACKWARD);
+        avcodec_flush_buffers(codec);
+        ResetResampler();
+        pending.clear();
+        pendingOffset = 0;
+        nextFrame = target;
+        timed = false;
+        trimBefore = target;
+        endOfFile = false;
+    }
+
+    // Appends the resampled frames of `input` (nullptr drains the resampler).
+    void Convert(const AVFrame* input)
+    {
+        const int inCount = input ? input->nb_samples : 0;
+        if (input && !timed && input->best_effort_timestamp != AV_NOPTS_VALUE) {
+            const AVStream* s = format->streams[stream];
+            const int64_t start = s->start_time == AV_NOPTS_VALUE ? 0 : s->start_time;
+            nextFrame = av_rescale_q(input->best_effort_timestamp - start, s->time_base, AVRational{1, outputRate});
+            timed = true;
+        }
+        const int room = swr_get_out_samples(resampler, inCount) + 32;
+        const size_t base = pending.size();
+        pending.resize(base + size_t(room) * 2);
+        auto* out = reinterpret_cast<uint8_t*>(pending.data() + base);
+        const int made = swr_convert(resampler, &out, room, input ? const_cast<const uint8_t**>(input->extended_data)
+                                                                 : nullptr,
+                                     inCount);
+        pending.resize(base + size_t(std::max(made, 0)) * 2);
+        TrimToTarget(base, std::max(made, 0));
+    }
+
+    // Drops what a seek decoded before its target, so the first frame queued is the target's.
+    void TrimToTarget(size_t base, int made)
+    {
+        const int64_t first = nextFrame;
+        nextFrame += made;
+        if (first >= trimBefore)
+            return;
+        const int64_t drop = std::min<int64_t>(trimBefore - first, made);
+        pending.erase(pending.begin() + std::ptrdiff_t(base), pending.begin() + std::ptrdiff_t(base + drop * 2));
+    }
+
+    // Decodes until some frames are pending or the file has ended; false at the end.
+    bool DecodeMore()
+    {
+        if (pendingOffset > 0 && PendingFrames() == 0) {
+            pending.clear();
+            pendingOffset = 0;
+        }
+        while (PendingFrames() == 0 && !endOfFile) {
+            int err = avcodec_receive_frame(codec, frame);
+            if (err == 0) {
+                Convert(frame);
+                continue;
+            }
+            if (err == AVERROR_EOF) {
+                Convert(nullptr);
+                endOfFile = true;
+                break;
+            }
+            err = av_read_frame(format, packet);
+            if (err < 0) {
+                avcodec_send_packet(codec, nullptr);
+                continue;
+            }
+            if (packet->stream_index == stream)
+                avcodec_send_packet(codec, packet);
+            av_packet_unref(packet);
+        }
+        return PendingFrames() > 0;
+    }
+
+    // The song frame of the first pending frame.
+    int64_t PendingStart() const { return nextFrame - int64_t(PendingFrames()); }
+};
+
+std::shared_ptr<FileSource> FileSource::Open(const std::string& path, int outputRate, std::string& error)
+{
+    auto decoder = std::make_unique<Decoder>();
+    error = decoder->Open(path, outputRate);
+    if (error.empty() && !decoder->DecodeMore())
+        error = "no audio could be decoded";
+    if (!error.empty())
+        return nullptr;
+    std::shared_ptr<FileSource> source(new FileSource(outputRate, std::move(decoder)));
+    source->m_decoder->thread = std::thread([s = source.get()] { s->DecodeLoop(); });
+    return source;
+}
+
+FileSource::FileSource(int outputRate, std::unique_ptr<Decoder> decoder)
+    : m_outputRate(outputRate), m_decoder(std::move(decoder)), m_chunks(kChunkCount)
+{
+    m_duration = m_decoder->Duration();
+    for (uint32_t i = 0; i < kChunkCount; ++i)
+        m_free.Push(i);
+}
+
+FileSource::~FileSource()
+{
+    {
+        std::lock_guard lock(m_decoder->mutex);
+        m_decoder->quit = true;
+    }
+    m_decoder->wake.notify_one();
+    if (m_decoder->thread.joinable())
+        m_decoder->thread.join();
+}
+
+void FileSource::DecodeLoop()
+{
+    Decoder& d = *m_decoder;
+    uint32_t serial = 0;
+    bool endSent = false;
+    for (;;) {
+        {
+            std::unique_lock lock(d.mutex);
+            if (d.quit)
+                return;
+        }
+        const uint32_t wanted = m_seekSerial.load(std::memory_order_acquire);
+        if (wanted != serial) {
+            serial = wanted;
+            d.Seek(m_seekFrame.load(std::memory_order_relaxed));
+            endSent = false;
+        }
+        uint32_t index = 0;
+        if (endSent || !m_free.Front(index)) {
+            std::unique_lock lock(d.mutex);
+            d.wake.wait_for(lock, std::chrono::milliseconds(5));
+            continue;
+        }
+        const bool more = d.DecodeMore();
+        m_free.PopFront();
+        Chunk& chunk = m_chunks[index];
+        chunk.serial = serial;
+        chunk.startFrame = d.PendingStart();
+        chunk.frames = int(std::min<size_t>(kChunkFrames, d.PendingFrames()));
+        chunk.endOfStream = !more;
+        std::copy_n(d.pending.data() + d.pendingOffset * 2, size_t(chunk.frames) * 2, chunk.samples);
+        d.pendingOffset += size_t(chunk.frames);
+        endSent = !more;
+        m_filled.Push(index);
+    }
+}
+
+void FileSource::Seek(double seconds)
+{
+    seconds = std::clamp(seconds, 0.0, std::max(m_duration, 0.0));
+    m_seekSeconds = seconds;
+    m_seekFrame.store(std::llround(seconds * m_outputRate), std::memory_order_relaxed);
+    m_seekSerial.fetch_add(1, std::memory_order_release);
+    m_decoder->wake.notify_one();
+}
+
+void FileSource::SetRate(double rate)
+{
+    m_rate = std::clamp(rate, 0.0, 2.0);
+}
+
+double FileSource::SecondsBuffered() const
+{
+    return double(m_filled.Size()) * kChunkFrames / m_outputRate;
+}
+
+void FileSource::PublishAnchor(const Anchor& a) noexcept
+{
+    const uint32_t seq = m_anchorSequence.load(std::memory_order_relaxed);
+    m_anchorSequence.store(seq + 1, std::memory_order_relaxed);
+    std::atomic_thread_fence(std::memory_order_release);
+    m_anchorSerial.store(a.serial, std::memory_order_relaxed);
+    m_anchorStart.store(a.mediaStart, std::memory_order_relaxed);
+    m_anchorEnd.store(a.mediaEnd, std::memory_order_relaxed);
+    m_anchorHeardAt.store(a.heardAt, std::memory_order_relaxed);
+    m_anchorRate.store(a.rate, std::memory_order_relaxed);
+    m_anchorEnded.store(a.ended, std::memory_order_relaxed);
+    m_anchorValid.store(true, std::memory_order_relaxed);
+    m_anchorSequence.store(seq + 2, std::memory_order_release);
+}
+
+bool FileSource::ReadAnchor(Anchor& a) const
+{
+    for (;;) {
+        const uint32_t before = m_anchorSequence.load(std::memory_order_acquire);
+        if (before & 1u)
+            continue;
+        a.serial = m_anchorSerial.load(std::memory_order_relaxed);
+        a.mediaStart = m_anchorStart.load(std::memory_order_relaxed);
+        a.mediaEnd = m_anchorEnd.load(std::memory_order_relaxed);
+        a.heardAt = m_anchorHeardAt.load(std::memory_order_relaxed);
+        a.rate = m_anchorRate.load(std::memory_order_relaxed);
+        a.ended = m_anchorEnded.load(std::memory_order_relaxed);
+        const bool valid = m_anchorValid.load(std::memory_order_relaxed);
+        std::atomic_thread_fence(std::memory_order_acquire);
+        if (m_anchorSequence.load(std::memory_order_relaxed) == before)
+            return valid;
+    }
+}
+
+double FileSource::Position(double now)
+{
+    const uint32_t serial = m_seekSerial.load(std::memory_order_relaxed);
+    Anchor a;
+    if (!ReadAnchor(a) || a.serial != serial)
+        return m_seekSeconds;
+
+    double position = a.mediaStart + (now - a.heardAt) * a.rate;
+    position = std::clamp(position, m_seekSeconds, std::max(a.mediaEnd, m_seekSeconds));
+    if (a.ended && position >= a.mediaEnd)
+        position = std::max(position, m_duration);
+    if (m_state == Running && m_lastSerial == serial)
+        position = std::max(position, m_lastPosition);
+    m_lastSerial = serial;
+    m_lastPosition = position;
+    return position;
+}
+
+void FileSource::FollowSeek() noexcept
+{
+    const uint32_t serial = m_seekSerial.load(std::memory_order_acquire);
+    if (serial == m_rtSerial)
+        return;
+    m_rtSerial = serial;
+    if (m_rtChunk >= 0)
+        m_free.Push(uint32_t(m_rtChunk));
+    m_rtChunk = -1;
+    m_index = m_seekFrame.load(std::memory_order_relaxed);
+    m_phase = 0;
+    m_primed = false;
+    m_ended = false;
+}
+
+bool FileSource::NextFrame(float& left, float& right) noexcept
+{
+    while (!m_ended) {
+        if (m_rtChunk < 0) {
+            uint32_t index = 0;
+            if (!m_filled.Pop(index))
+                return false;
+            const Chunk& chunk = m_chunks[index];
+            if (chunk.serial != m_rtSerial) {
+                m_free.Push(index);
+                continue;
+            }
+            if (chunk.frames == 0 && chunk.endOfStream) {
+                m_free.Push(index);
+                m_ended = true;
+                return false;
+            }
+            m_rtChunk = int(index);
+            m_rtOffset = 0;
+            if (!m_primed)
+                m_index = chunk.startFrame;
+        }
+        const Chunk& chunk = m_chunks[size_t(m_rtChunk)];
+        if (m_rtOffset < chunk.frames) {
+            left = chunk.samples[2 * m_rtOffset];
+            right = chunk.samples[2 * m_rtOffset + 1];
+            ++m_rtOffset;
+            return true;
+        }
+        m_ended = chunk.endOfStream;
+        m_free.Push(uint32_t(m_rtChunk));
+        m_rtChunk = -1;
+    }
+    return false;
+}
+
+bool FileSource::Prime() noexcept
+{
+    if (m_primed)
+        return true;
+    if (!NextFrame(m_a0[0], m_a0[1]))
+        return false;
+    if (!NextFrame(m_a1[0], m_a1[1]))
+        m_a1[0] = m_a1[1] = 0;
+    m_primed = true;
+    return true;
+}
+
+void FileSource::RenderFrames(float* out, int frames) noexcept
+{
+    const double rate = m_rate.load(std::memory_order_relaxed);
+    int i = 0;
+    if (rate > 0 && Prime()) {
+        for (; i < frames; ++i) {
+            const float t = float(m_phase);
+            out[2 * i] = m_a0[0] + (m_a1[0] - m_a0[0]) * t;
+            out[2 * i + 1] = m_a0[1] + (m_a1[1] - m_a0[1]) * t;
+            m_phase += rate;
+            bool starved = false;
+            while (m_phase >= 1.0) {
+                float next[2];
+                if (!NextFrame(next[0], next[1])) {
+                    starved = true;
+                    break;
+                }
+                m_a0[0] = m_a1[0];
+                m_a0[1] = m_a1[1];
+                m_a1[0] = next[0];
+                m_a1[1] = next[1];
+                m_phase -= 1.0;
+                ++m_index;
+            }
+            if (starved) {
+                // Out of audio (a slow disk, or the end): hold here, the clock holds with it.
+                m_phase = std::min(m_phase, 1.0);
+                ++i;
+                break;
+            }
+        }
+    }
+    std::fill(out + size_t(i) * 2, out + size_t(frames) * 2, 0.0f);
+}
+
+void FileSource::Render(float* out, int frames, const BufferTiming& timing) noexcept
+{
+    FollowSeek();
+    if (m_state.load(std::memory_order_relaxed) != Running) {
+        // Chunks made stale by a seek go back at once, so the decoder refills before Run.
+        uint32_t index = 0;
+        while (m_filled.Front(index) && m_chunks[index].serial != m_rtSerial) {
+            m_filled.PopFront();
+            m_free.Push(index);
+        }
+        std::fill(out, out + size_t(frames) * 2, 0.0f);
+        return;
+    }
+    Anchor anchor;
+    anchor.serial = m_rtSerial;
+    anchor.heardAt = timing.heardAt;
+    anchor.rate = m_rate.load(std::memory_order_relaxed);
+    anchor.mediaStart = (double(m_index) + m_phase) / m_outputRate;
+    RenderFrames(out, frames);
+    anchor.mediaEnd = (double(m_index) + m_phase) / m_outputRate;
+    anchor.ended = m_ended;
+    PublishAnchor(anchor);
+}

@@ -1,0 +1,107 @@
+#pragma once
+// An audio file as a source of the engine. A decoder thread demuxes, decodes and resamples it
+// with FFmpeg (float stereo at the device rate) into chunks handed to the real-time thread
+// through a lock-free queue, seconds ahead of playback. The real-time thread reads them at the
+// playback rate (varispeed by interpolation) and publishes, per buffer, which stretch of the
+// song it delivered and when that is heard; the interface thread turns that into the position.
+
+#include "audio/AudioSource.h"
+#include "audio/SpscQueue.h"
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+class FileSource final : public AudioSource {
+public:
+    enum State { Stopped = 0, Paused = 1, Running = 2 };
+
+    // Opens the file and decodes its first audio; nullptr and a message when FFmpeg cannot open
+    // or decode it.
+    static std::shared_ptr<FileSource> Open(const std::string& path, int outputRate, std::string& error);
+    ~FileSource() override;
+
+    // Interface thread.
+    void Run() { m_state = Running; }
+    void Pause() { m_state = Paused; }
+    void Stop() { m_state = Stopped; }
+    int GetState() const { return m_state; }
+    double Duration() const { return m_duration; }
+    // Seconds of the song the listener hears at device time `now`; never backwards while
+    // running, the seek target until the first sound after a seek, the duration at the end.
+    double Position(double now);
+    void Seek(double seconds);
+    // 0 to 2: 1 normal, 2 twice as fast (and an octave up), 0 holds.
+    void SetRate(double rate);
+    double Rate() const { return m_rate; }
+    // Seconds of decoded audio queued ahead of the real-time thread.
+    double SecondsBuffered() const;
+
+    void Render(float* out, int frames, const BufferTiming& timing) noexcept override;
+
+private:
+    struct Decoder;
+    static constexpr int kChunkFrames = 1024;
+    static constexpr int kChunkCount = 128;
+    struct Chunk {
+        uint32_t serial = 0;
+        int64_t startFrame = 0;
+        int frames = 0;
+        bool endOfStream = false;
+        float samples[kChunkFrames * 2];
+    };
+    // What one buffer delivered, published by the real-time thread under a sequence count.
+    struct Anchor {
+        uint32_t serial = 0;
+        double mediaStart = 0;
+        double mediaEnd = 0;
+        double heardAt = 0;
+        double rate = 1;
+        bool ended = false;
+    };
+
+    FileSource(int outputRate, std::unique_ptr<Decoder> decoder);
+    void DecodeLoop();
+    void PublishAnchor(const Anchor& anchor) noexcept;
+    bool ReadAnchor(Anchor& anchor) const;
+    // Real-time thread only.
+    void FollowSeek() noexcept;
+    bool NextFrame(float& left, float& right) noexcept;
+    bool Prime() noexcept;
+    void RenderFrames(float* out, int frames) noexcept;
+
+    const int m_outputRate;
+    std::unique_ptr<Decoder> m_decoder;
+    double m_duration = 0;
+    std::vector<Chunk> m_chunks;
+    SpscQueue<uint32_t> m_filled{kChunkCount};  // decoder to real-time thread
+    SpscQueue<uint32_t> m_free{kChunkCount};    // and back
+
+    std::atomic<int> m_state{Stopped};
+    std::atomic<double> m_rate{1.0};
+    std::atomic<uint32_t> m_seekSerial{0};
+    std::atomic<int64_t> m_seekFrame{0};
+
+    // The published anchor: odd sequence while it is written.
+    std::atomic<uint32_t> m_anchorSequence{0};
+    std::atomic<uint32_t> m_anchorSerial{0};
+    std::atomic<double> m_anchorStart{0}, m_anchorEnd{0}, m_anchorHeardAt{0}, m_anchorRate{1};
+    std::atomic<bool> m_anchorEnded{false}, m_anchorValid{false};
+
+    // Real-time thread only: two frames around the read position m_index + m_phase.
+    uint32_t m_rtSerial = 0;
+    int m_rtChunk = -1;
+    int m_rtOffset = 0;
+    int64_t m_index = 0;
+    double m_phase = 0;
+    float m_a0[2] = {0, 0}, m_a1[2] = {0, 0};
+    bool m_primed = false;
+    bool m_ended = false;
+
+    // Interface thread only.
+    double m_seekSeconds = 0;
+    double m_lastPosition = 0;
+    uint32_t m_lastSerial = 0;
+};

@@ -1,0 +1,7 @@
+#pragma once
+// How long an audio file plays, as FFmpeg's container probe tells it.
+
+#include <string>
+
+// Seconds; 0 when FFmpeg cannot open the file or finds no audio in it.
+double MediaLength(const std::string& path);
