@@ -37,8 +37,8 @@ fuzz:
 	cmake --build build-fuzz -j$(JOBS) --target fuzz_targets
 	@for f in build-fuzz/fuzz/*_fuzz; do n=$$(basename $$f); mkdir -p build-fuzz/corpus/$$n; \
 	  echo "== $$n for $(FUZZ_SECONDS) s"; \
-	  QT_QPA_PLATFORM=offscreen $$f -max_total_time=$(FUZZ_SECONDS) -max_len=4096 -timeout=5 \
-	    build-fuzz/corpus/$$n fuzz/seeds/$$n || exit 1; done
+	  QT_QPA_PLATFORM=offscreen LSAN_OPTIONS=suppressions=fuzz/lsan.supp $$f -max_total_time=$(FUZZ_SECONDS) -max_len=4096 -timeout=5 \
+	    -artifact_prefix=build-fuzz/ build-fuzz/corpus/$$n fuzz/seeds/$$n || exit 1; done
 
 clean:
 	rm -rf $(BUILD_DIR) build-fuzz out

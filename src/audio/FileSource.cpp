@@ -1,5 +1,7 @@
 #include "audio/FileSource.h"
 
+#include "audio/MediaProbe.h"
+
 #include <algorithm>
 #include <chrono>
 #include <cmath>
@@ -187,6 +189,7 @@ struct FileSource::Decoder {
 
 std::shared_ptr<FileSource> FileSource::Open(const std::string& path, int outputRate, std::string& error)
 {
+    QuietDecoderLog();
     auto decoder = std::make_unique<Decoder>();
     error = decoder->Open(path, outputRate);
     if (error.empty() && !decoder->DecodeMore())
@@ -194,6 +197,9 @@ std::shared_ptr<FileSource> FileSource::Open(const std::string& path, int output
     if (!error.empty())
         return nullptr;
     std::shared_ptr<FileSource> source(new FileSource(outputRate, std::move(decoder)));
+    // The first stretch is decoded here, so Run never waits for the decoder thread to get going.
+    for (int i = 0; i < kPrefillChunks && source->FillChunk(0); ++i) {
+    }
     source->m_decoder->thread = std::thread([s = source.get()] { s->DecodeLoop(); });
     return source;
 }
@@ -217,6 +223,24 @@ FileSource::~FileSource()
         m_decoder->thread.join();
 }
 
+bool FileSource::FillChunk(uint32_t serial)
+{
+    uint32_t index = 0;
+    if (!m_free.Pop(index))
+        return true;
+    Decoder& d = *m_decoder;
+    const bool more = d.DecodeMore();
+    Chunk& chunk = m_chunks[index];
+    chunk.serial = serial;
+    chunk.startFrame = d.PendingStart();
+    chunk.frames = int(std::min<size_t>(kChunkFrames, d.PendingFrames()));
+    chunk.endOfStream = !more;
+    std::copy_n(d.pending.data() + d.pendingOffset * 2, size_t(chunk.frames) * 2, chunk.samples);
+    d.pendingOffset += size_t(chunk.frames);
+    m_filled.Push(index);
+    return more;
+}
+
 void FileSource::DecodeLoop()
 {
     Decoder& d = *m_decoder;
@@ -234,23 +258,12 @@ void FileSource::DecodeLoop()
             d.Seek(m_seekFrame.load(std::memory_order_relaxed));
             endSent = false;
         }
-        uint32_t index = 0;
-        if (endSent || !m_free.Front(index)) {
+        if (endSent || m_free.Size() == 0) {
             std::unique_lock lock(d.mutex);
             d.wake.wait_for(lock, std::chrono::milliseconds(5));
             continue;
         }
-        const bool more = d.DecodeMore();
-        m_free.PopFront();
-        Chunk& chunk = m_chunks[index];
-        chunk.serial = serial;
-        chunk.startFrame = d.PendingStart();
-        chunk.frames = int(std::min<size_t>(kChunkFrames, d.PendingFrames()));
-        chunk.endOfStream = !more;
-        std::copy_n(d.pending.data() + d.pendingOffset * 2, size_t(chunk.frames) * 2, chunk.samples);
-        d.pendingOffset += size_t(chunk.frames);
-        endSent = !more;
-        m_filled.Push(index);
+        endSent = !FillChunk(serial);
     }
 }
 

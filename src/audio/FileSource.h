@@ -45,6 +45,7 @@ private:
     struct Decoder;
     static constexpr int kChunkFrames = 1024;
     static constexpr int kChunkCount = 128;
+    static constexpr int kPrefillChunks = 8;
     struct Chunk {
         uint32_t serial = 0;
         int64_t startFrame = 0;
@@ -64,6 +65,8 @@ private:
 
     FileSource(int outputRate, std::unique_ptr<Decoder> decoder);
     void DecodeLoop();
+    // Decodes one chunk into the queue (if a free one exists); false once the file has ended.
+    bool FillChunk(uint32_t serial);
     void PublishAnchor(const Anchor& anchor) noexcept;
     bool ReadAnchor(Anchor& anchor) const;
     // Real-time thread only.

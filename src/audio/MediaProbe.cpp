@@ -1,11 +1,20 @@
 #include "audio/MediaProbe.h"
 
+#include <mutex>
+
 extern "C" {
 #include <libavformat/avformat.h>
 }
 
+void QuietDecoderLog()
+{
+    static std::once_flag once;
+    std::call_once(once, [] { av_log_set_level(AV_LOG_QUIET); });
+}
+
 double MediaLength(const std::string& path)
 {
+    QuietDecoderLog();
     AVFormatContext* format = nullptr;
     if (avformat_open_input(&format, path.c_str(), nullptr, nullptr) < 0)
         return 0;

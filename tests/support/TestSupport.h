@@ -31,3 +31,9 @@ struct Journal {
 
 QByteArray ReadFileBytes(const QString& path);
 void WriteFileBytes(const QString& path, const QByteArray& bytes);
+
+// A 16-bit PCM WAV whose sample values tell their frame: left = frame % 32768, right = its
+// negative, so any frame the engine delivers can be checked. Returns the path.
+QString WriteRampWav(const QString& path, int frames, int sampleRate = 48000);
+// The left sample of frame `frame` of that file, as float audio.
+float RampSample(long long frame);

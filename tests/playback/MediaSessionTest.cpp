@@ -1,0 +1,175 @@
+#include "audio/ManualDevice.h"
+#include "core/AppState.h"
+#include "core/FakeForms.h"
+#include "playback/MediaSession.h"
+#include "playback/PlayerTransport.h"
+#include "playback/PlayerWindow.h"
+#include "support/TestSupport.h"
+#include "widgets/Docking.h"
+
+#include <QTemporaryDir>
+#include <chrono>
+#include <gtest/gtest.h>
+#include <thread>
+
+namespace {
+
+constexpr int kRate = 48000;
+
+// The real main window with the other windows faked.
+class SessionWindows final : public FormProvider {
+public:
+    SessionWindows(AppState& state, Journal& j) : player(state, store, docking), userList(j), lyric(j), midiEq(j) {}
+    PlayerForm& Player() override { return player; }
+    PlaylistForm* UserList() override { return &userList; }
+    ControlsForm* MidiEq() override { return &midiEq; }
+    KaraokeForm* Lyric() override { return &lyric; }
+    std::vector<Form*> LoadedForms() override { return {&player, &userList, &lyric, &midiEq}; }
+
+    MemoryStore store;
+    Docking docking;
+    PlayerWindow player;
+    FakePlaylist userList;
+    FakeKaraoke lyric;
+    FakeControls midiEq;
+};
+
+class TransportTest : public testing::Test {
+protected:
+    TransportTest()
+    {
+        state.Language.LoadTable(false);
+        device = new ManualDevice(kRate);
+        state.Engine = std::make_unique<AudioEngine>(std::unique_ptr<AudioDevice>(device));
+        state.Engine->Start();
+        song = WriteRampWav(dir.filePath("song.wav"), kRate * 3);
+        state.CurrentFile = song;
+    }
+
+    MediaSession* Session() { return dynamic_cast<MediaSession*>(state.MediaControl.get()); }
+
+    // Plays `seconds` on the manual device in 10 ms steps, giving the decoder time to keep up.
+    void Play(double seconds)
+    {
+        for (int i = 0; i < int(seconds * 100 + 0.5); ++i) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(2));
+            device->Step(kRate / 100, kRate / 100);
+        }
+    }
+
+    QTemporaryDir dir;
+    AppState state;
+    Journal journal;
+    ManualDevice* device = nullptr;
+    SessionWindows windows{state, journal};
+    PlayerTransport transport{state, windows, windows.player};
+    QString song;
+};
+
+} // namespace
+
+TEST(MediaSession, VolumeLawsAndRefusedFiles)
+{
+    EXPECT_EQ(VolumeOfSlider(1.0), 0);
+    EXPECT_EQ(VolumeOfSlider(0.21), -2844);
+    EXPECT_EQ(VolumeOfSlider(0.2), -3000);
+    EXPECT_EQ(VolumeOfSlider(0.2001), -2880);
+    EXPECT_EQ(VolumeOfSlider(0.1), -6500);
+    EXPECT_EQ(VolumeOfSlider(0.0), -10000);
+    EXPECT_EQ(ReopenedVolume(0.5, false), -3500);
+    EXPECT_EQ(ReopenedVolume(0.5, true), -10000);
+
+    AudioEngine engine(std::make_unique<ManualDevice>(kRate));
+    MediaSession session(engine);
+    QTemporaryDir dir;
+    WriteFileBytes(dir.filePath("a.mp3"), QByteArray(5000, 'x'));
+    EXPECT_FALSE(session.RenderFile(dir.filePath("a.mp3")));
+    EXPECT_FALSE(session.ErrorText().isEmpty());
+    EXPECT_EQ(session.get_Duration(), 0);
+}
+
+TEST_F(TransportTest, StopThenPlayStartsAtZeroAndPauseFreezes)
+{
+    ASSERT_TRUE(transport.CreateGraph(song));
+    windows.player.SetVolumeSlider(0.5);
+    EXPECT_EQ(Session()->get_Volume(), -1800);
+    bool resume = false;
+    transport.PlaySong(resume);
+    EXPECT_EQ(Session()->GetState(), 2);
+    Play(0.5);
+    EXPECT_DOUBLE_EQ(Session()->get_CurrentPosition(), 0.5);
+
+    transport.PauseSong();
+    Play(0.2);
+    EXPECT_DOUBLE_EQ(Session()->get_CurrentPosition(), 0.5);
+
+    transport.StopSong();
+    EXPECT_EQ(Session()->GetState(), 0);
+    EXPECT_DOUBLE_EQ(Session()->get_CurrentPosition(), 0);
+    Play(0.05);
+    transport.PlaySong(resume);
+    Play(0.1);
+    EXPECT_DOUBLE_EQ(Session()->get_CurrentPosition(), 0.1);
+    EXPECT_TRUE(journal.calls.contains("Lyric.GetLastPos"));
+}
+
+TEST_F(TransportTest, SeekFromTheSliderAndTheReopenKeepWholeSecondsAndState)
+{
+    ASSERT_TRUE(transport.CreateGraph(song));
+    state.KaraokeOpen = true;
+    transport.SeekTo(0.5);
+    EXPECT_DOUBLE_EQ(Session()->get_CurrentPosition(), 1.5);
+    EXPECT_EQ(journal.calls.count("Lyric.GetLastPos"), 1);
+
+    bool resume = false;
+    transport.PlaySong(resume);
+    Play(0.3);
+    EXPECT_DOUBLE_EQ(Session()->get_CurrentPosition(), 1.8);
+    bool rewritten = false;
+    windows.player.SetVolumeSlider(0.5);
+    transport.ReopenAround(song, [&] {
+        EXPECT_EQ(state.MediaControl, nullptr) << "nothing holds the file while it is rewritten";
+        rewritten = true;
+    });
+    EXPECT_TRUE(rewritten);
+    ASSERT_NE(Session(), nullptr);
+    EXPECT_EQ(Session()->GetState(), 2);
+    EXPECT_DOUBLE_EQ(Session()->get_CurrentPosition(), 2.0);
+    EXPECT_EQ(Session()->get_Volume(), -3500);
+
+    transport.PauseSong();
+    transport.SetMuted(true);
+    EXPECT_TRUE(state.Engine->MasterMute());
+    transport.ReopenAround(song, [] {});
+    EXPECT_EQ(Session()->GetState(), 0) << "a paused song comes back stopped, not running";
+    EXPECT_EQ(Session()->get_Volume(), -10000);
+}
+
+TEST_F(TransportTest, TheHalfSecondTickFindsTheEndOfTheSong)
+{
+    windows.userList.paths = {song};
+    ASSERT_TRUE(transport.CreateGraph(song));
+    bool resume = false;
+    transport.PlaySong(resume);
+    Play(2.9);
+    transport.Ticks().PlaybackTick();
+    transport.Ticks().mmTimer();
+    EXPECT_EQ(Session()->GetState(), 2) << "not at the end yet";
+    Play(0.2);
+    transport.Ticks().PlaybackTick();
+    EXPECT_DOUBLE_EQ(state.CurrentPosition, 3.0);
+    transport.Ticks().mmTimer();
+    EXPECT_EQ(Session()->GetState(), 0) << "a lone list entry stops at its end";
+    EXPECT_DOUBLE_EQ(Session()->get_CurrentPosition(), 0);
+}
+
+TEST_F(TransportTest, PlayWithNothingLoadedStartsTheSelectedListEntryOrNothing)
+{
+    bool resume = false;
+    transport.PlaySong(resume);
+    EXPECT_TRUE(journal.calls.isEmpty());
+    windows.userList.paths = {song};
+    windows.userList.selected = 0;
+    transport.PlaySong(resume);
+    EXPECT_EQ(journal.calls, QStringList{"UserList.fnChangeSong 0"});
+}
