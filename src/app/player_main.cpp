@@ -54,5 +54,6 @@ int main(int argc, char* argv[])
 
     if (!application.Main(commandLine) || ended)
         return 0;
+    transport.StartAudio();
     return QApplication::exec();
 }

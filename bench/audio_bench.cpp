@@ -1,0 +1,201 @@
+// The audio engine's figures: how exactly the clock tells what is heard, how fast a song starts,
+// how fast files decode beside the ffmpeg command line, and what one mix callback costs.
+// Songs are made with the ffmpeg command line in a temporary folder. BENCH_CLOCK_SECONDS sets the
+// length of the clock run (30 by default).
+
+#include "audio/AudioEngine.h"
+#include "audio/FileSource.h"
+#include "audio/ManualDevice.h"
+#include "audio/NullDevice.h"
+
+#include <QDir>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <ctime>
+#include <sys/resource.h>
+#include <thread>
+#include <vector>
+
+namespace {
+
+constexpr int kRate = 48000;
+
+std::string MakeSong(const QDir& dir, const QString& name, int seconds)
+{
+    const QString path = dir.filePath(name);
+    QProcess::execute("ffmpeg", {"-nostdin", "-v", "quiet", "-y", "-f", "lavfi", "-i",
+                                 QString("sine=frequency=440:sample_rate=48000:duration=%1,"
+                                         "aformat=channel_layouts=stereo")
+                                     .arg(seconds),
+                                 "-f", "lavfi", "-i",
+                                 QString("anoisesrc=color=pink:sample_rate=48000:duration=%1:amplitude=0.1").arg(seconds),
+                                 "-filter_complex", "amix=inputs=2", "-ac", "2", "-ar", "48000", path});
+    return path.toStdString();
+}
+
+double Median(std::vector<double> v)
+{
+    std::sort(v.begin(), v.end());
+    return v.empty() ? 0 : v[v.size() / 2];
+}
+
+double Percentile(std::vector<double> v, double p)
+{
+    std::sort(v.begin(), v.end());
+    return v.empty() ? 0 : v[std::min(v.size() - 1, size_t(p * v.size()))];
+}
+
+double CpuSeconds(int who)
+{
+    rusage usage{};
+    getrusage(who, &usage);
+    return usage.ru_utime.tv_sec + usage.ru_stime.tv_sec + (usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
+}
+
+// Notes the steady time of the first buffer that carried sound.
+class FirstSoundProbe final : public AudioSource {
+public:
+    explicit FirstSoundProbe(std::shared_ptr<FileSource> inner) : m_inner(std::move(inner)) {}
+    void Render(float* out, int frames, const BufferTiming& timing) noexcept override
+    {
+        m_inner->Render(out, frames, timing);
+        if (m_firstSound.load() == 0 && std::any_of(out, out + frames * 2, [](float s) { return s != 0; }))
+            m_firstSound = SteadySeconds();
+    }
+    std::atomic<double> m_firstSound{0};
+
+private:
+    std::shared_ptr<FileSource> m_inner;
+};
+
+void ClockAccuracy(const std::string& song, double seconds)
+{
+    auto* device = new NullDevice(kRate, 512);
+    AudioEngine engine{std::unique_ptr<AudioDevice>(device)};
+    std::string error;
+    auto source = FileSource::Open(song, kRate, error);
+    engine.AddSource(source);
+    source->Run();
+    engine.Start();
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+
+    double sum = 0, worst = 0;
+    long samples = 0;
+    const double end = SteadySeconds() + seconds;
+    while (SteadySeconds() < end) {
+        const double now = engine.Now();
+        const double error = std::fabs(source->Position(now) - (now - device->FirstFrameHeardAt())) * 1000;
+        sum += error;
+        worst = std::max(worst, error);
+        ++samples;
+        std::this_thread::sleep_for(std::chrono::microseconds(700));
+    }
+    std::printf("clock accuracy (null device, %.0f s, %ld samples): mean %.4f ms, worst %.4f ms\n", seconds, samples,
+                sum / samples, worst);
+    engine.RemoveSource(source.get());
+}
+
+void OpenLatency(const char* label, const std::string& song)
+{
+    auto* device = new NullDevice(kRate, 512);
+    AudioEngine engine{std::unique_ptr<AudioDevice>(device)};
+    engine.Start();
+    std::vector<double> latencies, opens;
+    for (int i = 0; i < 15; ++i) {
+        const double start = SteadySeconds();
+        std::string error;
+        auto source = FileSource::Open(song, kRate, error);
+        opens.push_back((SteadySeconds() - start) * 1000);
+        auto probe = std::make_shared<FirstSoundProbe>(source);
+        source->Run();
+        engine.AddSource(probe);
+        while (probe->m_firstSound.load() == 0)
+            std::this_thread::sleep_for(std::chrono::microseconds(100));
+        latencies.push_back((probe->m_firstSound.load() - start) * 1000);
+        engine.RemoveSource(probe.get());
+    }
+    std::printf("open to first frame %-4s: median %.2f ms, worst %.2f ms (of which the open: median %.2f ms; "
+                "null device period %.2f ms)\n",
+                label, Median(latencies), *std::max_element(latencies.begin(), latencies.end()), Median(opens),
+                512000.0 / kRate);
+}
+
+void DecodeThroughput(const char* label, const std::string& song, double songSeconds)
+{
+    auto* device = new ManualDevice(kRate);
+    AudioEngine engine{std::unique_ptr<AudioDevice>(device)};
+    engine.Start();
+    const double cpuBefore = CpuSeconds(RUSAGE_SELF);
+    std::string error;
+    auto source = FileSource::Open(song, kRate, error);
+    engine.AddSource(source);
+    source->Run();
+    while (source->Position(engine.Now()) < source->Duration()) {
+        // Wait for the decoder instead of spinning, so the CPU time is the decoding's.
+        if (source->SecondsBuffered() < 0.5 && source->Position(engine.Now()) < source->Duration() - 3)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        else
+            device->Step(8192, 8192);
+    }
+    const double ours = CpuSeconds(RUSAGE_SELF) - cpuBefore;
+    engine.RemoveSource(source.get());
+
+    const double childBefore = CpuSeconds(RUSAGE_CHILDREN);
+    QProcess::execute("ffmpeg", {"-nostdin", "-v", "quiet", "-i", QString::fromStdString(song), "-f", "null", "-"});
+    const double theirs = CpuSeconds(RUSAGE_CHILDREN) - childBefore;
+    std::printf("decode %-4s: %.0f s of audio per CPU second (ffmpeg -f null: %.0f), ratio %.2f\n", label,
+                songSeconds / ours, songSeconds / theirs, theirs / ours);
+}
+
+void CallbackCost(const std::string& song)
+{
+    auto* device = new ManualDevice(kRate);
+    AudioEngine engine{std::unique_ptr<AudioDevice>(device)};
+    std::string error;
+    auto source = FileSource::Open(song, kRate, error);
+    engine.AddSource(source);
+    source->Volume = -600;
+    source->Run();
+    std::vector<float> out(512 * 2);
+    std::vector<double> costs;
+    for (int i = 0; i < 20000; ++i) {
+        if (source->SecondsBuffered() < 0.05)
+            std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        const auto t0 = std::chrono::steady_clock::now();
+        engine.Render(out.data(), 512, BufferTiming{0});
+        costs.push_back(std::chrono::duration<double, std::micro>(std::chrono::steady_clock::now() - t0).count());
+    }
+    const double period = 512.0 / kRate * 1e6;
+    std::printf("mix callback of 512 frames (one file source): median %.2f us, p99 %.2f us = %.3f%% / %.3f%% of its "
+                "%.0f us period\n",
+                Median(costs), Percentile(costs, 0.99), Median(costs) / period * 100,
+                Percentile(costs, 0.99) / period * 100, period);
+    engine.RemoveSource(source.get());
+}
+
+} // namespace
+
+int main()
+{
+    QTemporaryDir dir;
+    const QDir folder(dir.path());
+    const int songSeconds = 60;
+    const std::string mp3 = MakeSong(folder, "song.mp3", songSeconds);
+    const std::string ogg = MakeSong(folder, "song.ogg", songSeconds);
+    const std::string wav = MakeSong(folder, "song.wav", songSeconds);
+    const double clockSeconds = qEnvironmentVariableIntValue("BENCH_CLOCK_SECONDS") > 0
+                                    ? qEnvironmentVariableIntValue("BENCH_CLOCK_SECONDS")
+                                    : 30;
+
+    ClockAccuracy(mp3, clockSeconds);
+    OpenLatency("MP3", mp3);
+    OpenLatency("Ogg", ogg);
+    OpenLatency("WAV", wav);
+    DecodeThroughput("MP3", mp3, songSeconds);
+    DecodeThroughput("Ogg", ogg, songSeconds);
+    CallbackCost(mp3);
+    return 0;
+}
