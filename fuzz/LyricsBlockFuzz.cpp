@@ -23,8 +23,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const QFont font;
     LyricsState lyrics;
 
-    if (const auto span = FindLyricsBlock(bytes))
-        ParseLyricsText(lyrics, DecodeText(bytes.mid(span->Begin, span->Length), false), QStringLiteral("/songs"), font);
+    if (const auto block = LyricsBlockText(bytes, false))
+        ParseLyricsText(lyrics, *block, QStringLiteral("/songs"), font);
     if (ParseLyricsText(lyrics, text, QStringLiteral("/songs"), font)) {
         const QString written = BuildLyricsBlock(lyrics.PlayLyrics, lyrics.PlayPictures, QStringLiteral(","));
         ParseLyricsText(lyrics, written, QStringLiteral("/songs"), font);

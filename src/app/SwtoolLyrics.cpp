@@ -95,8 +95,7 @@ QString EditorText(const QString& path, bool polish)
     const QByteArray bytes = ReadWholeFile(path);
     if (IsLrsFile(path))
         return DecodeText(bytes, polish);
-    const auto span = FindLyricsBlock(bytes);
-    return span ? DecodeText(bytes.mid(span->Begin, span->Length), polish) : QString();
+    return LyricsBlockText(bytes, polish).value_or(QString());
 }
 
 } // namespace

@@ -211,6 +211,14 @@ std::optional<BlockSpan> FindLyricsBlock(const QByteArray& bytes)
     return BlockSpan{begin, end + kEndCut - begin};
 }
 
+std::optional<QString> LyricsBlockText(const QByteArray& bytes, bool polish)
+{
+    const auto span = FindLyricsBlock(bytes);
+    if (!span)
+        return std::nullopt;
+    return DecodeText(bytes.mid(span->Begin, span->Length), polish);
+}
+
 void ParseLyricsHeader(const QString& text, const QString& baseFolder, LyricItem& header,
                        std::vector<PictureItem>& pictures)
 {

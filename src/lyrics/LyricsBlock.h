@@ -16,6 +16,8 @@ struct BlockSpan {
     qsizetype Length = 0;
 };
 std::optional<BlockSpan> FindLyricsBlock(const QByteArray& bytes);
+// The text of that block, decoded as lyrics files are; nothing when the bytes hold no block.
+std::optional<QString> LyricsBlockText(const QByteArray& bytes, bool polish);
 
 // Header lines 1 to 20 into a header and picture list; picture paths joined to the base folder.
 void ParseLyricsHeader(const QString& text, const QString& baseFolder, LyricItem& header,

@@ -15,11 +15,10 @@ enum class Embedded { None, Loaded, Damaged };
 Embedded LoadBlockFromSong(LyricsState& lyrics, const QString& songPath, const LyricsEnvironment& env)
 {
     lyrics.RawLyricsText = ReadWholeFile(songPath);
-    const auto span = FindLyricsBlock(lyrics.RawLyricsText);
-    if (!span)
+    const auto block = LyricsBlockText(lyrics.RawLyricsText, env.Polish);
+    if (!block)
         return Embedded::None;
-    const QString block = DecodeText(lyrics.RawLyricsText.mid(span->Begin, span->Length), env.Polish);
-    if (!ParseLyricsText(lyrics, block, QFileInfo(songPath).absolutePath(), env.Font, env.Refit))
+    if (!ParseLyricsText(lyrics, *block, QFileInfo(songPath).absolutePath(), env.Font, env.Refit))
         return Embedded::Damaged;
     lyrics.PlayLyrics[0].FormatName = kInternalFormat;
     return Embedded::Loaded;

@@ -44,13 +44,21 @@ MediaSession* PlayerTransport::Session() const
     return dynamic_cast<MediaSession*>(m_state.MediaControl.get());
 }
 
-bool PlayerTransport::CreateGraph(const QString& path)
+std::unique_ptr<MediaSession> PlayerTransport::RenderedSession(const QString& path)
 {
     StartAudio();
-    m_state.MediaControl.reset();
     auto session = std::make_unique<MediaSession>(*m_state.Engine);
     session->put_Rate(m_state.PlaybackRate);
     if (!session->RenderFile(ShortPath(path)))
+        return nullptr;
+    return session;
+}
+
+bool PlayerTransport::CreateGraph(const QString& path)
+{
+    m_state.MediaControl.reset();
+    auto session = RenderedSession(path);
+    if (!session)
         return false;
     m_state.MediaControl = std::move(session);
     Session()->put_Volume(GetVolume());
@@ -190,10 +198,8 @@ void PlayerTransport::ReopenAround(const QString& path, const std::function<void
 
     rewrite();
 
-    StartAudio();
-    auto reopened = std::make_unique<MediaSession>(*m_state.Engine);
-    reopened->put_Rate(m_state.PlaybackRate);
-    if (!reopened->RenderFile(ShortPath(m_state.CurrentFile)))
+    auto reopened = RenderedSession(m_state.CurrentFile);
+    if (!reopened)
         return;
     reopened->put_CurrentPosition(wholeSeconds);
     if (state == 2)

@@ -6,6 +6,7 @@
 #include "core/PlaybackTicks.h"
 
 #include <functional>
+#include <memory>
 
 struct AppState;
 class MediaSession;
@@ -48,6 +49,8 @@ public:
 
 private:
     MediaSession* Session() const;
+    // A new session on the file at the current rate, not yet playing; nullptr when it cannot be decoded.
+    std::unique_ptr<MediaSession> RenderedSession(const QString& path);
     void TransportLamps(int play, int pause, int stop);
 
     AppState& m_state;
