@@ -5,3 +5,5 @@
 
 // swtool lyrics FILE [--editor] [--write OUT]
 int PrintLyrics(const QStringList& args);
+// swtool probe FILE
+int PrintProbe(const QStringList& args);

@@ -5,6 +5,7 @@
 #include "core/SettingsStore.h"
 #include "core/ThemeClass.h"
 #include "lyrics/LyricsLoader.h"
+#include "tags/MP3Class.h"
 #include "text/TextCodec.h"
 
 #include <QFileInfo>
@@ -113,7 +114,10 @@ int PrintLyrics(const QStringList& args)
     const ThemeClass theme(store, ThemeEnvironment::FromSystem(), monitors);
     LanguageTable language;
     language.LoadLanguage(store);
-    const LyricsEnvironment env{theme.LyricsFontFace(), language.IsPolish, nullptr, {}};
+    MP3Class song(language.IsPolish);
+    song.SetFilename(options.file);
+    song.ReadFile();
+    const LyricsEnvironment env{theme.LyricsFontFace(), language.IsPolish, &song, {}};
 
     LyricsState lyrics;
     const std::vector<LyricItem>* document = &lyrics.PlayLyrics;

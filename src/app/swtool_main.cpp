@@ -17,7 +17,8 @@ const char* const kUsage =
     "  text KEY [--polish]   the display text of a language key\n"
     "  settings              every setting as key<TAB>value, in load order, as stored\n"
     "  lyrics FILE [--editor] [--write OUT]\n"
-    "                        the lyrics the player (or the editor) reads for a song or .lrs file\n";
+    "                        the lyrics the player (or the editor) reads for a song or .lrs file\n"
+    "  probe FILE            what the program reads of an audio file: kind, length, tags, texts\n";
 
 int Usage()
 {
@@ -67,6 +68,10 @@ int main(int argc, char* argv[])
         return PrintSettings();
     if (command == QLatin1String("lyrics")) {
         const int result = PrintLyrics(args);
+        return result == 2 ? Usage() : result;
+    }
+    if (command == QLatin1String("probe")) {
+        const int result = PrintProbe(args);
         return result == 2 ? Usage() : result;
     }
     return Usage();

@@ -1,0 +1,45 @@
+#pragma once
+// The tags that stand at the end of an audio file, behind its audio: ID3v1 (the last 128
+// bytes), APE (found by its footer) and Lyrics3 (v1 or v2), in whatever order they were added.
+
+#include <QByteArray>
+#include <QByteArrayView>
+#include <QString>
+#include <vector>
+
+struct EndTag {
+    enum Kind { Id3v1, Ape, Lyrics3v1, Lyrics3v2 };
+    Kind Type;
+    qsizetype Begin;
+    qsizetype Length;
+};
+
+// The end tags from the last one backwards; stops at the first bytes that are no tag.
+std::vector<EndTag> FindEndTags(QByteArrayView bytes);
+// Bytes taken by all of them together.
+qsizetype EndTagSpan(QByteArrayView bytes);
+
+// The end-of-file tags taken off a file image before an append, and put back after it as the
+// very bytes they were. Kind is "APE" when an APE tag was among them, else "ID3v1" when an ID3v1
+// tag was, else empty.
+struct BaseTag {
+    QString Kind;
+    QByteArray Bytes;
+};
+BaseTag RemoveBaseTag(QByteArray& image);
+void SaveBaseTag(QByteArray& image, const BaseTag& tag);
+
+struct Id3v1Fields {
+    QString Title, Artist, Album, Year, Comment;
+    int16_t Track = 0;
+    int16_t Genre = 0;
+};
+// The ID3v1 tag of the last 128 bytes; texts decoded as the user's legacy text is.
+bool ReadId3v1(QByteArrayView bytes, bool polish, Id3v1Fields& fields);
+
+struct ApeTagFields {
+    int16_t Version = 0;  // 1000 or 2000
+    QString Title, Artist, Album, Track, Year, Genre, Comment;
+};
+// The APE tag among the end tags; text items by their usual keys, in any letter case.
+bool ReadApeTag(QByteArrayView bytes, ApeTagFields& fields);

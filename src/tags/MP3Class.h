@@ -1,0 +1,137 @@
+#pragma once
+// One audio file as the program sees it: its kind, length, title and artist (ReadFile), then
+// every tag field and the information texts of its format (ReadTag). The current song has a
+// long-lived instance; the playlist and the editor make short-lived ones.
+
+#include "lyrics/TagLyrics.h"
+#include "tags/StreamFacts.h"
+
+#include <QString>
+#include <functional>
+
+// Releases the file if it is the song that plays, runs the rewrite, and takes the song up again
+// where it was. The player supplies it; without a player the rewrite simply runs.
+using PlayingFileRelease = std::function<void(const QString& path, const std::function<void()>& rewrite)>;
+
+class MP3Class final : public SongTags {
+public:
+    // Text in ID3v1 and Lyrics3 tags that is not UTF-8 is read in the user's legacy code page.
+    explicit MP3Class(bool polishText = false) : m_polish(polishText) { ZeroValues(); }
+
+    QString Filename() const { return m_filename; }
+    void SetFilename(const QString& path);
+    QString BaseName() const override { return m_baseName; }
+
+    void ZeroValues();
+    // True when the file was recognised; never shows a message.
+    bool ReadFile();
+    // Every tag field, the Lyrics3 fields and the information texts of the file's format.
+    void ReadTag() override;
+
+    // Writes a Lyrics3 v2 tag with these fields into the file, keeping its other tags.
+    bool SaveLyrics(const QString& nAuthor, const QString& nartist, const QString& nTitle, const QString& nalbum,
+                    const QString& nPicture, const QString& nLyrics, const PlayingFileRelease& release = {});
+
+    QString format() const { return m_format; }
+    double Length() const { return m_length; }
+    void SetLength(double seconds) { m_length = seconds; }
+    int16_t Bitrate() const { return m_bitrate; }
+    int32_t SampleRate() const { return m_sampleRate; }
+    int64_t HeaderPosition() const { return m_headerPosition; }
+    void SetHeaderPosition(int64_t position) { m_headerPosition = position; }
+    // Compares the format with "Mono", so it always says "Stereo"; nothing relies on it.
+    QString channels() const;
+
+    QString Title() const override { return CutSp(m_title); }
+    void SetTitle(const QString& title) { m_title = title; }
+    QString Artist() const override { return CutSp(m_artist); }
+    QString Album() const { return CutSp(m_album); }
+    QString Year() const { return CutSp(m_year); }
+    QString Comment() const { return CutSp(m_comment); }
+    QString Track() const { return m_track; }
+    QString Genre() const { return CutSp(m_genre); }
+
+    QString Title1() const { return CutSp(m_title1); }
+    QString Artist1() const { return CutSp(m_artist1); }
+    QString Album1() const { return CutSp(m_album1); }
+    QString Year1() const { return CutSp(m_year1); }
+    QString Comment1() const { return CutSp(m_comment1); }
+    QString Track1() const { return m_track1; }
+    QString Genre1() const { return CutSp(m_genre1); }
+
+    QString Title2() const { return CutSp(m_title2); }
+    QString Artist2() const { return CutSp(m_artist2); }
+    QString Album2() const { return CutSp(m_album2); }
+    QString Year2() const { return CutSp(m_year2); }
+    QString Comment2() const { return CutSp(m_comment2); }
+    QString Track2() const { return m_track2; }
+    QString Genre2() const { return CutSp(m_genre2); }
+    QString Composer() const { return CutSp(m_composer); }
+    QString Copyright() const { return CutSp(m_copyright); }
+    QString URL() const { return CutSp(m_url); }
+    QString Encoded() const { return CutSp(m_encoded); }
+    QString OriginalArtist() const { return CutSp(m_originalArtist); }
+    QString Lyrycist() const { return CutSp(m_lyrycist); }
+    QString Performer() const { return CutSp(m_performer); }
+    QString Description() const { return CutSp(m_description); }
+
+    bool ID3v1Exist() const { return m_id3v1Exist; }
+    bool ID3v2Exist() const { return m_id3v2Exist; }
+    bool LyricsExist() const { return m_lyricsExist; }
+    int32_t LyricsSize() const { return m_lyricsSize; }
+    int16_t LyricsVersion() const { return m_lyricsVersion; }
+    QString Lyrics() const { return CutSp(m_lyrics); }
+    QString LyricsAuthor() const { return CutSp(m_lyricsAuthor); }
+    QString LyricsArtist() const { return CutSp(m_lyricsArtist); }
+    QString LyricsAlbum() const { return CutSp(m_lyricsAlbum); }
+    QString LyricsTitle() const { return CutSp(m_lyricsTitle); }
+    QString LyricsPicture() const { return CutSp(m_lyricsPicture); }
+    TagLyrics LyricsTag() const override;
+
+    QString MPEGInfo() const { return m_mpegInfo; }
+    QString WAVInfo() const { return m_wavInfo; }
+    QString OGGInfo() const { return m_oggInfo; }
+    QString APEformat() const { return m_apeFormat; }
+    QString APEaudio() const { return m_apeAudio; }
+    QString APEInfo() const { return m_apeInfo; }
+    QString MPPTag() const { return m_mppTag; }
+    QString MPPInfo() const { return m_mppInfo; }
+
+    // Strips trailing blanks from the stored field itself, so the strip is permanent.
+    static QString CutSp(QString& text);
+
+private:
+    bool ReadMidi();
+    bool SniffFormat(QByteArrayView bytes);
+    void TakeTitleAndArtist(QByteArrayView bytes);
+    void ReadLyricsTag(QByteArrayView bytes);
+    void BuildInfoTexts(QByteArrayView bytes);
+    void ReadTagFields(QByteArrayView bytes);
+    void SetMerged(const QString& title, const QString& artist, const QString& album, const QString& year,
+                   const QString& comment, const QString& track, const QString& genre);
+
+    bool m_polish;
+    QString m_filename;
+    QString m_baseName;
+    QString m_format;
+    double m_length = -1.0;
+    int16_t m_bitrate = 0;
+    int32_t m_sampleRate = 0;
+    int64_t m_headerPosition = 0;
+    int m_apeTagVersion = 0;
+
+    mutable QString m_title, m_artist, m_album, m_year, m_comment, m_track, m_genre;
+    mutable QString m_title1, m_artist1, m_album1, m_year1, m_comment1, m_track1, m_genre1;
+    mutable QString m_title2, m_artist2, m_album2, m_year2, m_comment2, m_track2, m_genre2;
+    mutable QString m_composer, m_copyright, m_url, m_encoded, m_originalArtist, m_lyrycist;
+    mutable QString m_performer, m_description;
+    bool m_id3v1Exist = false;
+    bool m_id3v2Exist = false;
+
+    bool m_lyricsExist = false;
+    int32_t m_lyricsSize = 0;
+    int16_t m_lyricsVersion = 0;
+    mutable QString m_lyrics, m_lyricsAuthor, m_lyricsArtist, m_lyricsAlbum, m_lyricsTitle, m_lyricsPicture;
+
+    QString m_mpegInfo, m_wavInfo, m_oggInfo, m_apeFormat, m_apeAudio, m_apeInfo, m_mppTag, m_mppInfo;
+};
