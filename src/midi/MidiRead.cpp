@@ -19,8 +19,8 @@ public:
     ByteReader(const QByteArray& bytes, qsizetype begin, qsizetype end) : m_bytes(bytes), m_pos(begin), m_end(end) {}
 
     bool AtEnd() const { return m_pos >= m_end; }
-    qsizetype Position() const { return m_pos; }
     void Skip(qsizetype count) { m_pos = std::min(m_end, m_pos + std::max<qsizetype>(count, 0)); }
+    void StepBack() { --m_pos; }
     int Byte() { return AtEnd() ? -1 : uint8_t(m_bytes[m_pos++]); }
     uint32_t VariableLength()
     {
@@ -80,7 +80,7 @@ uint64_t WalkTrack(ByteReader track, std::map<uint64_t, double>& tempos)
         if (byte & 0x80)
             status = byte;
         else
-            track.Skip(-1);  // running status: the byte was data
+            track.StepBack();  // running status: the byte was data
         if (status == 0)
             break;
         const int kind = status & 0xF0;

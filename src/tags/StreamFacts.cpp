@@ -353,7 +353,7 @@ MpegFacts AnalyseMpeg(QByteArrayView bytes)
     const VbrInfo vbr = ReadVbrHeader(bytes, at, h);
     const qsizetype audioBytes = vbr.Bytes > 0 ? qsizetype(vbr.Bytes) : audioEnd - at;
     const double frames = vbr.Frames > 0 ? double(vbr.Frames)
-                                         : double(audioEnd - at) * h.Rate / (h.Samples / 8.0 * h.Bitrate * 1000);
+                                         : std::round(double(audioEnd - at) * h.Rate / (h.Samples / 8.0 * h.Bitrate * 1000));
     const double seconds = frames * h.Samples / h.Rate;
     facts.Valid = true;
     facts.FirstFrame = at;

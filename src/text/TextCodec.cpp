@@ -60,7 +60,7 @@ QString DecodeSingleByte(const QByteArray& bytes, const std::array<char16_t, 128
 QString DecodeText(const QByteArray& bytes, bool polish)
 {
     // The decoder drops a leading byte order mark.
-    QStringDecoder utf8(QStringDecoder::Utf8);
+    QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
     QString text = utf8.decode(bytes);
     return utf8.hasError() ? DecodeSingleByte(bytes, polish ? kWindows1250 : kWindows1252) : text;
 }

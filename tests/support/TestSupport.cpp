@@ -53,3 +53,21 @@ float RampSample(long long frame)
 {
     return float(frame % 32768) / 32768.0f;
 }
+
+QString MediaFixture(const QString& name)
+{
+    return QStringLiteral(SONGWEAVER_SOURCE_DIR "/tests/fixtures/media/") + name;
+}
+
+QString SharedFixture(const QString& name)
+{
+    const QString path = QStringLiteral(SONGWEAVER_SOURCE_DIR "/../shared/fixtures/") + name;
+    return QFileInfo::exists(path) ? QFileInfo(path).absoluteFilePath() : QString();
+}
+
+QString CopyFixture(const QString& fixture, const QString& dir, const QString& name)
+{
+    const QString target = dir + u'/' + (name.isEmpty() ? QFileInfo(fixture).fileName() : name);
+    WriteFileBytes(target, ReadFileBytes(fixture));
+    return target;
+}

@@ -8,6 +8,7 @@
 #include <QMap>
 #include <QString>
 #include <QStringList>
+#include <ostream>
 
 class MemoryStore final : public SettingsStore {
 public:
@@ -37,3 +38,17 @@ void WriteFileBytes(const QString& path, const QByteArray& bytes);
 QString WriteRampWav(const QString& path, int frames, int sampleRate = 48000);
 // The left sample of frame `frame` of that file, as float audio.
 float RampSample(long long frame);
+
+// A committed fixture made by tests/fixtures/make-fixtures.
+QString MediaFixture(const QString& name);
+// The shared fixtures beside the checkout (Monkey's Audio, Musepack SV7, damaged files); empty
+// when that folder is absent, and the test skips.
+QString SharedFixture(const QString& name);
+// A copy of a fixture in `dir` that a test may change.
+QString CopyFixture(const QString& fixture, const QString& dir, const QString& name = {});
+
+// Readable QStrings in failure messages.
+inline void PrintTo(const QString& text, std::ostream* out)
+{
+    *out << '"' << text.toStdString() << '"';
+}

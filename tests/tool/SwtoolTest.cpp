@@ -101,3 +101,26 @@ TEST(Swtool, LyricsPrintsHeaderPicturesAndSyllablesAndWritesThemBack)
     EXPECT_TRUE(damaged.err.contains("Lyrics format doesn't seem to be valid."));
     EXPECT_EQ(damaged.out, "");
 }
+
+TEST(Swtool, ProbePrintsWhatTheProgramReadsOfAnAudioFile)
+{
+    QTemporaryDir home;
+    const ToolRun run = Swtool({"probe", MediaFixture("lyrics3.mp3")}, home.path());
+    EXPECT_EQ(run.exitCode, 0);
+    const QStringList lines = run.out.split(u'\n', Qt::SkipEmptyParts);
+    EXPECT_EQ(lines.mid(0, 7), (QStringList{"ReadFile\ttrue", "format\tMP3", "Length\t1.164", "Bitrate\t32",
+                                            "SampleRate\t22050", "ReadFile.Title\tSong", "ReadFile.Artist\tSinger"}));
+    EXPECT_TRUE(lines.contains("Genre1\tPop"));
+    EXPECT_TRUE(lines.contains("LyricsExist\ttrue"));
+    EXPECT_TRUE(lines.contains("Lyrics\t[00:01]First line\\n[00:02]Second line\\nno time here\\n[00:03]Third"))
+        << "line ends as \\n escapes";
+    EXPECT_TRUE(lines.last().startsWith("MPEGInfo\tSize: 4656 bytes\\nLength: 1 seconds\\nMPEG 2.0 Layer III"));
+    for (const QString& line : lines)
+        EXPECT_EQ(line.count(u'\t'), 1) << line.toStdString();
+
+    const ToolRun text = Swtool({"probe", MediaFixture("not-audio.txt")}, home.path());
+    EXPECT_EQ(text.exitCode, 0);
+    EXPECT_TRUE(text.out.startsWith("ReadFile\tfalse\nformat\t\nLength\t0\n"));
+    EXPECT_EQ(Swtool({"probe", "/no/such/file.mp3"}, home.path()).exitCode, 1);
+    EXPECT_EQ(Swtool({"probe"}, home.path()).exitCode, 2);
+}
