@@ -238,6 +238,7 @@ bool FileSource::FillChunk(uint32_t serial)
     std::copy_n(d.pending.data() + d.pendingOffset * 2, size_t(chunk.frames) * 2, chunk.samples);
     d.pendingOffset += size_t(chunk.frames);
     m_filled.Push(index);
+    m_decodedSerial.store(serial, std::memory_order_release);
     return more;
 }
 
@@ -283,6 +284,9 @@ void FileSource::SetRate(double rate)
 
 double FileSource::SecondsBuffered() const
 {
+    // Audio from before a seek is not what plays next.
+    if (m_decodedSerial.load(std::memory_order_acquire) != m_seekSerial.load(std::memory_order_acquire))
+        return 0;
     return double(m_filled.Size()) * kChunkFrames / m_outputRate;
 }
 

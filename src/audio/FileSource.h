@@ -85,6 +85,7 @@ private:
     std::atomic<int> m_state{Stopped};
     std::atomic<double> m_rate{1.0};
     std::atomic<uint32_t> m_seekSerial{0};
+    std::atomic<uint32_t> m_decodedSerial{0};  // serial of the last chunk the decoder queued
     std::atomic<int64_t> m_seekFrame{0};
 
     // The published anchor: odd sequence while it is written.

@@ -110,3 +110,8 @@ QString ShortPath(const QString& path)
 {
     return path;
 }
+
+double MediaSession::SecondsBuffered() const
+{
+    return m_source ? m_source->SecondsBuffered() : 0;
+}

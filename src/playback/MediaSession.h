@@ -33,6 +33,8 @@ public:
     int get_Volume() const { return m_volume; }
     void put_Balance(int hundredthsDb);
     int get_Balance() const { return m_balance; }
+    // Decoded audio waiting for the device, in seconds.
+    double SecondsBuffered() const;
 
 private:
     AudioEngine& m_engine;

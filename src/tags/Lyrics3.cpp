@@ -43,17 +43,11 @@ bool ReadFields(QByteArrayView body, bool polish, Lyrics3Tag& tag)
     return true;
 }
 
-QByteArray FieldBytes(const QString& text)
-{
-    const QByteArray latin = text.toLatin1();
-    return QString::fromLatin1(latin) == text ? latin : EncodeText(text);
-}
-
 void AppendField(QByteArray& body, const char* id, const QString& text)
 {
     if (text.isEmpty())
         return;
-    const QByteArray bytes = FieldBytes(text).left(kMaxFieldSize);
+    const QByteArray bytes = EncodeText(text).left(kMaxFieldSize);
     body += id + QByteArray::number(bytes.size()).rightJustified(5, '0') + bytes;
 }
 

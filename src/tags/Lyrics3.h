@@ -22,7 +22,7 @@ struct Lyrics3Tag {
 // The Lyrics3 tag among the file's end tags; false when there is none or it is damaged.
 bool ReadLyrics3(QByteArrayView bytes, bool polish, Lyrics3Tag& tag);
 
-// A v2 tag holding the non-empty fields; texts are Latin-1 when they fit, else UTF-8.
+// A v2 tag holding the non-empty fields, as UTF-8 like every text the program writes.
 QByteArray BuildLyrics3(const Lyrics3Tag& tag);
 
 // The file image with its Lyrics3 tag replaced by `tag` (or added): the new tag goes right

@@ -195,6 +195,17 @@ void MP3Class::SetMerged(const QString& title, const QString& artist, const QStr
     m_genre = genre;
 }
 
+void MP3Class::CopyMergedToFirstSet()
+{
+    m_title1 = m_title;
+    m_artist1 = m_artist;
+    m_album1 = m_album;
+    m_year1 = m_year;
+    m_comment1 = m_comment;
+    m_track1 = m_track;
+    m_genre1 = m_genre;
+}
+
 // A later tag overrides an earlier one: ID3v1, then APE (shown in the ID3v1 places) or else
 // ID3v2, then the Ogg comment when there is no APE tag.
 void MP3Class::ReadTagFields(QByteArrayView bytes)
@@ -202,30 +213,40 @@ void MP3Class::ReadTagFields(QByteArrayView bytes)
     if (Id3v1Fields v1; ReadId3v1(bytes, m_polish, v1)) {
         m_id3v1Exist = true;
         SetMerged(v1.Title, v1.Artist, v1.Album, v1.Year, v1.Comment, QString::number(v1.Track), GenreName(v1.Genre));
-        m_title1 = m_title, m_artist1 = m_artist, m_album1 = m_album, m_year1 = m_year;
-        m_comment1 = m_comment, m_track1 = m_track, m_genre1 = m_genre;
+        CopyMergedToFirstSet();
     }
     ApeTagFields ape;
     const bool hasApe = ReadApeTag(bytes, ape);
     if (hasApe) {
         SetMerged(ape.Title, ape.Artist, ape.Album, ape.Year, ape.Comment, ape.Track, ape.Genre);
-        m_title1 = m_title, m_artist1 = m_artist, m_album1 = m_album, m_year1 = m_year;
-        m_comment1 = m_comment, m_track1 = m_track, m_genre1 = m_genre;
+        CopyMergedToFirstSet();
     } else if (Id3v2Fields v2; ReadId3v2(bytes, v2)) {
         m_id3v2Exist = true;
         SetMerged(v2.Title, v2.Artist, v2.Album, v2.Year, v2.Comment, QString::number(NumericValue(v2.Track)), v2.Genre);
-        m_title2 = v2.Title, m_artist2 = v2.Artist, m_album2 = v2.Album, m_year2 = v2.Year;
-        m_comment2 = v2.Comment, m_track2 = v2.Track, m_genre2 = v2.Genre;
-        m_composer = v2.Composer, m_originalArtist = v2.OriginalArtist, m_copyright = v2.Copyright;
-        m_url = v2.Url, m_encoded = v2.Encoded;
+        TakeId3v2Set(v2);
     }
     if (OggComment ogg; !hasApe && m_format == u"OGG" && ReadOggComment(m_filename, ogg)) {
         SetMerged(ogg.Title, ogg.Artist, ogg.Album, ogg.Date, ogg.Comment, ogg.Track, ogg.Genre);
-        m_title1 = m_title, m_artist1 = m_artist, m_album1 = m_album, m_year1 = m_year;
-        m_comment1 = m_comment, m_track1 = m_track, m_genre1 = m_genre;
+        CopyMergedToFirstSet();
         m_performer = ogg.Performer;
         m_description = ogg.Description;
     }
+}
+
+void MP3Class::TakeId3v2Set(const Id3v2Fields& v2)
+{
+    m_title2 = v2.Title;
+    m_artist2 = v2.Artist;
+    m_album2 = v2.Album;
+    m_year2 = v2.Year;
+    m_comment2 = v2.Comment;
+    m_track2 = v2.Track;
+    m_genre2 = v2.Genre;
+    m_composer = v2.Composer;
+    m_originalArtist = v2.OriginalArtist;
+    m_copyright = v2.Copyright;
+    m_url = v2.Url;
+    m_encoded = v2.Encoded;
 }
 
 TagLyrics MP3Class::LyricsTag() const

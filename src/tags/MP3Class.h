@@ -9,6 +9,8 @@
 #include <QString>
 #include <functional>
 
+struct Id3v2Fields;
+
 // Releases the file if it is the song that plays, runs the rewrite, and takes the song up again
 // where it was. The player supplies it; without a player the rewrite simply runs.
 using PlayingFileRelease = std::function<void(const QString& path, const std::function<void()>& rewrite)>;
@@ -107,6 +109,8 @@ private:
     void ReadLyricsTag(QByteArrayView bytes);
     void BuildInfoTexts(QByteArrayView bytes);
     void ReadTagFields(QByteArrayView bytes);
+    void CopyMergedToFirstSet();
+    void TakeId3v2Set(const Id3v2Fields& v2);
     void SetMerged(const QString& title, const QString& artist, const QString& album, const QString& year,
                    const QString& comment, const QString& track, const QString& genre);
 
