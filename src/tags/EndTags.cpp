@@ -56,9 +56,11 @@ std::vector<EndTag> FindEndTags(QByteArrayView bytes)
         end -= kId3v1Size;
     }
     while (true) {
-        auto tag = ApeTagEndingAt(bytes, end);
+        // Lyrics3 first: its marker is the very last bytes, while an APE footer's marker stands
+        // 32 bytes back, where lyrics text may happen to spell it.
+        auto tag = Lyrics3EndingAt(bytes, end);
         if (!tag)
-            tag = Lyrics3EndingAt(bytes, end);
+            tag = ApeTagEndingAt(bytes, end);
         if (!tag)
             break;
         tags.push_back(*tag);

@@ -137,9 +137,13 @@ void MP3Class::TakeTitleAndArtist(QByteArrayView bytes)
 void MP3Class::ReadTag()
 {
     const FileBytes file(m_filename);
-    ReadLyricsTag(file.View());
-    BuildInfoTexts(file.View());
-    ReadTagFields(file.View());
+    const QByteArrayView bytes = file.View();
+    EndOfFileTags tags;
+    tags.HasId3v1 = ReadId3v1(bytes, m_polish, tags.Id3v1);
+    tags.HasApe = ReadApeTag(bytes, tags.Ape);
+    ReadLyricsTag(bytes);
+    BuildInfoTexts(bytes, tags);
+    ReadTagFields(bytes, tags);
 }
 
 void MP3Class::ReadLyricsTag(QByteArrayView bytes)
@@ -158,14 +162,11 @@ void MP3Class::ReadLyricsTag(QByteArrayView bytes)
     m_lyricsPicture = tag.Images;
 }
 
-void MP3Class::BuildInfoTexts(QByteArrayView bytes)
+void MP3Class::BuildInfoTexts(QByteArrayView bytes, const EndOfFileTags& tags)
 {
-    Id3v1Fields v1;
-    Id3v2Fields v2;
-    ApeTagFields ape;
-    const bool hasV1 = ReadId3v1(bytes, m_polish, v1);
+    const bool hasV1 = tags.HasId3v1;
     const bool hasV2 = Id3v2Span(bytes) > 0;
-    const bool hasApe = ReadApeTag(bytes, ape);
+    const bool hasApe = tags.HasApe;
     if (m_format == u"WAV") {
         m_wavInfo = WavInfoText(AnalyseWav(bytes));
     } else if (m_format == u"MP3") {
@@ -176,7 +177,7 @@ void MP3Class::BuildInfoTexts(QByteArrayView bytes)
         m_apeAudio = ApeAudioText(facts);
         m_apeInfo = ApeInfoText(facts);
     } else if (m_format == u"MPC") {
-        m_mppTag = MpcTagText(hasV1, hasV2, hasApe ? ape.Version : 0);
+        m_mppTag = MpcTagText(hasV1, hasV2, hasApe ? tags.Ape.Version : 0);
         m_mppInfo = MpcInfoText(AnalyseMpc(bytes));
     } else if (m_format == u"OGG") {
         m_oggInfo = OggInfoText(AnalyseOgg(bytes));
@@ -208,16 +209,16 @@ void MP3Class::CopyMergedToFirstSet()
 
 // A later tag overrides an earlier one: ID3v1, then APE (shown in the ID3v1 places) or else
 // ID3v2, then the Ogg comment when there is no APE tag.
-void MP3Class::ReadTagFields(QByteArrayView bytes)
+void MP3Class::ReadTagFields(QByteArrayView bytes, const EndOfFileTags& tags)
 {
-    if (Id3v1Fields v1; ReadId3v1(bytes, m_polish, v1)) {
+    if (tags.HasId3v1) {
+        const Id3v1Fields& v1 = tags.Id3v1;
         m_id3v1Exist = true;
         SetMerged(v1.Title, v1.Artist, v1.Album, v1.Year, v1.Comment, QString::number(v1.Track), GenreName(v1.Genre));
         CopyMergedToFirstSet();
     }
-    ApeTagFields ape;
-    const bool hasApe = ReadApeTag(bytes, ape);
-    if (hasApe) {
+    const ApeTagFields& ape = tags.Ape;
+    if (tags.HasApe) {
         SetMerged(ape.Title, ape.Artist, ape.Album, ape.Year, ape.Comment, ape.Track, ape.Genre);
         CopyMergedToFirstSet();
     } else if (Id3v2Fields v2; ReadId3v2(bytes, v2)) {
@@ -225,7 +226,7 @@ void MP3Class::ReadTagFields(QByteArrayView bytes)
         SetMerged(v2.Title, v2.Artist, v2.Album, v2.Year, v2.Comment, QString::number(NumericValue(v2.Track)), v2.Genre);
         TakeId3v2Set(v2);
     }
-    if (OggComment ogg; !hasApe && m_format == u"OGG" && ReadOggComment(m_filename, ogg)) {
+    if (OggComment ogg; !tags.HasApe && m_format == u"OGG" && ReadOggComment(m_filename, ogg)) {
         SetMerged(ogg.Title, ogg.Artist, ogg.Album, ogg.Date, ogg.Comment, ogg.Track, ogg.Genre);
         CopyMergedToFirstSet();
         m_performer = ogg.Performer;

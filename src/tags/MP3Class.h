@@ -4,6 +4,7 @@
 // long-lived instance; the playlist and the editor make short-lived ones.
 
 #include "lyrics/TagLyrics.h"
+#include "tags/EndTags.h"
 #include "tags/StreamFacts.h"
 
 #include <QString>
@@ -107,8 +108,14 @@ private:
     bool SniffFormat(QByteArrayView bytes);
     void TakeTitleAndArtist(QByteArrayView bytes);
     void ReadLyricsTag(QByteArrayView bytes);
-    void BuildInfoTexts(QByteArrayView bytes);
-    void ReadTagFields(QByteArrayView bytes);
+    struct EndOfFileTags {
+        bool HasId3v1 = false;
+        Id3v1Fields Id3v1;
+        bool HasApe = false;
+        ApeTagFields Ape;
+    };
+    void BuildInfoTexts(QByteArrayView bytes, const EndOfFileTags& tags);
+    void ReadTagFields(QByteArrayView bytes, const EndOfFileTags& tags);
     void CopyMergedToFirstSet();
     void TakeId3v2Set(const Id3v2Fields& v2);
     void SetMerged(const QString& title, const QString& artist, const QString& album, const QString& year,

@@ -8,8 +8,17 @@
 #include <array>
 #include <cctype>
 #include <cmath>
+#include <limits>
 
 namespace {
+
+// Counts and rates from damaged headers can be far outside an int; they saturate instead.
+int SaturatedInt(double value)
+{
+    if (!(value > std::numeric_limits<int>::min()))
+        return std::isnan(value) ? 0 : std::numeric_limits<int>::min();
+    return value < std::numeric_limits<int>::max() ? int(value) : std::numeric_limits<int>::max();
+}
 
 // ---- MPEG audio frames -------------------------------------------------------------------
 
@@ -184,10 +193,10 @@ uint64_t MpcVarint(QByteArrayView bytes, qsizetype& at)
 
 void FinishMpc(MpcFacts& facts, uint64_t samples, qsizetype audioBytes)
 {
-    facts.Frames = int((samples + 1151) / 1152);
+    facts.Frames = SaturatedInt(double((samples + 1151) / 1152));
     const double seconds = facts.Rate > 0 ? double(samples) / facts.Rate : 0;
-    facts.Seconds = int(seconds);
-    facts.Bitrate = seconds > 0 ? int(std::lround(audioBytes * 8 / seconds / 1000)) : 0;
+    facts.Seconds = SaturatedInt(seconds);
+    facts.Bitrate = seconds > 0 ? SaturatedInt(std::round(audioBytes * 8 / seconds / 1000)) : 0;
 }
 
 MpcFacts AnalyseMpcSv7(QByteArrayView bytes, qsizetype at, qsizetype audioEnd)
@@ -361,10 +370,10 @@ MpegFacts AnalyseMpeg(QByteArrayView bytes)
     facts.Text2 = QStringLiteral("Layer ") + QString(h.Layer, u'I');
     facts.Mode = MpegModeName(h.Mode);
     facts.Emphasis = EmphasisName(h.Emphasis);
-    facts.Bitrate = vbr.Frames > 0 && seconds > 0 ? int(std::lround(audioBytes * 8 / seconds / 1000)) : h.Bitrate;
+    facts.Bitrate = vbr.Frames > 0 && seconds > 0 ? SaturatedInt(std::round(audioBytes * 8 / seconds / 1000)) : h.Bitrate;
     facts.Rate = h.Rate;
-    facts.Frames = int(frames);
-    facts.Seconds = int(seconds);
+    facts.Frames = SaturatedInt(frames);
+    facts.Seconds = SaturatedInt(seconds);
     facts.Size = bytes.size();
     facts.Crc = h.Crc;
     facts.Copyright = h.Copyright;
@@ -409,7 +418,7 @@ ApeFacts AnalyseApe(QByteArrayView bytes)
     const double pcmBytes = samples * facts.Channels * facts.Bits / 8;
     facts.Version = QString::number(version / 1000.0, 'f', 2);
     facts.Mode = CompressionName(level);
-    facts.Seconds = int(samples / facts.Rate);
+    facts.Seconds = SaturatedInt(samples / facts.Rate);
     facts.Size = bytes.size();
     facts.Ratio = pcmBytes > 0 ? 100.0 * double(bytes.size()) / pcmBytes : 0;
     facts.Valid = true;
@@ -449,7 +458,7 @@ OggFacts AnalyseOgg(QByteArrayView bytes)
     }
     facts.Seconds = double(LastGranule(bytes)) / facts.Rate;
     facts.Size = bytes.size();
-    facts.Average = facts.Seconds > 0 ? int(std::lround(bytes.size() * 8 / facts.Seconds / 1000)) : 0;
+    facts.Average = facts.Seconds > 0 ? SaturatedInt(std::round(bytes.size() * 8 / facts.Seconds / 1000)) : 0;
     facts.Mode = ChannelModeName(channels);
     facts.Valid = true;
     return facts;

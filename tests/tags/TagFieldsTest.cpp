@@ -3,21 +3,9 @@
 #include "support/TestSupport.h"
 #include "tags/Genres.h"
 #include "tags/MP3Class.h"
+#include "Tagged.h"
 
 #include <gtest/gtest.h>
-
-namespace {
-
-std::unique_ptr<MP3Class> Tagged(const QString& path)
-{
-    auto song = std::make_unique<MP3Class>();
-    song->SetFilename(path);
-    song->ReadFile();
-    song->ReadTag();
-    return song;
-}
-
-} // namespace
 
 TEST(TagFields, Id3v1FillsTheMergedAndTheFirstSet)
 {
