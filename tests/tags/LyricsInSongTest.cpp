@@ -104,6 +104,25 @@ TEST(LyricsInSong, EveryEndTagStaysInPlaceBehindTheBlock)
     EXPECT_EQ(DecodedAudio(song), DecodedAudio(original));
 }
 
+TEST(LyricsInSong, EveryAudioFormatDecodesAlikeWithTheBlockInside)
+{
+    QTemporaryDir dir;
+    QStringList fixtures{MediaFixture("comments.ogg"), MediaFixture("pcm16-stereo.wav"), MediaFixture("tone.mpc"),
+                         MediaFixture("vbr.mp3")};
+    if (const QString ape = SharedFixture("mac-399-tagged.ape"); !ape.isEmpty())
+        fixtures << ape;
+    for (const QString& original : fixtures) {
+        SCOPED_TRACE(original.toStdString());
+        const QString song = CopyFixture(original, dir.path());
+        SaveJournal save;
+        ASSERT_EQ(SaveMP3(song, Document("inside"), {PictureItem{}}, save.host), SaveMP3Result::Saved);
+        const QByteArray audio = DecodedAudio(original);
+        EXPECT_FALSE(audio.isEmpty());
+        EXPECT_EQ(DecodedAudio(song), audio);
+        EXPECT_EQ(LoadedText(song, "inside"), "inside");
+    }
+}
+
 TEST(LyricsInSong, AnUpdateReplacesTheBlockInAudioButAMidiFileKeepsEveryBlock)
 {
     QTemporaryDir dir;
