@@ -1,5 +1,6 @@
 #include "app/AppWindows.h"
 
+#include "karaoke/LyricWindow.h"
 #include "playback/PlayerWindow.h"
 
 AppWindows::AppWindows(AppState& state, SettingsStore& store) : m_state(state), m_store(store) {}
@@ -18,4 +19,21 @@ PlayerWindow& AppWindows::PlayerWidget()
 PlayerForm& AppWindows::Player()
 {
     return PlayerWidget();
+}
+
+LyricWindow& AppWindows::LyricWidget()
+{
+    if (!m_lyric) {
+        m_lyric = std::make_unique<LyricWindow>(m_state, m_store, [this] {
+            ControlsForm* midi = MidiEq();
+            return midi ? midi->MidiTime() : 0.0;
+        });
+        m_loaded.push_back(m_lyric.get());
+    }
+    return *m_lyric;
+}
+
+KaraokeForm* AppWindows::Lyric()
+{
+    return &LyricWidget();
 }

@@ -7,6 +7,7 @@
 #include <memory>
 
 struct AppState;
+class LyricWindow;
 class PlayerWindow;
 class SettingsStore;
 
@@ -19,7 +20,8 @@ public:
     PlayerWindow& PlayerWidget();
     PlaylistForm* UserList() override { return nullptr; }
     ControlsForm* MidiEq() override { return nullptr; }
-    KaraokeForm* Lyric() override { return nullptr; }
+    KaraokeForm* Lyric() override;
+    LyricWindow& LyricWidget();
     std::vector<Form*> LoadedForms() override { return m_loaded; }
 
 private:
@@ -27,5 +29,6 @@ private:
     SettingsStore& m_store;
     Docking m_docking;
     std::unique_ptr<PlayerWindow> m_player;
+    std::unique_ptr<LyricWindow> m_lyric;
     std::vector<Form*> m_loaded;
 };

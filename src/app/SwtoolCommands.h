@@ -3,7 +3,15 @@
 
 #include <QStringList>
 
+struct LyricsState;
+struct LyricsEnvironment;
+
 // swtool lyrics FILE [--editor] [--write OUT]
 int PrintLyrics(const QStringList& args);
 // swtool probe FILE
 int PrintProbe(const QStringList& args);
+// swtool render SONG --at SECONDS ... | --video DIR --fps N --from A --to B
+int RenderFrames(const QStringList& args);
+
+// The lyrics the player shows for a song (or a ".lrs" file itself); the message when there are none.
+QString LoadPlayerLyrics(LyricsState& lyrics, const QString& file, const LyricsEnvironment& env);

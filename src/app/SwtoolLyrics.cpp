@@ -101,6 +101,22 @@ QString EditorText(const QString& path, bool polish)
 
 } // namespace
 
+QString LoadPlayerLyrics(LyricsState& lyrics, const QString& file, const LyricsEnvironment& env)
+{
+    if (IsLrsFile(file)) {
+        const QString text = DecodeText(ReadWholeFile(file), env.Polish);
+        if (!ParseLyricsText(lyrics, text, QFileInfo(file).absolutePath(), env.Font))
+            return QString::fromLatin1(kInvalidLyricsMessage);
+        lyrics.PlayLyrics[0].FormatName = QStringLiteral("Songweaver (*LRS)");
+        lyrics.LyricsTitleText = MakeLyricsTitle(lyrics, env.Tags);
+        return {};
+    }
+    if (LoadLyrics(lyrics, file, env))
+        return {};
+    const bool damaged = FindLyricsBlock(ReadWholeFile(file)).has_value() || QFileInfo::exists(LyricsPathOf(file));
+    return damaged ? QString::fromLatin1(kInvalidLyricsMessage) : QStringLiteral("There are no lyrics for this song.");
+}
+
 int PrintLyrics(const QStringList& args)
 {
     LyricsOptions options;
@@ -128,16 +144,8 @@ int PrintLyrics(const QStringList& args)
             return 1;
         document = &lyrics.EditLyrics;
         pictures = &lyrics.EditPictures;
-    } else if (IsLrsFile(options.file)) {
-        const QString text = DecodeText(ReadWholeFile(options.file), env.Polish);
-        if (!ParseLyricsText(lyrics, text, QFileInfo(options.file).absolutePath(), env.Font))
-            return Fail(QString::fromLatin1(kInvalidLyricsMessage));
-        lyrics.PlayLyrics[0].FormatName = QStringLiteral("Songweaver (*LRS)");
-    } else if (!LoadLyrics(lyrics, options.file, env)) {
-        const bool damaged = FindLyricsBlock(ReadWholeFile(options.file)).has_value() ||
-                             QFileInfo::exists(LyricsPathOf(options.file));
-        return Fail(damaged ? QString::fromLatin1(kInvalidLyricsMessage)
-                            : QStringLiteral("There are no lyrics for this song."));
+    } else if (const QString error = LoadPlayerLyrics(lyrics, options.file, env); !error.isEmpty()) {
+        return Fail(error);
     }
 
     PrintDocument(*document, *pictures);

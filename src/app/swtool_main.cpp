@@ -18,7 +18,10 @@ const char* const kUsage =
     "  settings              every setting as key<TAB>value, in load order, as stored\n"
     "  lyrics FILE [--editor] [--write OUT]\n"
     "                        the lyrics the player (or the editor) reads for a song or .lrs file\n"
-    "  probe FILE            what the program reads of an audio file: kind, length, tags, texts\n";
+    "  probe FILE            what the program reads of an audio file: kind, length, tags, texts\n"
+    "  render SONG --at SECONDS -o OUT.png [--size WxH] [--mode N] [--scale F] [--fullscreen]\n"
+    "  render SONG --video DIR --fps N --from A --to B [--size WxH] [--mode N] [--scale F]\n"
+    "                        the karaoke window at a song position, or numbered frames\n";
 
 int Usage()
 {
@@ -68,6 +71,10 @@ int main(int argc, char* argv[])
         return PrintSettings();
     if (command == QLatin1String("lyrics")) {
         const int result = PrintLyrics(args);
+        return result == 2 ? Usage() : result;
+    }
+    if (command == QLatin1String("render")) {
+        const int result = RenderFrames(args);
         return result == 2 ? Usage() : result;
     }
     if (command == QLatin1String("probe")) {

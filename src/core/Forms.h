@@ -56,6 +56,14 @@ public:
     virtual void ClearLyrics() = 0;
     // Sets the lyrics to the song's position after a jump.
     virtual void GetLastPos() = 0;
+    // New lyrics are loaded: colours, pictures and the title of the new song.
+    virtual void ChangeLyrics() = 0;
+    // The rows and the timed picture go; the background stays.
+    virtual void ClearNewLyrics() = 0;
+    // Mode 1 only holds the next syllable back; any other mode also leaves the rows unlit.
+    virtual void FadeLyrics(int16_t& mode) = 0;
+    // The font size that makes the longest line fill the window.
+    virtual void FitLyrics() = 0;
 };
 
 class ControlsForm : public Form {

@@ -84,6 +84,10 @@ public:
     }
     void ClearLyrics() override { Log(QStringLiteral("ClearLyrics")); }
     void GetLastPos() override { Log(QStringLiteral("GetLastPos")); }
+    void ChangeLyrics() override { Log(QStringLiteral("ChangeLyrics")); }
+    void ClearNewLyrics() override { Log(QStringLiteral("ClearNewLyrics")); }
+    void FadeLyrics(int16_t& mode) override { Log(QStringLiteral("FadeLyrics %1").arg(mode)); }
+    void FitLyrics() override { Log(QStringLiteral("FitLyrics")); }
     std::vector<double> seen;
     double offset = 0;
 };

@@ -1,0 +1,176 @@
+// swtool render: the karaoke window's frame at a song position, or a run of frames, drawn by the
+// window's own code on the offscreen platform. The ticks run from 0 every 10 ms, as in the player,
+// so the page is the one a listener sees at that moment.
+
+#include "app/SwtoolCommands.h"
+#include "core/Language.h"
+#include "core/SettingsStore.h"
+#include "core/ThemeClass.h"
+#include "karaoke/KaraokeView.h"
+#include "lyrics/LyricsLoader.h"
+#include "tags/MP3Class.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QTextStream>
+#include <cmath>
+
+namespace {
+
+constexpr double kTick = 0.010;
+constexpr double kLastTimerSeconds = 8.0;
+
+struct RenderOptions {
+    QString song;
+    double at = -1;
+    QSize size{1280, 720};
+    int mode = -1;
+    qreal scale = 1.0;
+    bool fullScreen = false;
+    QString output;
+    QString videoDir;
+    double fps = 0;
+    double from = 0;
+    double to = -1;
+};
+
+bool ReadNumber(QStringList& args, double& value)
+{
+    bool ok = false;
+    value = args.isEmpty() ? 0 : args.takeFirst().toDouble(&ok);
+    return ok;
+}
+
+bool ReadOptions(QStringList args, RenderOptions& o)
+{
+    while (!args.isEmpty()) {
+        const QString arg = args.takeFirst();
+        double number = 0;
+        if (arg == u"--at" && ReadNumber(args, number) && number >= 0)
+            o.at = number;
+        else if (arg == u"--size" && !args.isEmpty()) {
+            const QStringList wh = args.takeFirst().split(u'x');
+            if (wh.size() != 2 || wh[0].toInt() < 16 || wh[1].toInt() < 16)
+                return false;
+            o.size = QSize(wh[0].toInt(), wh[1].toInt());
+        } else if (arg == u"--mode" && ReadNumber(args, number) && number >= 0 && number <= 3)
+            o.mode = int(number);
+        else if (arg == u"--scale" && ReadNumber(args, number) && number >= 1 && number <= 4)
+            o.scale = number;
+        else if (arg == u"--fullscreen")
+            o.fullScreen = true;
+        else if (arg == u"-o" && !args.isEmpty())
+            o.output = args.takeFirst();
+        else if (arg == u"--video" && !args.isEmpty())
+            o.videoDir = args.takeFirst();
+        else if (arg == u"--fps" && ReadNumber(args, number) && number > 0 && number <= 120)
+            o.fps = number;
+        else if (arg == u"--from" && ReadNumber(args, number) && number >= 0)
+            o.from = number;
+        else if (arg == u"--to" && ReadNumber(args, number) && number >= 0)
+            o.to = number;
+        else if (!arg.startsWith(u'-') && o.song.isEmpty())
+            o.song = arg;
+        else
+            return false;
+    }
+    const bool still = o.at >= 0 && !o.output.isEmpty() && o.videoDir.isEmpty();
+    const bool video = !o.videoDir.isEmpty() && o.fps > 0 && o.to >= o.from && o.at < 0 && o.output.isEmpty();
+    return !o.song.isEmpty() && (still || video);
+}
+
+// The song position the window reads: whatever time the renderer has reached.
+class RenderClock final : public SongPosition {
+public:
+    bool HasSong() const override { return true; }
+    double Position() const override { return Now; }
+    double Now = 0;
+};
+
+// Plays the ticks from 0 to `until`, with the end-of-song timer the window would run, and hands
+// out a frame whenever `frameDue` says so.
+void RunTicks(KaraokeView& view, RenderClock& clock, double until, const std::function<void(double)>& atTick)
+{
+    double timerStarted = -1;
+    view.LastTimerSwitch = [&](bool enabled) {
+        if (!enabled)
+            timerStarted = -1;
+        else if (timerStarted < 0)
+            timerStarted = clock.Now;
+    };
+    const long long ticks = std::llround(until / kTick);
+    for (long long i = 0; i <= ticks; ++i) {
+        clock.Now = double(i) * kTick;
+        double position = clock.Now;
+        view.Timeline().IsPlaying(position);
+        if (timerStarted >= 0 && clock.Now - timerStarted >= kLastTimerSeconds) {
+            view.Restore();
+            timerStarted = -1;
+        }
+        atTick(clock.Now);
+    }
+}
+
+int Fail(const QString& message)
+{
+    QTextStream(stderr) << message << '\n';
+    return 1;
+}
+
+} // namespace
+
+int RenderFrames(const QStringList& args)
+{
+    RenderOptions o;
+    if (!ReadOptions(args, o))
+        return 2;
+    if (!QFileInfo(o.song).isFile())
+        return Fail(QStringLiteral("File not found: %1").arg(o.song));
+
+    QSettingsStore store;
+    std::vector<MonitorRecord> monitors;
+    ThemeClass theme(store, ThemeEnvironment::FromSystem(), monitors);
+    if (o.mode >= 0)
+        theme.DisplayMode = int16_t(o.mode);
+    LanguageTable language;
+    language.LoadLanguage(store);
+    MP3Class song(language.IsPolish);
+    song.SetFilename(o.song);
+    song.ReadFile();
+
+    LyricsState lyrics;
+    const LyricsEnvironment env{theme.LyricsFontFace(), language.IsPolish, &song, {}};
+    if (const QString error = LoadPlayerLyrics(lyrics, o.song, env); !error.isEmpty())
+        return Fail(error);
+
+    RenderClock clock;
+    KaraokeView view(lyrics, theme, clock);
+    view.ResizeMe(o.size, o.scale, o.fullScreen);
+    if (theme.LyricsFitFont)
+        view.FitLyrics();
+    view.ChangeLyrics();
+
+    if (o.videoDir.isEmpty()) {
+        RunTicks(view, clock, o.at, [](double) {});
+        if (!view.Frame().save(o.output))
+            return Fail(QStringLiteral("Cannot write %1").arg(o.output));
+        return 0;
+    }
+
+    if (!QDir().mkpath(o.videoDir))
+        return Fail(QStringLiteral("Cannot create %1").arg(o.videoDir));
+    long long frame = 0;
+    bool written = true;
+    RunTicks(view, clock, o.to, [&](double now) {
+        // A frame is due once the tick has reached its time.
+        while (written && o.from + double(frame) / o.fps <= now + kTick / 2 && o.from + double(frame) / o.fps <= o.to) {
+            const QString name = QStringLiteral("%1/%2.png").arg(o.videoDir).arg(frame, 5, 10, QLatin1Char('0'));
+            written = view.Frame().save(name);
+            ++frame;
+        }
+    });
+    if (!written)
+        return Fail(QStringLiteral("Cannot write into %1").arg(o.videoDir));
+    QTextStream(stdout) << frame << " frames\n";
+    return 0;
+}

@@ -1,0 +1,459 @@
+#include "karaoke/KaraokeView.h"
+
+#include "core/Colors.h"
+
+#include <QFileInfo>
+#include <QFontMetrics>
+#include <QPainter>
+#include <algorithm>
+
+namespace {
+
+constexpr int kRowExtra = 9;
+constexpr int kBlockInset = 8;
+constexpr int kFramedTop = 20;
+constexpr int kFramedBottom = 17;
+constexpr int kTextInset = 4;
+constexpr int kBottomClip = 8;
+constexpr double kClearAfterLastSeconds = 8.0;
+constexpr int kLargestFontSize = 1000;
+const QString kOwnFormat = QStringLiteral("Songweaver");
+
+QColor Effective(int32_t song, int32_t setting)
+{
+    return ColorFromWin32(song != -1 ? song : setting);
+}
+
+int16_t Narrow(int value)
+{
+    return int16_t(std::clamp(value, -32768, 32767));
+}
+
+// The x of a row's box: the text and its 9 pixels of rim centred in the window.
+int RowX(int clientWidth, int textWidth)
+{
+    return Narrow(clientWidth / 2 - (textWidth + kRowExtra) / 2);
+}
+
+} // namespace
+
+KaraokeView::KaraokeView(LyricsState& lyrics, ThemeClass& theme, const SongPosition& song)
+    : m_lyrics(lyrics), m_theme(theme), m_song(song),
+      m_timeline(lyrics, *this, song, [&theme] { return theme.LyricsOffset(); }),
+      m_fontSize(theme.LyricsFontSize)
+{
+    UpdateColors();
+}
+
+QFont KaraokeView::Font() const
+{
+    QFont font = m_theme.LyricsFontFace();
+    font.setPointSize(std::max(1, m_fontSize));
+    return font;
+}
+
+bool KaraokeView::CanPaint() const
+{
+    return m_ready && !m_frame.isNull() && !m_painting;
+}
+
+bool KaraokeView::OwnFormat() const
+{
+    return m_lyrics.PlayLyrics[0].FormatName.startsWith(kOwnFormat);
+}
+
+void KaraokeView::UpdateColors()
+{
+    const LyricItem& song = m_lyrics.PlayLyrics[0];
+    m_colors.ForeColor = Effective(song.ForeColor, m_theme.LyricsColor);
+    m_colors.HighlightColor = Effective(song.HighlightColor, m_theme.LyricsHighlightColor);
+    m_colors.OutlineColor1 = Effective(song.OutlineColor1, m_theme.LyricsOutlineColor1);
+    m_colors.OutlineColor2 = Effective(song.OutlineColor2, m_theme.LyricsOutlineColor2);
+    m_colors.OutlineColor3 = Effective(song.OutlineColor3, m_theme.LyricsOutlineColor3);
+    m_colors.OutlineColor4 = Effective(song.OutlineColor4, m_theme.LyricsOutlineColor4);
+    m_colors.BackColor = Effective(song.BackColor, m_theme.LyricsBackColor);
+    m_colors.Alignment = song.Alignment != -1 ? song.Alignment : m_theme.LyricsAlignment;
+}
+
+void KaraokeView::ResizeMe(QSize size, qreal dpr, bool fullScreen)
+{
+    m_size = size.expandedTo(QSize(1, 1));
+    m_dpr = dpr;
+    m_fullScreen = fullScreen;
+    m_frame = QImage(m_size * m_dpr, QImage::Format_ARGB32_Premultiplied);
+    m_frame.setDevicePixelRatio(m_dpr);
+    m_lastBlock = {};
+    m_ready = true;
+    if (m_theme.LyricsFitFont)
+        FitLyrics();
+    SetBackground(m_timedPicture.isNull());
+}
+
+// ---- The timeline's page -----------------------------------------------------------------------
+
+int KaraokeView::RowHeight() const
+{
+    return Narrow(QFontMetrics(Font()).height() + kRowExtra);
+}
+
+int KaraokeView::BlockTop(int rows) const
+{
+    const int h = RowHeight();
+    const int top = m_fullScreen ? 0 : kFramedTop;
+    const int bottom = m_fullScreen ? 0 : kFramedBottom;
+    switch (m_colors.Alignment) {
+    case 1: return kBlockInset + top;
+    case 2: return m_size.height() - rows * h - kBlockInset - bottom;
+    default: return m_size.height() / 2 - rows * h / 2;
+    }
+}
+
+void KaraokeView::PaintPage(int32_t index, bool jump)
+{
+    if (index == 0) {
+        PaintTitle(false);
+        return;
+    }
+    m_painting = true;
+    m_titleShown = false;
+    if (jump)
+        m_timeline.Fading = false;
+    m_page = m_layout.Compose(m_lyrics.PlayLyrics, index, jump, m_theme.DisplayMode);
+    m_pageIndex = index;
+    if (index == int32_t(m_lyrics.PlayLyrics.size()) - 1)
+        SetLastTimer(true);
+    DrawPage();
+    m_painting = false;
+}
+
+void KaraokeView::DrawPage()
+{
+    // After the title or a cleared screen the whole page is rebuilt, else only the last block.
+    const QRect old = m_pageShown ? m_lastBlock : QRect(QPoint(0, 0), m_size);
+    if (m_pageShown)
+        RepairLastBlock();
+    else
+        m_frame = m_background.copy();
+    const int rows = int(m_page.Rows.size());
+    const int h = RowHeight();
+    const int top = BlockTop(rows);
+    for (int row = 0; row < rows; ++row)
+        DrawRow(m_page.Rows[size_t(row)], top + row * h, m_page.Rows[size_t(row)].Current);
+    m_lastBlock = QRect(0, top, m_size.width(), rows * h + kBlockInset);
+    m_pageShown = true;
+    Show(old.united(m_lastBlock));
+}
+
+void KaraokeView::DrawRow(const PageRow& row, int y, bool current)
+{
+    if (row.Text.isEmpty())
+        return;
+    const QFont font = Font();
+    const QFontMetrics metrics(font);
+    const int x = RowX(m_size.width(), metrics.horizontalAdvance(row.Text));
+    m_painter.OutlineText(m_frame, row.Text, font, m_colors.OutlineColor1, m_theme.LyricsOutlineWidth, x, y,
+                          m_size.height() - kBottomClip);
+    const int tx = x + kTextInset;
+    const int ty = y + kTextInset;
+    const bool linesMode = m_theme.LyricsMode || !OwnFormat();
+    if (current && !linesMode) {
+        TextPainter::DrawText(m_frame, row.Text, font, m_colors.ForeColor, tx, ty);
+        TextPainter::DrawText(m_frame, m_page.SungText, font, m_colors.HighlightColor, tx, ty);
+    } else {
+        const bool highlight = current || (linesMode && row.Sung);
+        TextPainter::DrawText(m_frame, row.Text, font, highlight ? m_colors.HighlightColor : m_colors.ForeColor, tx, ty);
+    }
+    if (current && m_theme.LyricsShowBall)
+        DrawBall(x, y, row.Text);
+}
+
+// The ball marks the line, or in two-line syllable mode jumps to the syllable being sung.
+void KaraokeView::DrawBall(int x, int y, const QString& line)
+{
+    const QFont font = Font();
+    const QFontMetrics metrics(font);
+    const int th = metrics.boundingRect(line).height();
+    const bool linesMode = m_theme.LyricsMode || !OwnFormat();
+    const int cx = !linesMode && m_theme.DisplayMode == int16_t(DisplayModes::TwoLines)
+                       ? x + 3 + metrics.horizontalAdvance(m_page.SungText) - metrics.horizontalAdvance(m_page.Syllable)
+                             + metrics.height() / 4
+                       : x - th / 2;
+    const int cy = y + th / 2 + 3;
+    const int r = th / 6;
+    QPainter painter(&m_frame);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(m_colors.OutlineColor1, 2));
+    painter.setBrush(ColorFromWin32(m_theme.LyricsBallColor));
+    painter.drawEllipse(QPoint(cx, cy), r, r);
+}
+
+void KaraokeView::RepairLastBlock()
+{
+    if (m_lastBlock.isEmpty())
+        return;
+    QPainter painter(&m_frame);
+    painter.setCompositionMode(QPainter::CompositionMode_Source);
+    const QRectF device(m_lastBlock.x() * m_dpr, m_lastBlock.y() * m_dpr, m_lastBlock.width() * m_dpr,
+                        m_lastBlock.height() * m_dpr);
+    painter.drawImage(QRectF(m_lastBlock), m_background, device);
+}
+
+void KaraokeView::Show(const QRect& rect)
+{
+    if (Changed)
+        Changed(rect.intersected(QRect(QPoint(0, 0), m_size)));
+}
+
+void KaraokeView::PaintTitle(bool force)
+{
+    const QString& title = m_lyrics.LyricsTitleText;
+    if (!m_ready || title.isEmpty() || !m_theme.ShowLyricsTitle || (m_titleShown && !force))
+        return;
+    const QStringList parts = title.split(u'|');
+    QFont font = Font();
+    auto widest = [&] {
+        const QFontMetrics metrics(font);
+        int width = 0;
+        for (const QString& part : parts)
+            width = std::max(width, metrics.horizontalAdvance(part));
+        return width;
+    };
+    while (widest() > m_size.width() * 3 / 4 && font.pointSize() > 1)
+        font.setPointSize(font.pointSize() - 1);
+
+    m_frame = m_background.copy();
+    const QFontMetrics metrics(font);
+    const int h = metrics.height() + kRowExtra;
+    const int top = m_size.height() / 2 - int(parts.size()) * h / 2;
+    for (qsizetype i = 0; i < parts.size(); ++i) {
+        const int x = RowX(m_size.width(), metrics.horizontalAdvance(parts[i]));
+        const int y = top + int(i) * h;
+        m_painter.OutlineText(m_frame, parts[i], font, m_colors.OutlineColor1, m_theme.LyricsOutlineWidth, x, y,
+                              m_size.height() - kBottomClip);
+        TextPainter::DrawText(m_frame, parts[i], font, i == 0 ? m_colors.ForeColor : m_colors.HighlightColor,
+                              x + kTextInset, y + kTextInset);
+    }
+    m_lastBlock = {};
+    m_pageShown = false;
+    m_titleShown = true;
+    Show(QRect(QPoint(0, 0), m_size));
+}
+
+void KaraokeView::Restore()
+{
+    if (m_background.isNull())
+        return;
+    m_frame = m_background.copy();
+    m_lastBlock = {};
+    m_pageShown = false;
+    m_titleShown = false;
+    Show(QRect(QPoint(0, 0), m_size));
+}
+
+void KaraokeView::SetLastTimer(bool enabled)
+{
+    if (LastTimerSwitch)
+        LastTimerSwitch(enabled);
+}
+
+void KaraokeView::ClearRows()
+{
+    m_layout.ClearRows();
+}
+
+// ---- Pictures and background ---------------------------------------------------------------------
+
+void KaraokeView::SetPicture()
+{
+    const QString& song = m_lyrics.PlayLyrics[0].Picture;
+    QImage picture;
+    if (!song.isEmpty() && QFileInfo(song).isFile())
+        picture.load(song);
+    if (picture.isNull()) {
+        m_basePicture = m_theme.LyricsPicture();
+        m_basePictureName = song.isEmpty() ? m_theme.LyricsPicPath() : song;
+        if (!song.isEmpty())
+            m_basePicture = {};  // a song picture that cannot be shown leaves the back colour
+    } else {
+        m_basePicture = picture;
+        m_basePictureName = song;
+    }
+}
+
+void KaraokeView::ChangePic(int16_t picture)
+{
+    if (picture < 1 || size_t(picture) >= m_lyrics.PlayPictures.size())
+        return;
+    const QString& file = m_lyrics.PlayPictures[size_t(picture)].File;
+    QImage image;
+    if (!QFileInfo(file).isFile() || !image.load(file)) {
+        DropPicture();
+        return;
+    }
+    m_timedPicture = image;
+    m_timedPictureName = file;
+}
+
+void KaraokeView::ShowPicture(int16_t)
+{
+    SetBackground(false);
+}
+
+void KaraokeView::DropPicture()
+{
+    m_timedPicture = {};
+    m_timedPictureName.clear();
+}
+
+void KaraokeView::SetBackground(bool useDefault)
+{
+    if (!m_ready)
+        return;
+    m_background = QImage(m_size * m_dpr, QImage::Format_ARGB32_Premultiplied);
+    m_background.setDevicePixelRatio(m_dpr);
+    m_background.fill(m_colors.BackColor);
+    QPainter painter(&m_background);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    const QRectF client(QPointF(0, 0), QSizeF(m_size));
+    if (!m_basePicture.isNull()) {
+        switch (m_theme.LyricsPicLayout) {
+        case 0:
+            painter.drawTiledPixmap(client, QPixmap::fromImage(m_basePicture));
+            break;
+        case 1:
+            painter.drawImage(client, m_basePicture);
+            break;
+        default: {
+            const QSizeF size = QSizeF(m_basePicture.size()) / m_basePicture.devicePixelRatio();
+            painter.drawImage(QRectF(client.center() - QPointF(size.width() / 2, size.height() / 2), size), m_basePicture);
+        }
+        }
+    }
+    if (!useDefault && !m_timedPicture.isNull()) {
+        const QSizeF fitted = QSizeF(m_timedPicture.size()).scaled(client.size(), Qt::KeepAspectRatio);
+        painter.drawImage(QRectF(client.center() - QPointF(fitted.width() / 2, fitted.height() / 2), fitted), m_timedPicture);
+    }
+    painter.end();
+    Repaint();
+}
+
+// ---- Song and window events --------------------------------------------------------------------
+
+void KaraokeView::ChangeLyrics()
+{
+    UpdateColors();
+    const QString& song = m_lyrics.PlayLyrics[0].Picture;
+    const QString wanted = song.isEmpty() ? m_theme.LyricsPicPath() : song;
+    if (wanted != m_basePictureName || m_basePicture.isNull())
+        SetPicture();
+    DropPicture();
+    if (m_lyrics.PlayPictures.size() > 1 && m_lyrics.PlayPictures[1].Time == 0)
+        ChangePic(1);
+    m_layout.Reset();
+    m_timeline.Fading = false;
+    m_titleShown = false;
+    m_pageShown = false;
+    SetBackground(false);
+    PaintTitle(false);
+}
+
+void KaraokeView::ClearLyrics()
+{
+    m_layout.ClearRows();
+}
+
+void KaraokeView::ClearNewLyrics()
+{
+    m_layout.Reset();
+    m_pageShown = false;
+    SetBackground(true);
+}
+
+void KaraokeView::FadeLyrics(int16_t& mode)
+{
+    m_timeline.Fading = true;
+    if (mode == 1 || !m_pageShown)
+        return;
+    for (PageRow& row : m_page.Rows)
+        row.Current = false;
+    DrawPage();
+}
+
+void KaraokeView::Repaint()
+{
+    if (!m_ready)
+        return;
+    m_frame = m_background.copy();
+    m_lastBlock = {};
+    const auto& lyrics = m_lyrics.PlayLyrics;
+    // The text leaves the screen 8 seconds after the last syllable.
+    if (m_pageShown && lyrics.size() > 1 && m_song.Position() >= lyrics.back().Time + kClearAfterLastSeconds)
+        m_pageShown = false;
+    if (m_pageShown)
+        DrawPage();
+    else if (m_lyrics.CurrentLyric == 0)
+        PaintTitle(true);
+    Show(QRect(QPoint(0, 0), m_size));
+}
+
+int KaraokeView::FitWidth(const QString& text, int size) const
+{
+    QFont font = Font();
+    font.setPointSize(size);
+    return QFontMetrics(font).horizontalAdvance(text) + 16;
+}
+
+void KaraokeView::FitLyrics()
+{
+    if (m_lyrics.LongestLine.isEmpty()) {
+        m_fontSize = m_theme.LyricsFontSize;
+        return;
+    }
+    const QString text = m_lyrics.LongestLine + (m_theme.LyricsShowBall ? QStringLiteral("oo") : QString());
+    const int width = m_size.width();
+    int size = std::max(1, m_fontSize);
+    int w = FitWidth(text, size);
+    const bool inBand = width - 30 >= w && width - 40 < w;
+    if (!inBand) {
+        // Start near the answer; the two loops below settle it exactly.
+        size = std::clamp(int(double(size) * (width - 35) / std::max(1, w)), 1, kLargestFontSize);
+        w = FitWidth(text, size);
+        while (width - 30 < w && size > 1)
+            w = FitWidth(text, --size);
+        while (width - 40 >= w && size < kLargestFontSize)
+            w = FitWidth(text, ++size);
+    }
+    const int limit = m_theme.DisplayMode == int16_t(DisplayModes::ThreeLines) ? (m_size.height() - 139) / 3
+                                                                                : (m_size.height() - 132) / 2;
+    QFont font = Font();
+    font.setPointSize(size);
+    while (QFontMetrics(font).boundingRect(QStringLiteral("Mg")).height() > limit && size > 1)
+        font.setPointSize(--size);
+    m_fontSize = size;
+}
+
+void KaraokeView::IncFont()
+{
+    ++m_fontSize;
+    if (m_theme.LyricsFitFont)
+        FitLyrics();
+    Repaint();
+}
+
+void KaraokeView::DecFont()
+{
+    m_fontSize = std::max(1, m_fontSize - 1);
+    if (m_theme.LyricsFitFont)
+        FitLyrics();
+    Repaint();
+}
+
+void KaraokeView::OffsetIn()
+{
+    m_theme.SetLyricsOffset(m_theme.LyricsOffset() + 0.1);
+}
+
+void KaraokeView::OffsetOut()
+{
+    m_theme.SetLyricsOffset(m_theme.LyricsOffset() - 0.1);
+}

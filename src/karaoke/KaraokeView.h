@@ -1,0 +1,106 @@
+#pragma once
+// The karaoke page without a window: the background, the composed frame, the rows of the
+// current page and the title, driven by the timeline. The window shows its frame; swtool renders
+// it to files.
+
+#include "core/ThemeClass.h"
+#include "karaoke/KaraokeTimeline.h"
+#include "karaoke/PageLayout.h"
+#include "karaoke/TextPainter.h"
+
+#include <QImage>
+#include <functional>
+
+// The colours and alignment in force: the song's own values, else the settings.
+struct EffectiveColors {
+    QColor ForeColor, HighlightColor, OutlineColor1, OutlineColor2, OutlineColor3, OutlineColor4, BackColor;
+    int16_t Alignment = 0;
+};
+
+class KaraokeView final : public KaraokeSurface {
+public:
+    KaraokeView(LyricsState& lyrics, ThemeClass& theme, const SongPosition& song);
+
+    // Rebuilds the layers for a new client size, fits the font when the setting asks, repaints.
+    void ResizeMe(QSize size, qreal dpr, bool fullScreen);
+    const QImage& Frame() const { return m_frame; }
+    KaraokeTimeline& Timeline() { return m_timeline; }
+
+    // The window's hooks: the part of the frame that changed, and the end-of-song timer.
+    std::function<void(const QRect&)> Changed;
+    std::function<void(bool enabled)> LastTimerSwitch;
+
+    void ChangeLyrics();
+    void ClearLyrics();
+    void ClearNewLyrics();
+    // Mode 1 only stops new syllables; any other mode also leaves the rows on the background.
+    void FadeLyrics(int16_t& mode);
+    void FitLyrics();
+    void UpdateColors();
+    void SetPicture();
+    void IncFont();
+    void DecFont();
+    void OffsetIn();
+    void OffsetOut();
+    // The window's own repaint: the page that stands, the title, or only the background from
+    // 8 seconds after the last syllable.
+    void Repaint();
+
+    int FontSize() const { return m_fontSize; }
+    QFont Font() const;
+    const EffectiveColors& Colors() const { return m_colors; }
+    const Page& CurrentPage() const { return m_page; }
+    QRect BlockRect() const { return m_lastBlock; }
+
+    // KaraokeSurface
+    bool CanPaint() const override;
+    bool WindowReady() const override { return m_ready; }
+    void PaintPage(int32_t index, bool jump) override;
+    void PaintTitle() override { PaintTitle(false); }
+    void PaintTitle(bool force);
+    void Restore() override;
+    void SetLastTimer(bool enabled) override;
+    void ChangePic(int16_t picture) override;
+    void ShowPicture(int16_t picture) override;
+    void DropPicture() override;
+    void SetBackground(bool useDefault) override;
+    void ClearRows() override;
+
+private:
+    int RowHeight() const;
+    int BlockTop(int rows) const;
+    void DrawPage();
+    void DrawRow(const PageRow& row, int y, bool current);
+    void DrawBall(int x, int y, const QString& line);
+    void RepairLastBlock();
+    void Show(const QRect& rect);
+    int FitWidth(const QString& text, int size) const;
+    bool OwnFormat() const;
+
+    LyricsState& m_lyrics;
+    ThemeClass& m_theme;
+    const SongPosition& m_song;
+    KaraokeTimeline m_timeline;
+    PageLayout m_layout;
+    TextPainter m_painter;
+
+    QSize m_size;
+    qreal m_dpr = 1.0;
+    bool m_fullScreen = false;
+    bool m_ready = false;
+    bool m_painting = false;
+    bool m_titleShown = false;
+    bool m_pageShown = false;
+    int m_fontSize = 20;
+    EffectiveColors m_colors;
+
+    QImage m_basePicture;
+    QString m_basePictureName;
+    QImage m_timedPicture;
+    QString m_timedPictureName;
+    QImage m_background;
+    QImage m_frame;
+    Page m_page;
+    int32_t m_pageIndex = 0;
+    QRect m_lastBlock;
+};

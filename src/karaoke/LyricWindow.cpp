@@ -1,0 +1,236 @@
+#include "karaoke/LyricWindow.h"
+
+#include "core/WindowPosition.h"
+
+#include <QContextMenuEvent>
+#include <QGuiApplication>
+#include <QMenu>
+#include <QPainter>
+#include <QScreen>
+#include <QWindow>
+
+namespace {
+
+const QString kPositionKey = QStringLiteral("karaoke window position");
+constexpr int kLastTimerMs = 8000;
+const QSize kDefaultSize(800, 450);
+
+struct MenuEntry {
+    const char* key;
+    const char* caption;  // language key
+};
+const MenuEntry kMenu[] = {
+    {"Fullscreen", "Fullscreen"}, {"FitLyrics", "FitText"}, {nullptr, nullptr},
+    {"Previous", "Previous"},     {"Play", "Play"},         {"Pause", "Pause"},
+    {"Stop", "Stop"},             {"Next", "Next"},         {nullptr, nullptr},
+    {"OffsetIn", "Display+Offset"}, {"OffsetOut", "Display-Offset"}, {"IncFont", "IncreaseFont"},
+    {"DecFont", "DecreaseFont"},  {nullptr, nullptr},       {"Options", "Options"},
+};
+
+} // namespace
+
+double StateSongPosition::Position() const
+{
+    if (m_state.IsMidi)
+        return m_midiTime ? m_midiTime() : 0;
+    return m_state.MediaControl ? m_state.MediaControl->get_CurrentPosition() : 0;
+}
+
+LyricWindow::LyricWindow(AppState& state, SettingsStore& store, std::function<double()> midiTime)
+    : m_state(state), m_store(store), m_position(state, std::move(midiTime)),
+      m_view(state.Lyrics, *state.Theme, m_position)
+{
+    setWindowTitle(QStringLiteral("Songweaver Karaoke"));
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setMinimumSize(160, 90);
+    m_lastTimer.setInterval(kLastTimerMs);
+    connect(&m_lastTimer, &QTimer::timeout, this, [this] {
+        m_view.Restore();
+        m_lastTimer.stop();
+    });
+    m_view.LastTimerSwitch = [this](bool enabled) {
+        if (!enabled)
+            m_lastTimer.stop();
+        else if (!m_lastTimer.isActive())
+            m_lastTimer.start();
+    };
+    m_view.Changed = [this](const QRect& rect) { update(rect); };
+
+    if (const auto saved = ReadWindowPosition(m_store, kPositionKey))
+        setGeometry(*saved);
+    else
+        resize(kDefaultSize);
+    m_framedGeometry = geometry();
+}
+
+LyricWindow::~LyricWindow() = default;
+
+void LyricWindow::Show()
+{
+    show();
+    Rebuild();
+    if (windowHandle())
+        connect(windowHandle(), &QWindow::screenChanged, this, &LyricWindow::Rebuild, Qt::UniqueConnection);
+}
+
+void LyricWindow::Hide()
+{
+    hide();
+}
+
+void LyricWindow::SetTopMost(bool flag)
+{
+    setWindowFlag(Qt::WindowStaysOnTopHint, flag);
+    if (m_state.KaraokeOpen)
+        show();
+}
+
+void LyricWindow::Unload()
+{
+    WriteWindowPosition(m_store, kPositionKey, isFullScreen() ? m_framedGeometry : geometry());
+    m_lastTimer.stop();
+    hide();
+}
+
+void LyricWindow::IsPlaying(double& position)
+{
+    m_view.Timeline().IsPlaying(position);
+}
+
+void LyricWindow::ClearLyrics()
+{
+    m_view.ClearLyrics();
+}
+
+void LyricWindow::GetLastPos()
+{
+    m_view.Timeline().GetLastPos(m_state.KaraokeOpen);
+}
+
+void LyricWindow::ChangeLyrics()
+{
+    m_view.ChangeLyrics();
+}
+
+void LyricWindow::ClearNewLyrics()
+{
+    m_view.ClearNewLyrics();
+}
+
+void LyricWindow::FadeLyrics(int16_t& mode)
+{
+    m_view.FadeLyrics(mode);
+}
+
+void LyricWindow::FitLyrics()
+{
+    m_view.FitLyrics();
+}
+
+void LyricWindow::Rebuild()
+{
+    m_view.ResizeMe(size(), devicePixelRatioF(), isFullScreen());
+}
+
+void LyricWindow::paintEvent(QPaintEvent* event)
+{
+    QPainter painter(this);
+    const QImage& frame = m_view.Frame();
+    if (frame.isNull()) {
+        painter.fillRect(event->rect(), Qt::black);
+        return;
+    }
+    const QRect area = event->rect();
+    const qreal dpr = frame.devicePixelRatio();
+    painter.drawImage(QRectF(area), frame, QRectF(area.x() * dpr, area.y() * dpr, area.width() * dpr, area.height() * dpr));
+}
+
+void LyricWindow::resizeEvent(QResizeEvent*)
+{
+    if (!isFullScreen())
+        m_framedGeometry = geometry();
+    Rebuild();
+}
+
+QScreen* LyricWindow::ChosenScreen() const
+{
+    const QString& chosen = m_state.Theme->Monitor;
+    for (const MonitorRecord& monitor : m_state.MonitorList) {
+        if (monitor.name != chosen && monitor.name + QStringLiteral(" (primary)") != chosen)
+            continue;
+        for (QScreen* screen : QGuiApplication::screens())
+            if (screen->geometry().topLeft() == QPoint(monitor.left, monitor.top))
+                return screen;
+    }
+    return QGuiApplication::primaryScreen();
+}
+
+void LyricWindow::ToggleFullScreen()
+{
+    if (isFullScreen()) {
+        showNormal();
+        setGeometry(m_framedGeometry);
+        return;
+    }
+    m_framedGeometry = geometry();
+    if (QScreen* screen = ChosenScreen()) {
+        if (windowHandle())
+            windowHandle()->setScreen(screen);
+        setGeometry(screen->geometry());
+    }
+    showFullScreen();
+}
+
+void LyricWindow::RunCommand(const QString& key)
+{
+    if (key == u"Fullscreen")
+        ToggleFullScreen();
+    else if (key == u"FitLyrics") {
+        m_view.FitLyrics();
+        m_view.Repaint();
+    } else if (key == u"OffsetIn")
+        m_view.OffsetIn();
+    else if (key == u"OffsetOut")
+        m_view.OffsetOut();
+    else if (key == u"IncFont")
+        m_view.IncFont();
+    else if (key == u"DecFont")
+        m_view.DecFont();
+    else if (PlayerCommand)
+        PlayerCommand(key);
+}
+
+void LyricWindow::contextMenuEvent(QContextMenuEvent* event)
+{
+    QMenu menu(this);
+    for (const MenuEntry& entry : kMenu) {
+        if (!entry.key) {
+            menu.addSeparator();
+            continue;
+        }
+        const QString key = QString::fromLatin1(entry.key);
+        QAction* action = menu.addAction(m_state.Language.GetText(QString::fromLatin1(entry.caption)));
+        connect(action, &QAction::triggered, this, [this, key] { RunCommand(key); });
+    }
+    menu.exec(event->globalPos());
+}
+
+void LyricWindow::mouseDoubleClickEvent(QMouseEvent*)
+{
+    ToggleFullScreen();
+}
+
+void LyricWindow::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() == Qt::Key_Escape && isFullScreen())
+        ToggleFullScreen();
+    else
+        QWidget::keyPressEvent(event);
+}
+
+void LyricWindow::closeEvent(QCloseEvent* event)
+{
+    m_state.KaraokeOpen = false;
+    emit closedByUser();
+    QWidget::closeEvent(event);
+}

@@ -1,0 +1,77 @@
+#pragma once
+// The karaoke window: shows the page of KaraokeView, runs the end-of-song timer, offers the
+// window's menu, goes full screen on the chosen monitor and remembers its framed place.
+
+#include "core/AppState.h"
+#include "core/Forms.h"
+#include "karaoke/KaraokeView.h"
+
+#include <QTimer>
+#include <QWidget>
+#include <functional>
+
+class SettingsStore;
+
+// The song position as the application state has it: the media session's, or the MIDI player's.
+class StateSongPosition final : public SongPosition {
+public:
+    StateSongPosition(const AppState& state, std::function<double()> midiTime)
+        : m_state(state), m_midiTime(std::move(midiTime))
+    {
+    }
+    bool HasSong() const override { return m_state.MediaControl || m_state.IsMidi; }
+    double Position() const override;
+
+private:
+    const AppState& m_state;
+    std::function<double()> m_midiTime;
+};
+
+class LyricWindow final : public QWidget, public KaraokeForm {
+    Q_OBJECT
+public:
+    LyricWindow(AppState& state, SettingsStore& store, std::function<double()> midiTime);
+    ~LyricWindow() override;
+
+    void Show() override;
+    void Hide() override;
+    void SetTopMost(bool flag) override;
+    void Unload() override;
+
+    void IsPlaying(double& position) override;
+    void ClearLyrics() override;
+    void GetLastPos() override;
+    void ChangeLyrics() override;
+    void ClearNewLyrics() override;
+    void FadeLyrics(int16_t& mode) override;
+    void FitLyrics() override;
+
+    KaraokeView& View() { return m_view; }
+    void ToggleFullScreen();
+    // The window's menu runs one of its commands by key ("Fullscreen", "FitText", "Play", ...).
+    void RunCommand(const QString& key);
+    // The transport commands of the menu: "Previous", "Play", "Pause", "Stop", "Next", "Options".
+    std::function<void(const QString& key)> PlayerCommand;
+
+signals:
+    void closedByUser();
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void Rebuild();
+    QScreen* ChosenScreen() const;
+
+    AppState& m_state;
+    SettingsStore& m_store;
+    StateSongPosition m_position;
+    KaraokeView m_view;
+    QTimer m_lastTimer;
+    QRect m_framedGeometry;
+};
