@@ -422,6 +422,9 @@ void KaraokeView::FitLyrics()
             w = FitWidth(text, --size);
         while (width - 40 >= w && size < kLargestFontSize)
             w = FitWidth(text, ++size);
+        // One point can be wider than the band; a line never goes past the 30 margin.
+        while (width - 30 < w && size > 1)
+            w = FitWidth(text, --size);
     }
     const int limit = m_theme.DisplayMode == int16_t(DisplayModes::ThreeLines) ? (m_size.height() - 139) / 3
                                                                                 : (m_size.height() - 132) / 2;

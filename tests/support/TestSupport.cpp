@@ -54,9 +54,14 @@ float RampSample(long long frame)
     return float(frame % 32768) / 32768.0f;
 }
 
+QString SourcePath(const QString& relative)
+{
+    return QStringLiteral(SONGWEAVER_SOURCE_DIR "/") + relative;
+}
+
 QString MediaFixture(const QString& name)
 {
-    return QStringLiteral(SONGWEAVER_SOURCE_DIR "/tests/fixtures/media/") + name;
+    return SourcePath(QStringLiteral("tests/fixtures/media/") + name);
 }
 
 QString SharedFixture(const QString& name)

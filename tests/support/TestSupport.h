@@ -39,6 +39,8 @@ QString WriteRampWav(const QString& path, int frames, int sampleRate = 48000);
 // The left sample of frame `frame` of that file, as float audio.
 float RampSample(long long frame);
 
+// A file of the source tree, by its path from the top.
+QString SourcePath(const QString& relative);
 // A committed fixture made by tests/fixtures/make-fixtures.
 QString MediaFixture(const QString& name);
 // The shared fixtures beside the checkout (Monkey's Audio, Musepack SV7, damaged files); empty

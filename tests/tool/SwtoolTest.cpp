@@ -2,6 +2,8 @@
 
 #include "support/TestSupport.h"
 
+#include <QDir>
+#include <QImage>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
@@ -123,4 +125,33 @@ TEST(Swtool, ProbePrintsWhatTheProgramReadsOfAnAudioFile)
     EXPECT_TRUE(text.out.startsWith("ReadFile\tfalse\nformat\t\nLength\t0\n"));
     EXPECT_EQ(Swtool({"probe", "/no/such/file.mp3"}, home.path()).exitCode, 1);
     EXPECT_EQ(Swtool({"probe"}, home.path()).exitCode, 2);
+}
+
+TEST(Swtool, RenderWritesTheKaraokeFrameAndRunsOfFrames)
+{
+    QTemporaryDir home;
+    const QString song = SourcePath("tests/fixtures/karaoke/amazing-grace.lrs");
+    const QString still = home.filePath("frame.png");
+    const ToolRun run = Swtool({"render", song, "--at", "3.2", "--size", "640x360", "-o", still}, home.path());
+    EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
+    const QImage frame(still);
+    EXPECT_EQ(frame.size(), QSize(640, 360));
+
+    const ToolRun doubled = Swtool({"render", song, "--at", "3.2", "--size", "640x360", "--scale", "2", "-o", still}, home.path());
+    EXPECT_EQ(doubled.exitCode, 0);
+    EXPECT_EQ(QImage(still).size(), QSize(1280, 720));
+
+    const QString frames = home.filePath("video");
+    const ToolRun video = Swtool({"render", song, "--video", frames, "--fps", "10", "--from", "2", "--to", "3",
+                                  "--size", "320x180", "--mode", "1"},
+                                 home.path());
+    EXPECT_EQ(video.exitCode, 0) << video.err.toStdString();
+    EXPECT_EQ(video.out, "11 frames\n");
+    EXPECT_EQ(QDir(frames).entryList({"*.png"}).size(), 11);
+    EXPECT_TRUE(QFileInfo::exists(frames + "/00010.png"));
+    EXPECT_NE(QImage(frames + "/00000.png"), QImage(frames + "/00010.png")) << "the lyrics moved on";
+
+    EXPECT_EQ(Swtool({"render", song, "-o", still}, home.path()).exitCode, 2) << "no position";
+    EXPECT_EQ(Swtool({"render", song, "--at", "1", "--mode", "7", "-o", still}, home.path()).exitCode, 2);
+    EXPECT_EQ(Swtool({"render", "/no/song.mp3", "--at", "1", "-o", still}, home.path()).exitCode, 1);
 }
