@@ -17,6 +17,7 @@ constexpr int kTextInset = 4;
 constexpr int kBottomClip = 8;
 constexpr double kClearAfterLastSeconds = 8.0;
 constexpr int kLargestFontSize = 1000;
+constexpr int kLinesAhead = 5;
 const QString kOwnFormat = QStringLiteral("Songweaver");
 
 QColor Effective(int32_t song, int32_t setting)
@@ -128,12 +129,14 @@ void KaraokeView::PaintPage(int32_t index, bool jump)
 
 void KaraokeView::DrawPage()
 {
+    if (m_pageShown && LightNextSyllable())
+        return;
     // After the title or a cleared screen the whole page is rebuilt, else only the last block.
     const QRect old = m_pageShown ? m_lastBlock : QRect(QPoint(0, 0), m_size);
     if (m_pageShown)
         RepairLastBlock();
     else
-        m_frame = m_background.copy();
+        ResetFrame();
     const int rows = int(m_page.Rows.size());
     const int h = RowHeight();
     const int top = BlockTop(rows);
@@ -141,7 +144,43 @@ void KaraokeView::DrawPage()
         DrawRow(m_page.Rows[size_t(row)], top + row * h, m_page.Rows[size_t(row)].Current);
     m_lastBlock = QRect(0, top, m_size.width(), rows * h + kBlockInset);
     m_pageShown = true;
+    m_shownPage = m_page;
     Show(old.united(m_lastBlock));
+}
+
+// Within a line only the lit prefix grows: the new syllable is lit over the glyphs already on
+// screen, which gives the very pixels of a full redraw. Anything else redraws the block.
+bool KaraokeView::LightNextSyllable()
+{
+    const Page& shown = m_shownPage;
+    if (m_theme.LyricsShowBall || shown.Rows.size() != m_page.Rows.size() || !m_page.SungText.startsWith(shown.SungText))
+        return false;
+    int current = -1;
+    for (size_t i = 0; i < m_page.Rows.size(); ++i) {
+        const PageRow& a = shown.Rows[i];
+        const PageRow& b = m_page.Rows[i];
+        if (a.Text != b.Text || a.Current != b.Current || a.Sung != b.Sung)
+            return false;
+        if (b.Current)
+            current = int(i);
+    }
+    if (current < 0)
+        return false;
+    const QString litBefore = shown.SungText;
+    m_shownPage = m_page;
+    if (m_theme.LyricsMode || !OwnFormat())
+        return true;  // the whole line is lit already
+
+    const QFont font = Font();
+    const QFontMetrics metrics(font);
+    const QString& line = m_page.Rows[size_t(current)].Text;
+    const int x = RowX(m_size.width(), metrics.horizontalAdvance(line)) + kTextInset;
+    const int y = BlockTop(int(m_page.Rows.size())) + current * RowHeight() + kTextInset;
+    const int from = metrics.horizontalAdvance(litBefore);
+    const int to = metrics.horizontalAdvance(m_page.SungText);
+    m_painter.DrawText(m_frame, line, font, m_colors.HighlightColor, x, y, to, from);
+    Show(QRect(x + from, y, to - from + 1, RowHeight()));
+    return true;
 }
 
 void KaraokeView::DrawRow(const PageRow& row, int y, bool current)
@@ -157,11 +196,12 @@ void KaraokeView::DrawRow(const PageRow& row, int y, bool current)
     const int ty = y + kTextInset;
     const bool linesMode = m_theme.LyricsMode || !OwnFormat();
     if (current && !linesMode) {
-        TextPainter::DrawText(m_frame, row.Text, font, m_colors.ForeColor, tx, ty);
-        TextPainter::DrawText(m_frame, m_page.SungText, font, m_colors.HighlightColor, tx, ty);
+        m_painter.DrawText(m_frame, row.Text, font, m_colors.ForeColor, tx, ty);
+        m_painter.DrawText(m_frame, row.Text, font, m_colors.HighlightColor, tx, ty,
+                           metrics.horizontalAdvance(m_page.SungText));
     } else {
         const bool highlight = current || (linesMode && row.Sung);
-        TextPainter::DrawText(m_frame, row.Text, font, highlight ? m_colors.HighlightColor : m_colors.ForeColor, tx, ty);
+        m_painter.DrawText(m_frame, row.Text, font, highlight ? m_colors.HighlightColor : m_colors.ForeColor, tx, ty);
     }
     if (current && m_theme.LyricsShowBall)
         DrawBall(x, y, row.Text);
@@ -185,6 +225,14 @@ void KaraokeView::DrawBall(int x, int y, const QString& line)
     painter.setPen(QPen(m_colors.OutlineColor1, 2));
     painter.setBrush(ColorFromWin32(m_theme.LyricsBallColor));
     painter.drawEllipse(QPoint(cx, cy), r, r);
+}
+
+// The frame back to the plain background; nothing of a page stands on it.
+void KaraokeView::ResetFrame()
+{
+    m_frame = m_background.copy();
+    m_lastBlock = {};
+    m_shownPage = {};
 }
 
 void KaraokeView::RepairLastBlock()
@@ -221,7 +269,7 @@ void KaraokeView::PaintTitle(bool force)
     while (widest() > m_size.width() * 3 / 4 && font.pointSize() > 1)
         font.setPointSize(font.pointSize() - 1);
 
-    m_frame = m_background.copy();
+    ResetFrame();
     const QFontMetrics metrics(font);
     const int h = metrics.height() + kRowExtra;
     const int top = m_size.height() / 2 - int(parts.size()) * h / 2;
@@ -230,10 +278,9 @@ void KaraokeView::PaintTitle(bool force)
         const int y = top + int(i) * h;
         m_painter.OutlineText(m_frame, parts[i], font, m_colors.OutlineColor1, m_theme.LyricsOutlineWidth, x, y,
                               m_size.height() - kBottomClip);
-        TextPainter::DrawText(m_frame, parts[i], font, i == 0 ? m_colors.ForeColor : m_colors.HighlightColor,
-                              x + kTextInset, y + kTextInset);
+        m_painter.DrawText(m_frame, parts[i], font, i == 0 ? m_colors.ForeColor : m_colors.HighlightColor,
+                           x + kTextInset, y + kTextInset);
     }
-    m_lastBlock = {};
     m_pageShown = false;
     m_titleShown = true;
     Show(QRect(QPoint(0, 0), m_size));
@@ -243,8 +290,7 @@ void KaraokeView::Restore()
 {
     if (m_background.isNull())
         return;
-    m_frame = m_background.copy();
-    m_lastBlock = {};
+    ResetFrame();
     m_pageShown = false;
     m_titleShown = false;
     Show(QRect(QPoint(0, 0), m_size));
@@ -259,6 +305,24 @@ void KaraokeView::SetLastTimer(bool enabled)
 void KaraokeView::ClearRows()
 {
     m_layout.ClearRows();
+}
+
+void KaraokeView::PrepareUpcoming()
+{
+    const auto& lyrics = m_lyrics.PlayLyrics;
+    const int32_t last = int32_t(lyrics.size()) - 1;
+    if (!m_ready || m_pageIndex > last)
+        return;
+    // The lines that the next pages bring onto the rows; before the first page, the first lines.
+    const QFont font = Font();
+    int32_t i = std::max(1, m_pageIndex);
+    for (int lines = 0; lines < kLinesAhead && i <= last; ++lines) {
+        m_painter.Prepare(lyrics[size_t(i)].LineText, font, m_colors.ForeColor, m_colors.HighlightColor,
+                          m_colors.OutlineColor1, m_theme.LyricsOutlineWidth, m_dpr);
+        while (i <= last && !lyrics[size_t(i)].LineEnd)
+            ++i;
+        ++i;
+    }
 }
 
 // ---- Pictures and background ---------------------------------------------------------------------
@@ -353,8 +417,10 @@ void KaraokeView::ChangeLyrics()
     m_timeline.Fading = false;
     m_titleShown = false;
     m_pageShown = false;
+    m_pageIndex = 0;
     SetBackground(false);
     PaintTitle(false);
+    PrepareUpcoming();
 }
 
 void KaraokeView::ClearLyrics()
@@ -383,8 +449,7 @@ void KaraokeView::Repaint()
 {
     if (!m_ready)
         return;
-    m_frame = m_background.copy();
-    m_lastBlock = {};
+    ResetFrame();
     const auto& lyrics = m_lyrics.PlayLyrics;
     // The text leaves the screen 8 seconds after the last syllable.
     if (m_pageShown && lyrics.size() > 1 && m_song.Position() >= lyrics.back().Time + kClearAfterLastSeconds)

@@ -42,6 +42,8 @@ public:
     void DecFont();
     void OffsetIn();
     void OffsetOut();
+    // Rasterises the lines the next pages will show; the window runs it when it is idle.
+    void PrepareUpcoming();
     // The window's own repaint: the page that stands, the title, or only the background from
     // 8 seconds after the last syllable.
     void Repaint();
@@ -70,8 +72,10 @@ private:
     int RowHeight() const;
     int BlockTop(int rows) const;
     void DrawPage();
+    bool LightNextSyllable();
     void DrawRow(const PageRow& row, int y, bool current);
     void DrawBall(int x, int y, const QString& line);
+    void ResetFrame();
     void RepairLastBlock();
     void Show(const QRect& rect);
     int FitWidth(const QString& text, int size) const;
@@ -101,6 +105,7 @@ private:
     QImage m_background;
     QImage m_frame;
     Page m_page;
+    Page m_shownPage;  // what the frame holds
     int32_t m_pageIndex = 0;
     QRect m_lastBlock;
 };

@@ -94,7 +94,10 @@ void LyricWindow::Unload()
 
 void LyricWindow::IsPlaying(double& position)
 {
+    const int32_t before = m_state.Lyrics.CurrentLyric;
     m_view.Timeline().IsPlaying(position);
+    if (m_state.Lyrics.CurrentLyric != before)
+        QTimer::singleShot(0, this, [this] { m_view.PrepareUpcoming(); });
 }
 
 void LyricWindow::ClearLyrics()

@@ -6,9 +6,9 @@
 
 namespace {
 
-constexpr int kTextOffset = 4;
 constexpr int kLeftClip = 8;
-constexpr int kRimCacheSize = 24;
+// About five lines of rims and colours at 4K; a page uses a handful of images.
+constexpr qsizetype kCacheBytes = 96 * 1024 * 1024;
 
 QImage Transparent(QSize size, qreal dpr)
 {
@@ -18,13 +18,21 @@ QImage Transparent(QSize size, qreal dpr)
     return image;
 }
 
-QString RimKey(const QString& text, const QFont& font, const QColor& colour, OutlineRange range, qreal dpr)
+QString Key(const char* kind, const QString& text, const QFont& font, const QColor& colour, qreal dpr, int extra = 0)
 {
-    return font.key() + u'|' + QString::number(colour.rgba()) + u'|' + QString::number(range.First) + u'|'
-           + QString::number(range.Last) + u'|' + QString::number(dpr) + u'|' + text;
+    return QLatin1String(kind) + u'|' + font.key() + u'|' + QString::number(colour.rgba()) + u'|'
+           + QString::number(dpr) + u'|' + QString::number(extra) + u'|' + text;
 }
 
 } // namespace
+
+void AllowLargeCachedGlyphs()
+{
+    // Qt caches glyphs up to 64 pixels and fills the outlines of larger ones on every draw;
+    // karaoke text is larger, and the same letters come back line after line.
+    if (qEnvironmentVariableIsEmpty("QT_MAX_CACHED_GLYPH_SIZE"))
+        qputenv("QT_MAX_CACHED_GLYPH_SIZE", "512");
+}
 
 std::optional<OutlineRange> OutlineOffsets(int16_t outlineWidth)
 {
@@ -34,36 +42,115 @@ std::optional<OutlineRange> OutlineOffsets(int16_t outlineWidth)
     return OutlineRange{first, 8 - first};
 }
 
-QImage OutlineImage(const QString& text, const QFont& font, const QColor& colour, OutlineRange range, qreal dpr)
+QImage Recoloured(QImage image, const QColor& colour)
+{
+    QPainter painter(&image);
+    painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
+    painter.fillRect(QRectF(QPointF(0, 0), QSizeF(image.size()) / image.devicePixelRatio()), colour);
+    return image;
+}
+
+QImage TextImage(const QString& text, const QFont& font, const QColor& colour, qreal dpr)
 {
     const QFontMetrics metrics(font);
     const int width = metrics.horizontalAdvance(text);
     const int height = metrics.height();
-    if (width <= 0 || height <= 0)
+    if (text.isEmpty() || width <= 0 || height <= 0)
         return {};
-    QImage glyphs = Transparent(QSize(int(std::ceil(width * dpr)), int(std::ceil(height * dpr))), dpr);
-    TextPainter::DrawText(glyphs, text, font, colour, 0, 0);
+    // Room to the right for a last glyph that reaches past its advance.
+    const int overhang = metrics.averageCharWidth();
+    QImage image = Transparent(QSize(int(std::ceil((width + overhang) * dpr)), int(std::ceil(height * dpr))), dpr);
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::TextAntialiasing);
+    painter.setFont(font);
+    painter.setPen(colour);
+    painter.drawText(QPointF(0, QFontMetricsF(font).ascent()), text);
+    return image;
+}
 
+QImage OutlineImage(const QString& text, const QFont& font, const QColor& colour, OutlineRange range, qreal dpr)
+{
+    return OutlineOf(TextImage(text, font, colour, dpr), range);
+}
+
+// The union of `count` copies of the image, each one pixel further along the axis. Copies are
+// laid in runs of 1, 2, 4, ... built by doubling, so every offset is covered exactly once in
+// about 2 log2(count) draws instead of count.
+QImage SpreadCopies(const QImage& source, int count, bool horizontal)
+{
+    const QSize size = horizontal ? QSize(source.width() + count - 1, source.height())
+                                  : QSize(source.width(), source.height() + count - 1);
+    auto at = [horizontal](int offset) { return horizontal ? QPoint(offset, 0) : QPoint(0, offset); };
+    QImage run = Transparent(size, 1.0);
+    QPainter(&run).drawImage(0, 0, source);
+    QImage result = Transparent(size, 1.0);
+    QPainter painter(&result);
+    int runLength = 1;
+    int placed = 0;
+    for (int rest = count; rest > 0; rest >>= 1) {
+        if (rest & 1) {
+            painter.drawImage(at(placed), run);
+            placed += runLength;
+        }
+        if (rest > 1) {
+            const QImage shorter = run;
+            QPainter(&run).drawImage(at(runLength), shorter);
+            runLength *= 2;
+        }
+    }
+    return result;
+}
+
+QImage OutlineOf(QImage glyphs, OutlineRange range)
+{
+    if (glyphs.isNull())
+        return {};
+    const qreal dpr = glyphs.devicePixelRatio();
     // The copies sit at whole logical pixels; at a higher ratio the rim is filled in between so
     // that it stays solid.
-    const int spread = range.Last - range.First;
-    const int steps = int(std::lround(spread * dpr));
-    const QSize size(glyphs.width() + steps, glyphs.height() + steps);
-    QImage row = Transparent(size, 1.0);
-    {
-        QPainter painter(&row);
-        glyphs.setDevicePixelRatio(1.0);
-        for (int i = 0; i <= steps; ++i)
-            painter.drawImage(i, 0, glyphs);
-    }
-    QImage rim = Transparent(size, 1.0);
-    {
-        QPainter painter(&rim);
-        for (int j = 0; j <= steps; ++j)
-            painter.drawImage(0, j, row);
-    }
+    const int count = int(std::lround((range.Last - range.First) * dpr)) + 1;
+    glyphs.setDevicePixelRatio(1.0);
+    QImage rim = SpreadCopies(SpreadCopies(glyphs, count, true), count, false);
     rim.setDevicePixelRatio(dpr);
     return rim;
+}
+
+// The line's glyphs, rasterised once whatever colours it is drawn in.
+QImage TextPainter::Mask(const QString& text, const QFont& font, qreal dpr)
+{
+    return Cached(Key("mask", text, font, Qt::white, dpr), [&] { return TextImage(text, font, Qt::white, dpr); });
+}
+
+const QImage& TextPainter::Cached(const QString& key, const std::function<QImage()>& make)
+{
+    auto it = m_images.find(key);
+    if (it == m_images.end()) {
+        QImage image = make();
+        m_bytes += image.sizeInBytes();
+        while (m_bytes > kCacheBytes && !m_images.isEmpty()) {
+            auto oldest = m_images.begin();
+            for (auto e = m_images.begin(); e != m_images.end(); ++e)
+                if (e->lastUse < oldest->lastUse)
+                    oldest = e;
+            m_bytes -= oldest->image.sizeInBytes();
+            m_images.erase(oldest);
+        }
+        it = m_images.insert(key, Entry{std::move(image), 0});
+    }
+    it->lastUse = ++m_uses;
+    return it->image;
+}
+
+void TextPainter::Prepare(const QString& text, const QFont& font, const QColor& fore, const QColor& highlight,
+                          const QColor& rimColour, int16_t outlineWidth, qreal dpr)
+{
+    if (text.isEmpty())
+        return;
+    for (const QColor& colour : {fore, highlight})
+        Cached(Key("text", text, font, colour, dpr), [&] { return Recoloured(Mask(text, font, dpr), colour); });
+    if (const auto range = OutlineOffsets(outlineWidth))
+        Cached(Key("rim", text, font, rimColour, dpr, range->First),
+               [&] { return OutlineOf(Recoloured(Mask(text, font, dpr), rimColour), *range); });
 }
 
 void TextPainter::OutlineText(QImage& target, const QString& text, const QFont& font, const QColor& colour,
@@ -73,27 +160,27 @@ void TextPainter::OutlineText(QImage& target, const QString& text, const QFont& 
     if (!range || text.isEmpty())
         return;
     const qreal dpr = target.devicePixelRatio();
-    const QString key = RimKey(text, font, colour, *range, dpr);
-    auto it = m_rims.find(key);
-    if (it == m_rims.end()) {
-        if (m_rims.size() >= kRimCacheSize)
-            m_rims.clear();
-        it = m_rims.insert(key, OutlineImage(text, font, colour, *range, dpr));
-    }
-    if (it->isNull())
+    const QImage& rim = Cached(Key("rim", text, font, colour, dpr, range->First),
+                               [&] { return OutlineOf(Recoloured(Mask(text, font, dpr), colour), *range); });
+    if (rim.isNull())
         return;
     QPainter painter(&target);
     painter.setClipRect(QRect(QPoint(kLeftClip, 0), QPoint(int(target.width() / dpr), bottomClip)));
-    painter.drawImage(QPointF(x + range->First, y + range->First), *it);
+    painter.drawImage(QPointF(x + range->First, y + range->First), rim);
 }
 
-void TextPainter::DrawText(QImage& target, const QString& text, const QFont& font, const QColor& colour, int x, int y)
+void TextPainter::DrawText(QImage& target, const QString& text, const QFont& font, const QColor& colour, int x, int y,
+                           int width, int from)
 {
-    if (text.isEmpty())
+    if (text.isEmpty() || width == 0 || (width > 0 && width <= from))
+        return;
+    const qreal dpr = target.devicePixelRatio();
+    const QImage& image = Cached(Key("text", text, font, colour, dpr),
+                                 [&] { return Recoloured(Mask(text, font, dpr), colour); });
+    if (image.isNull())
         return;
     QPainter painter(&target);
-    painter.setRenderHint(QPainter::TextAntialiasing);
-    painter.setFont(font);
-    painter.setPen(colour);
-    painter.drawText(QPointF(x, y + QFontMetricsF(font).ascent()), text);
+    if (width > 0)
+        painter.setClipRect(QRect(x + from, y, width - from, int(std::ceil(image.height() / dpr))));
+    painter.drawImage(QPointF(x, y), image);
 }

@@ -1,7 +1,8 @@
 #pragma once
 // Text on the karaoke page: the rim of offset copies behind a line, the line, its sung part in
 // the highlight colour, and the ball. Works on QImage layers at any device pixel ratio; the
-// coordinates are logical pixels.
+// coordinates are logical pixels. A line is rasterised once per colour while it stays on screen;
+// a page is then a few copies of ready images.
 
 #include <QColor>
 #include <QFont>
@@ -17,9 +18,18 @@ struct OutlineRange {
 };
 std::optional<OutlineRange> OutlineOffsets(int16_t outlineWidth);
 
+// The text in one colour on a transparent image of its advance width and line height.
+QImage TextImage(const QString& text, const QFont& font, const QColor& colour, qreal dpr);
+// The same image in another colour, its coverage kept.
+QImage Recoloured(QImage image, const QColor& colour);
 // A line's rim: the text rendered once in the colour, then laid over itself at every offset
 // pair of the range (the union of all the copies, built in two passes of one row of copies).
 QImage OutlineImage(const QString& text, const QFont& font, const QColor& colour, OutlineRange range, qreal dpr);
+QImage OutlineOf(QImage glyphs, OutlineRange range);
+
+// Lets the raster engine keep glyphs of karaoke sizes in its cache instead of filling their
+// outlines every time; call before the application object is made.
+void AllowLargeCachedGlyphs();
 
 class TextPainter {
 public:
@@ -27,9 +37,25 @@ public:
     // below the bottom clip are cut off.
     void OutlineText(QImage& target, const QString& text, const QFont& font, const QColor& colour,
                      int16_t outlineWidth, int x, int y, int bottomClip);
-    // The text with its top-left corner at (x, y).
-    static void DrawText(QImage& target, const QString& text, const QFont& font, const QColor& colour, int x, int y);
+    // The text with its top-left corner at (x, y); with a width, only its part between `from` and
+    // `width` pixels from its start, which is how the sung prefix of a line is lit over the same
+    // glyphs.
+    void DrawText(QImage& target, const QString& text, const QFont& font, const QColor& colour, int x, int y,
+                  int width = -1, int from = 0);
+
+    // Makes the images of a line ahead of its page, so that the page is only copies.
+    void Prepare(const QString& text, const QFont& font, const QColor& fore, const QColor& highlight,
+                 const QColor& rimColour, int16_t outlineWidth, qreal dpr);
 
 private:
-    QHash<QString, QImage> m_rims;  // a line keeps its rim while it stays on screen
+    struct Entry {
+        QImage image;
+        quint64 lastUse = 0;
+    };
+    QImage Mask(const QString& text, const QFont& font, qreal dpr);
+    const QImage& Cached(const QString& key, const std::function<QImage()>& make);
+
+    QHash<QString, Entry> m_images;
+    quint64 m_uses = 0;
+    qsizetype m_bytes = 0;
 };

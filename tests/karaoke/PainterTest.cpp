@@ -96,10 +96,7 @@ TEST(Painter, TheRimIsTheUnionOfEveryOffsetCopy)
         const OutlineRange range = *OutlineOffsets(width);
         const QImage rim = OutlineImage(text, font, kRim, range, 1.0);
 
-        const QFontMetrics metrics(font);
-        QImage glyphs(metrics.horizontalAdvance(text), metrics.height(), QImage::Format_ARGB32_Premultiplied);
-        glyphs.fill(Qt::transparent);
-        TextPainter::DrawText(glyphs, text, font, kRim, 0, 0);
+        const QImage glyphs = TextImage(text, font, kRim, 1.0);
         QImage copies(rim.size(), QImage::Format_ARGB32_Premultiplied);
         copies.fill(Qt::transparent);
         QPainter painter(&copies);
@@ -234,4 +231,24 @@ TEST(Painter, TheTextLeavesEightSecondsAfterTheLastSyllable)
     stage.view.Repaint();
     EXPECT_EQ(Count(stage.view.Frame(), kHighlight), 0);
     EXPECT_EQ(Count(stage.view.Frame(), kFore), 0);
+}
+
+TEST(Painter, LightingASyllableOnScreenGivesTheSamePixelsAsARedraw)
+{
+    Stage stage(Song({{{1.0, "Step "}, {2.0, "by "}, {3.0, "step"}}, {{5.0, "onward"}}}));
+    stage.settings.theme.LyricsOutlineWidth = 2;
+    stage.PlayTo(1.5);
+    stage.view.PrepareUpcoming();
+    stage.PlayTo(3.5);
+    ASSERT_EQ(stage.lyrics.CurrentLyric, 3);
+    const QImage lit = stage.view.Frame().copy();
+    stage.view.Repaint();
+    const QImage redrawn = stage.view.Frame();
+    ASSERT_EQ(lit.size(), redrawn.size());
+    int differing = 0;
+    for (int y = 0; y < lit.height(); ++y)
+        for (int x = 0; x < lit.width(); ++x)
+            differing += lit.pixel(x, y) != redrawn.pixel(x, y) ? 1 : 0;
+    EXPECT_EQ(differing, 0);
+    EXPECT_GT(Count(lit, kHighlight), 200);
 }
