@@ -44,6 +44,7 @@ KaraokeView::KaraokeView(LyricsState& lyrics, ThemeClass& theme, const SongPosit
       m_fontSize(theme.LyricsFontSize)
 {
     UpdateColors();
+    SetPicture();
 }
 
 QFont KaraokeView::Font() const

@@ -40,6 +40,7 @@ LyricWindow::LyricWindow(AppState& state, SettingsStore& store, std::function<do
     : m_state(state), m_store(store), m_position(state, std::move(midiTime)),
       m_view(state.Lyrics, *state.Theme, m_position)
 {
+    setObjectName(QStringLiteral("Lyric"));
     setWindowTitle(QStringLiteral("Songweaver Karaoke"));
     setAttribute(Qt::WA_OpaquePaintEvent);
     setMinimumSize(160, 90);
@@ -171,15 +172,16 @@ QScreen* LyricWindow::ChosenScreen() const
 void LyricWindow::ToggleFullScreen()
 {
     if (isFullScreen()) {
+        const QRect framed = m_framedGeometry;
         showNormal();
-        setGeometry(m_framedGeometry);
+        setGeometry(framed);
         return;
     }
     m_framedGeometry = geometry();
     if (QScreen* screen = ChosenScreen()) {
         if (windowHandle())
             windowHandle()->setScreen(screen);
-        setGeometry(screen->geometry());
+        move(screen->geometry().topLeft());
     }
     showFullScreen();
 }
