@@ -4,7 +4,6 @@
 
 #include "audio/AudioEngine.h"
 #include "audio/NullDevice.h"
-#include "karaoke/TextPainter.h"
 #include "core/SettingsStore.h"
 #include "core/ThemeClass.h"
 #include "karaoke/KaraokeView.h"
@@ -198,7 +197,6 @@ void CpuShare(int seconds)
 
 int main(int argc, char* argv[])
 {
-    AllowLargeCachedGlyphs();
     QGuiApplication app(argc, argv);
     TickCost();
     PageCost("1920x1080", QSize(1920, 1080), 1.0);

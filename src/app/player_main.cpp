@@ -7,7 +7,6 @@
 #include "core/Application.h"
 #include "core/SettingsStore.h"
 #include "core/SingleInstance.h"
-#include "karaoke/TextPainter.h"
 #include "playback/PlayerTransport.h"
 #include "playback/PlayerWindow.h"
 #include "widgets/Desktop.h"
@@ -18,7 +17,6 @@
 
 int main(int argc, char* argv[])
 {
-    AllowLargeCachedGlyphs();
     QApplication qapp(argc, argv);
     QCoreApplication::setOrganizationName(QStringLiteral("Tonehaven"));
     QCoreApplication::setApplicationName(QStringLiteral("Songweaver"));

@@ -1,7 +1,6 @@
 // swtool: what Songweaver understands of its settings, texts and files, as plain text.
 
 #include "app/SwtoolCommands.h"
-#include "karaoke/TextPainter.h"
 #include "core/Language.h"
 #include "core/SettingsStore.h"
 #include "core/ThemeClass.h"
@@ -58,7 +57,6 @@ int main(int argc, char* argv[])
     // Fonts and monitors are read without showing anything.
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
-    AllowLargeCachedGlyphs();
     QGuiApplication app(argc, argv);
     QCoreApplication::setOrganizationName(QStringLiteral("Tonehaven"));
     QCoreApplication::setApplicationName(QStringLiteral("Songweaver"));

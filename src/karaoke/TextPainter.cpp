@@ -26,14 +26,6 @@ QString Key(const char* kind, const QString& text, const QFont& font, const QCol
 
 } // namespace
 
-void AllowLargeCachedGlyphs()
-{
-    // Qt caches glyphs up to 64 pixels and fills the outlines of larger ones on every draw;
-    // karaoke text is larger, and the same letters come back line after line.
-    if (qEnvironmentVariableIsEmpty("QT_MAX_CACHED_GLYPH_SIZE"))
-        qputenv("QT_MAX_CACHED_GLYPH_SIZE", "512");
-}
-
 std::optional<OutlineRange> OutlineOffsets(int16_t outlineWidth)
 {
     if (outlineWidth <= 0)

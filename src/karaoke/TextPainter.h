@@ -27,10 +27,6 @@ QImage Recoloured(QImage image, const QColor& colour);
 QImage OutlineImage(const QString& text, const QFont& font, const QColor& colour, OutlineRange range, qreal dpr);
 QImage OutlineOf(QImage glyphs, OutlineRange range);
 
-// Lets the raster engine keep glyphs of karaoke sizes in its cache instead of filling their
-// outlines every time; call before the application object is made.
-void AllowLargeCachedGlyphs();
-
 class TextPainter {
 public:
     // Draws the rim of `text` with its text origin at (x + 4, y + 4); copies left of x 8 and

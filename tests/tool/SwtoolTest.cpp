@@ -136,10 +136,20 @@ TEST(Swtool, RenderWritesTheKaraokeFrameAndRunsOfFrames)
     EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
     const QImage frame(still);
     EXPECT_EQ(frame.size(), QSize(640, 360));
+    // The lit syllables stand in the default highlight colour.
+    auto lit = [](const QImage& image) {
+        int count = 0;
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width(); ++x)
+                count += image.pixel(x, y) == qRgb(206, 221, 253) ? 1 : 0;
+        return count;
+    };
+    EXPECT_GT(lit(frame), 200);
 
     const ToolRun doubled = Swtool({"render", song, "--at", "3.2", "--size", "640x360", "--scale", "2", "-o", still}, home.path());
     EXPECT_EQ(doubled.exitCode, 0);
     EXPECT_EQ(QImage(still).size(), QSize(1280, 720));
+    EXPECT_GT(lit(QImage(still)), 3 * lit(frame)) << "twice the pixels each way";
 
     const QString frames = home.filePath("video");
     const ToolRun video = Swtool({"render", song, "--video", frames, "--fps", "10", "--from", "2", "--to", "3",
