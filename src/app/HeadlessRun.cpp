@@ -1,5 +1,7 @@
 #include "app/HeadlessRun.h"
 
+#include "karaoke/LyricWindow.h"
+
 #include <QApplication>
 #include <QDir>
 #include <QGuiApplication>
@@ -46,5 +48,16 @@ void ArmHeadlessRun(std::function<void()> close)
         if (QWidget* dialog = QApplication::activeModalWidget())
             dialog->close();
         close();
+    });
+}
+
+void LogLitSyllables(LyricWindow& window, const LyricsState& lyrics)
+{
+    if (qEnvironmentVariableIsEmpty("SONGWEAVER_CAPTURE_DIR"))
+        return;
+    QObject::connect(&window, &LyricWindow::syllableLit, &window, [&lyrics](int index, double position) {
+        QTextStream(stdout) << QString::number(position, 'f', 2).rightJustified(7) << " s  syllable "
+                            << QString::number(index).rightJustified(3) << "  "
+                            << lyrics.PlayLyrics[size_t(index)].Text << Qt::endl;
     });
 }

@@ -3,9 +3,14 @@
 // few seconds the visible windows and the screen are saved as PNG files, then the program
 // closes the orderly way.
 //   SONGWEAVER_CAPTURE_DIR  folder for the pictures
-//   SONGWEAVER_RUN_SECONDS  how long the run lasts (default 5)
+//   SONGWEAVER_RUN_SECONDS  how long the run lasts (default 5); the pictures are taken halfway
 
 #include <functional>
 
+class LyricWindow;
+struct LyricsState;
+
 // Arms the run when SONGWEAVER_CAPTURE_DIR is set; close is the program's way out.
 void ArmHeadlessRun(std::function<void()> close);
+// In such a run, prints each syllable as the karaoke window lights it, with the song position.
+void LogLitSyllables(LyricWindow& window, const LyricsState& lyrics);

@@ -31,8 +31,8 @@ int main(int argc, char* argv[])
     QSettingsStore store;
     AppWindows windows(state, store);
     SingleInstance instance;
-    PlayerTransport transport(state, windows, windows.PlayerWidget());
     WidgetMessageBoxes messages;
+    PlayerTransport transport(state, windows, windows.PlayerWidget(), &messages);
 
     bool ended = false;
     Platform platform{store,
@@ -54,6 +54,7 @@ int main(int argc, char* argv[])
 
     if (!application.Main(commandLine) || ended)
         return 0;
+    LogLitSyllables(windows.LyricWidget(), state.Lyrics);
     transport.StartAudio();
     return QApplication::exec();
 }

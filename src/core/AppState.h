@@ -7,6 +7,7 @@
 #include "core/Monitors.h"
 #include "core/ThemeClass.h"
 #include "lyrics/LyricsData.h"
+#include "tags/MP3Class.h"
 
 #include <QString>
 #include <cstdint>
@@ -25,6 +26,7 @@ struct AppState {
     std::unique_ptr<AudioEngine> Engine;  // the one output stream; outlives every media session
     std::unique_ptr<MediaGraph> MediaControl;  // null when no audio song is loaded
     std::unique_ptr<MediaGraph> VoiceControl;  // null when no voice track plays
+    std::unique_ptr<MP3Class> CurrentInfo;     // what was read of the current song
     double CurrentPosition = 0;
     double MidiDuration = 0;
     float PlaybackRate = 1.0f;

@@ -47,6 +47,12 @@ public:
     virtual int SelectedIndex() const = 0;
     // Marks the row as playing and opens its song.
     virtual void fnChangeSong(int index) = 0;
+    virtual void ClearList() = 0;
+    // A row: the song's display text, its time ("mm:ss") and its file.
+    virtual void AddItem(const QString& text, const QString& time, const QString& path) = 0;
+    virtual void SetItemPath(int index, const QString& path) = 0;
+    // The row drawn as the one playing.
+    virtual void SetCurrentPlaying(int index) = 0;
 };
 
 class KaraokeForm : public Form {
@@ -71,6 +77,8 @@ public:
     // Position of the playing MIDI song in seconds.
     virtual double MidiTime() = 0;
     virtual void CloseDevice() = 0;
+    // Loads a MIDI or KAR song into the MIDI player.
+    virtual void ChangeMidi(const QString& file, int mode) = 0;
 };
 
 // Creates each window on first use and keeps the forms collection in load order.

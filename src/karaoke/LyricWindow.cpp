@@ -97,8 +97,12 @@ void LyricWindow::IsPlaying(double& position)
 {
     const int32_t before = m_state.Lyrics.CurrentLyric;
     m_view.Timeline().IsPlaying(position);
-    if (m_state.Lyrics.CurrentLyric != before)
-        QTimer::singleShot(0, this, [this] { m_view.PrepareUpcoming(); });
+    const int32_t now = m_state.Lyrics.CurrentLyric;
+    if (now == before)
+        return;
+    QTimer::singleShot(0, this, [this] { m_view.PrepareUpcoming(); });
+    if (now > 0)
+        emit syllableLit(now, position);
 }
 
 void LyricWindow::ClearLyrics()

@@ -55,6 +55,8 @@ public:
 
 signals:
     void closedByUser();
+    // A syllable was lit by the tick, at this song position (the offset taken off).
+    void syllableLit(int index, double position);
 
 protected:
     void paintEvent(QPaintEvent* event) override;

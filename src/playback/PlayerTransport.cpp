@@ -17,8 +17,8 @@ QString CommandLineSongPath(const QString& commandLine)
     return path;
 }
 
-PlayerTransport::PlayerTransport(AppState& state, FormProvider& forms, PlayerWindow& player)
-    : m_state(state), m_forms(forms), m_player(player), m_ticks(state, forms, *this)
+PlayerTransport::PlayerTransport(AppState& state, FormProvider& forms, PlayerWindow& player, MessageBoxes* messages)
+    : m_state(state), m_forms(forms), m_player(player), m_messages(messages), m_ticks(state, forms, *this)
 {
     QObject::connect(&player, &PlayerWindow::progressMoved, &player, [this](double f) { SeekTo(f); });
     QObject::connect(&player, &PlayerWindow::volumeMoved, &player, [this](double v) { VolumeMoved(v); });
@@ -136,7 +136,8 @@ void PlayerTransport::CloseSong()
         lyric->ClearLyrics();
     m_player.SetProgress(0);
     m_player.SetTimeText(QStringLiteral("0"));
-    m_player.SetSongName(QString());
+    m_player.PutLabels(QString(), QString());
+    m_player.SetQualityLabels(QString(), QString());
     m_state.CurrentFile.clear();
     m_state.PlayingIndex = -1;
     if (ControlsForm* midi = m_forms.MidiEq())
@@ -206,21 +207,4 @@ void PlayerTransport::ReopenAround(const QString& path, const std::function<void
         reopened->Run();
     reopened->put_Volume(ReopenedVolume(m_player.VolumeValue(), m_state.Muted));
     m_state.MediaControl = std::move(reopened);
-}
-
-void PlayerTransport::DALEJ()
-{
-    StopSong();
-}
-
-void PlayerTransport::OpenFromCommandLine(const QString& commandLine)
-{
-    const QString path = CommandLineSongPath(commandLine);
-    if (!QFileInfo(path).isFile())
-        return;
-    m_state.CurrentFile = path;
-    m_player.SetSongName(QFileInfo(path).completeBaseName());
-    bool resume = false;
-    if (CreateGraph(path))
-        PlaySong(resume);
 }

@@ -9,6 +9,7 @@
 #include <memory>
 
 struct AppState;
+class MP3Class;
 class MediaSession;
 class PlayerWindow;
 
@@ -16,9 +17,12 @@ class PlayerWindow;
 // song beside it with the extension "mp3".
 QString CommandLineSongPath(const QString& commandLine);
 
+// A song's row text: "artist - title", the title alone, or the file's display name.
+QString SongListText(const MP3Class& song);
+
 class PlayerTransport final : public SongTransport {
 public:
-    PlayerTransport(AppState& state, FormProvider& forms, PlayerWindow& player);
+    PlayerTransport(AppState& state, FormProvider& forms, PlayerWindow& player, MessageBoxes* messages = nullptr);
 
     PlaybackTicks& Ticks() { return m_ticks; }
 
@@ -44,17 +48,31 @@ public:
     // back at the same whole second, in the same state.
     void ReopenAround(const QString& path, const std::function<void()>& rewrite);
 
+    // Loads a song: the old one closed, the file read, the audio session or the MIDI player,
+    // labels and lyrics. False only when the file does not exist.
+    bool OpenSong(const QString& path, bool autoplay);
+    // Next and Previous over the playlist.
     void DALEJ() override;
+    void WSTECZ();
     void OpenFromCommandLine(const QString& commandLine) override;
+    // The player's "Open file(s)" command: the chosen files become the playlist.
+    void OpenFileDialog();
 
 private:
     MediaSession* Session() const;
     // A new session on the file at the current rate, not yet playing; nullptr when it cannot be decoded.
     std::unique_ptr<MediaSession> RenderedSession(const QString& path);
     void TransportLamps(int play, int pause, int stop);
+    void OpenAudioSong(const QString& path, bool autoplay);
+    void OpenMidiSong();
+    void ShowSongLabels();
+    void LoadSongLyrics();
+    // Tries the rows from `first` towards `last` (either way); true when one opened.
+    bool WalkList(PlaylistForm& list, int first, int last);
 
     AppState& m_state;
     FormProvider& m_forms;
     PlayerWindow& m_player;
+    MessageBoxes* m_messages;
     PlaybackTicks m_ticks;
 };

@@ -7,6 +7,7 @@
 
 #include <QCloseEvent>
 #include <QContextMenuEvent>
+#include <QFontMetrics>
 #include <QHBoxLayout>
 #include <QIcon>
 #include <QLabel>
@@ -19,6 +20,9 @@
 namespace {
 
 constexpr int kSliderSteps = 1000;
+constexpr int kLabelWidth = 180;
+constexpr int kTitlePoints = 13;
+constexpr int kArtistPoints = 11;
 
 const char* const kLampKeys[6] = {"ShortPlay", "ShortPause", "ShortStop", "ShortMicrophone", "ShortRecord", "ShortVoice"};
 
@@ -26,7 +30,9 @@ const char* const kStyleSheet = R"(
 PlayerWindow { background: qlineargradient(x1:0, y1:0, x2:0, y2:1, stop:0 #2b3566, stop:1 #141a36); }
 QLabel { color: #cedcfd; }
 QLabel#digits { font-family: "DejaVu Sans Mono"; font-size: 34px; font-weight: bold; color: #eef2ff; }
-QLabel#song { font-size: 13px; color: #aebbe8; }
+QLabel#tLab { font-size: 13pt; color: #eef2ff; }
+QLabel#aLab { font-size: 11pt; color: #aebbe8; }
+QLabel#BitLabel, QLabel#HzLabel { font-size: 9px; color: #8ea6f0; }
 QLabel[lamp="true"] { font-size: 9px; font-weight: bold; color: #4b5687; padding: 1px 4px;
                       border: 1px solid #39447a; border-radius: 3px; }
 QLabel[lamp="true"][lit="true"] { color: #10162e; background: #8fe3a8; border-color: #b9f5ca; }
@@ -44,8 +50,14 @@ PlayerWindow::PlayerWindow(AppState& state, SettingsStore& store, Docking& docki
     setObjectName(QStringLiteral("Player"));
     setWindowTitle(QStringLiteral("Songweaver"));
 
-    m_song = new QLabel(this);
-    m_song->setObjectName(QStringLiteral("song"));
+    m_title = new QLabel(this);
+    m_title->setObjectName(QStringLiteral("tLab"));
+    m_artist = new QLabel(this);
+    m_artist->setObjectName(QStringLiteral("aLab"));
+    m_bitrate = new QLabel(this);
+    m_bitrate->setObjectName(QStringLiteral("BitLabel"));
+    m_hz = new QLabel(this);
+    m_hz->setObjectName(QStringLiteral("HzLabel"));
     m_digits = new QLabel(this);
     m_digits->setObjectName(QStringLiteral("digits"));
     m_muted = new QLabel(this);
@@ -73,10 +85,21 @@ PlayerWindow::PlayerWindow(AppState& state, SettingsStore& store, Docking& docki
     top->addStretch();
     top->addWidget(m_volume, 0, Qt::AlignBottom);
 
+    auto* quality = new QVBoxLayout;
+    quality->addWidget(m_bitrate, 0, Qt::AlignRight);
+    quality->addWidget(m_hz, 0, Qt::AlignRight);
+    auto* names = new QVBoxLayout;
+    names->addWidget(m_title);
+    names->addWidget(m_artist);
+    auto* heading = new QHBoxLayout;
+    heading->addLayout(names);
+    heading->addStretch();
+    heading->addLayout(quality);
+
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(14, 10, 14, 12);
     layout->setSpacing(6);
-    layout->addWidget(m_song);
+    layout->addLayout(heading);
     layout->addLayout(top);
     layout->addLayout(lamps);
     layout->addWidget(m_progress);
@@ -99,8 +122,8 @@ void PlayerWindow::ApplySkin()
     for (size_t i = 0; i < m_lamps.size(); ++i)
         m_lamps[i]->setText(Text(kLampKeys[i]).toUpper());
     m_volume->setToolTip(Text("Vocal"));
-    m_song->setText(QStringLiteral("Songweaver"));
-    setFixedSize(460, 150);
+    m_title->setText(QStringLiteral("Songweaver"));
+    setFixedSize(460, 160);
 }
 
 void PlayerWindow::BuildMenus()
@@ -167,7 +190,39 @@ void PlayerWindow::SetButton(int index, int)
         m_muted->setText(m_state.Muted ? Text("Mute").toUpper() : QString());
 }
 
-void PlayerWindow::SetSongName(const QString& name)
+QString FitLabelText(const QString& text, const QFont& font, int width)
 {
-    m_song->setText(name);
+    const QFontMetrics metrics(font);
+    if (metrics.horizontalAdvance(text) <= width)
+        return text;
+    QString cut = text;
+    while (!cut.isEmpty() && metrics.horizontalAdvance(cut + QStringLiteral("...")) > width)
+        cut.chop(1);
+    return cut + QStringLiteral("...");
+}
+
+void PlayerWindow::PutLabels(const QString& artist, const QString& title)
+{
+    QFont titleFont = m_title->font();
+    titleFont.setPointSize(kTitlePoints);
+    QFont artistFont = m_artist->font();
+    artistFont.setPointSize(kArtistPoints);
+    m_title->setText(FitLabelText(title, titleFont, kLabelWidth));
+    m_artist->setText(FitLabelText(artist, artistFont, kLabelWidth));
+}
+
+void PlayerWindow::SetQualityLabels(const QString& bitrate, const QString& sampleRate)
+{
+    m_bitrate->setText(bitrate);
+    m_hz->setText(sampleRate);
+}
+
+QString PlayerWindow::TitleLabel() const
+{
+    return m_title->text();
+}
+
+QString PlayerWindow::ArtistLabel() const
+{
+    return m_artist->text();
 }

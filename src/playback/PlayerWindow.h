@@ -13,6 +13,9 @@ class QSlider;
 class SettingsStore;
 class Docking;
 
+// The text cut one character at a time from its end, with "...", until it fits the width.
+QString FitLabelText(const QString& text, const QFont& font, int width);
+
 class PlayerWindow final : public QWidget, public PlayerForm {
     Q_OBJECT
 public:
@@ -36,8 +39,12 @@ public:
     void Light(int index, int state) override;
     void SetButton(int index, int state) override;
 
-    // The song name shown over the digits.
-    void SetSongName(const QString& name);
+    // Artist and title, each cut with "..." to fit 180 pixels (title at 13, artist at 11 points).
+    void PutLabels(const QString& artist, const QString& title);
+    QString TitleLabel() const;
+    QString ArtistLabel() const;
+    // " Kb/s" and " Hz" texts of the song, empty when unknown.
+    void SetQualityLabels(const QString& bitrate, const QString& sampleRate);
     // The volume slider, 0 to 1.
     double VolumeValue() const;
 
@@ -58,7 +65,10 @@ private:
     SettingsStore& m_store;
     Docking& m_docking;
     QString m_timeStyle = QStringLiteral("CURRENT");
-    QLabel* m_song = nullptr;
+    QLabel* m_title = nullptr;
+    QLabel* m_artist = nullptr;
+    QLabel* m_bitrate = nullptr;
+    QLabel* m_hz = nullptr;
     QLabel* m_digits = nullptr;
     QLabel* m_muted = nullptr;
     QSlider* m_progress = nullptr;

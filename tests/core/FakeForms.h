@@ -67,10 +67,29 @@ public:
     void LoadPlaylist(const QString& path) override { Log(QStringLiteral("LoadPlaylist ") + path); }
     int SelectedIndex() const override { return selected; }
     void fnChangeSong(int index) override { Log(QStringLiteral("fnChangeSong %1").arg(index)); }
+    void ClearList() override
+    {
+        paths.clear();
+        texts.clear();
+        Log(QStringLiteral("ClearList"));
+    }
+    void AddItem(const QString& text, const QString& time, const QString& path) override
+    {
+        texts << text + u'|' + time;
+        paths << path;
+    }
+    void SetItemPath(int index, const QString& path) override { paths[index] = path; }
+    void SetCurrentPlaying(int index) override
+    {
+        playing = index;
+        Log(QStringLiteral("SetCurrentPlaying %1").arg(index));
+    }
 
     QRect geometry;
     QStringList paths;
+    QStringList texts;
     int selected = -1;
+    int playing = -1;
 };
 
 class FakeKaraoke final : public KaraokeForm, FakeForm {
@@ -98,6 +117,7 @@ public:
     FAKE_FORM_BASICS
     double MidiTime() override { return midiTime; }
     void CloseDevice() override { Log(QStringLiteral("CloseDevice")); }
+    void ChangeMidi(const QString& file, int mode) override { Log(QStringLiteral("ChangeMidi %1 %2").arg(file).arg(mode)); }
     double midiTime = 0;
 };
 
