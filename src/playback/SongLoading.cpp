@@ -171,8 +171,11 @@ bool PlayerTransport::WalkList(PlaylistForm& list, int first, int last)
     for (int index = first; index != last + step; index += step) {
         list.SetCurrentPlaying(index);
         m_state.PlayingIndex = int16_t(index);
-        if (OpenSong(list.ItemPath(index), true))
+        if (OpenSong(list.ItemPath(index), true)) {
+            // Closing the old song cleared the index; the row that opened is the one playing.
+            m_state.PlayingIndex = int16_t(index);
             return true;
+        }
     }
     return false;
 }
@@ -221,9 +224,10 @@ void PlayerTransport::WSTECZ()
     }
     if (list->ListCount() == 1) {
         // Previous on a one-song list starts that song again.
-        if (OpenSong(list->ItemPath(0), true))
+        if (OpenSong(list->ItemPath(0), true)) {
+            m_state.PlayingIndex = 0;
             list->SetCurrentPlaying(0);
-        else
+        } else
             CloseSong();
         return;
     }

@@ -1,11 +1,10 @@
 #include "audio/ManualDevice.h"
 #include "core/AppState.h"
-#include "core/FakeForms.h"
 #include "playback/MediaSession.h"
 #include "playback/PlayerTransport.h"
 #include "playback/PlayerWindow.h"
 #include "support/TestSupport.h"
-#include "widgets/Docking.h"
+#include "SessionWindows.h"
 
 #include <QTemporaryDir>
 #include <chrono>
@@ -15,24 +14,6 @@
 namespace {
 
 constexpr int kRate = 48000;
-
-// The real main window with the other windows faked.
-class SessionWindows final : public FormProvider {
-public:
-    SessionWindows(AppState& state, Journal& j) : player(state, store, docking), userList(j), lyric(j), midiEq(j) {}
-    PlayerForm& Player() override { return player; }
-    PlaylistForm* UserList() override { return &userList; }
-    ControlsForm* MidiEq() override { return &midiEq; }
-    KaraokeForm* Lyric() override { return &lyric; }
-    std::vector<Form*> LoadedForms() override { return {&player, &userList, &lyric, &midiEq}; }
-
-    MemoryStore store;
-    Docking docking;
-    PlayerWindow player;
-    FakePlaylist userList;
-    FakeKaraoke lyric;
-    FakeControls midiEq;
-};
 
 class TransportTest : public testing::Test {
 protected:

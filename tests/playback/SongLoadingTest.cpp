@@ -1,0 +1,176 @@
+// Loading songs: what OpenSong does with good, missing and unplayable files, the command line,
+// and the Next and Previous walks over the playlist.
+
+#include "SessionWindows.h"
+#include "audio/ManualDevice.h"
+#include "core/AppState.h"
+#include "lyrics/LyricsBlock.h"
+#include "playback/PlayerTransport.h"
+
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+namespace {
+
+class RecordedMessages final : public MessageBoxes {
+public:
+    void Critical(const QString& text) override { shown << text; }
+    QStringList shown;
+};
+
+class SongLoading : public testing::Test {
+protected:
+    SongLoading()
+    {
+        state.Language.LoadTable(false);
+        ThemeEnvironment env;
+        env.fontFamilies = {QStringLiteral("DejaVu Sans")};
+        state.Theme = std::make_unique<ThemeClass>(windows.store, env, state.MonitorList);
+        state.Engine = std::make_unique<AudioEngine>(std::make_unique<ManualDevice>(48000));
+        state.Engine->Start();
+        state.KaraokeOpen = true;
+    }
+    QString Wav(const QString& name) { return WriteRampWav(dir.filePath(name), 48000); }
+    QString Unplayable(const QString& name)
+    {
+        WriteFileBytes(dir.filePath(name), QByteArray(4000, 'x'));
+        return dir.filePath(name);
+    }
+    QStringList Lyric() const { return journal.calls.filter(QStringLiteral("Lyric.")); }
+
+    QTemporaryDir dir;
+    AppState state;
+    Journal journal;
+    SessionWindows windows{state, journal};
+    RecordedMessages messages;
+    PlayerTransport transport{state, windows, windows.player, &messages};
+};
+
+} // namespace
+
+TEST_F(SongLoading, AGoodSongGetsItsSessionLabelsAndLyrics)
+{
+    const QString song = Wav("My Song.wav");
+    std::vector<LyricItem> lyrics(2);
+    lyrics[0].Title = QStringLiteral("Sung Title");
+    lyrics[1].Time = 0.5;
+    lyrics[1].Text = lyrics[1].LineText = QStringLiteral("la");
+    ASSERT_TRUE(SaveLrsFile(dir.filePath("My Song.lrs"), lyrics, {PictureItem{}}));
+
+    EXPECT_TRUE(transport.OpenSong(song, false));
+    EXPECT_EQ(state.CurrentFile, song);
+    EXPECT_NE(state.MediaControl, nullptr);
+    EXPECT_FALSE(state.IsMidi);
+    EXPECT_EQ(windows.player.TitleLabel(), "My Song") << "no tag title: the display name";
+    EXPECT_EQ(state.Lyrics.PlayLyrics.size(), 2u);
+    EXPECT_EQ(state.Lyrics.PlayLyrics[0].FormatName, "Songweaver (*LRS)");
+    EXPECT_EQ(Lyric(), (QStringList{"Lyric.ClearLyrics", "Lyric.ClearLyrics", "Lyric.ClearNewLyrics", "Lyric.FitLyrics",
+                                    "Lyric.ChangeLyrics", "Lyric.ChangeLyrics"}))
+        << "closing clears, the new song clears its page, the loaded lyrics fit the font, then show";
+    EXPECT_TRUE(messages.shown.isEmpty());
+}
+
+TEST_F(SongLoading, AMissingFileIsQuietAndAnUnplayableOneIsReported)
+{
+    transport.OpenSong(Wav("old.wav"), false);
+    EXPECT_FALSE(transport.OpenSong(dir.filePath("gone.wav"), true));
+    EXPECT_EQ(state.MediaControl, nullptr) << "the old song is closed all the same";
+    EXPECT_TRUE(messages.shown.isEmpty());
+
+    EXPECT_TRUE(transport.OpenSong(Unplayable("bad.mp3"), true)) << "true: the file exists";
+    EXPECT_EQ(state.MediaControl, nullptr);
+    EXPECT_EQ(messages.shown, QStringList{"Possible read error or audio device is not present."});
+    EXPECT_TRUE(state.CurrentFile.isEmpty());
+}
+
+TEST_F(SongLoading, MidiSongsGoToTheMidiPlayer)
+{
+    const QString kar = CopyFixture(MediaFixture("song.kar"), dir.path());
+    EXPECT_TRUE(transport.OpenSong(kar, true));
+    EXPECT_TRUE(state.IsMidi);
+    EXPECT_EQ(state.MediaControl, nullptr);
+    EXPECT_DOUBLE_EQ(state.MidiDuration, 4.0);
+    EXPECT_EQ(state.CurrentFile, kar);
+    EXPECT_EQ(state.EditorFile, kar);
+    EXPECT_TRUE(journal.calls.contains("MidiEq.ChangeMidi " + kar + " 0"));
+    EXPECT_EQ(windows.player.TitleLabel(), "Silent Night");
+    EXPECT_EQ(windows.player.ArtistLabel(), "Franz Gruber");
+}
+
+TEST_F(SongLoading, TheCommandLineOpensTheSongBesideALyricsFileOnlyAsMp3)
+{
+    const QString mp3 = CopyFixture(MediaFixture("id3v1.mp3"), dir.path(), "song.mp3");
+    transport.OpenFromCommandLine(dir.filePath("song.lrs"));
+    EXPECT_EQ(state.CurrentFile, mp3);
+    EXPECT_EQ(windows.userList.paths, QStringList{mp3});
+    EXPECT_EQ(windows.userList.texts, QStringList{"Artist One - Title One|00:01"});
+    EXPECT_EQ(windows.userList.playing, 0);
+    EXPECT_EQ(state.PlayingIndex, 0);
+    ASSERT_NE(state.MediaControl, nullptr);
+
+    QTemporaryDir other;
+    CopyFixture(MediaFixture("comments.ogg"), other.path(), "song.ogg");
+    transport.OpenFromCommandLine(other.filePath("song.lrs"));
+    EXPECT_EQ(state.MediaControl, nullptr) << "only \"song.mp3\" is looked for";
+    EXPECT_TRUE(messages.shown.isEmpty());
+}
+
+TEST_F(SongLoading, NextAndPreviousStepOverMissingFilesAndStopAtUnplayableOnes)
+{
+    windows.userList.paths = {dir.filePath("missing.wav"), Wav("a.wav"), Wav("b.wav"), Unplayable("bad.mp3"), Wav("c.wav")};
+    state.PlayingIndex = 0;
+    transport.DALEJ();
+    EXPECT_EQ(state.CurrentFile, dir.filePath("a.wav"));
+    EXPECT_EQ(state.PlayingIndex, 1);
+    transport.DALEJ();
+    EXPECT_EQ(state.PlayingIndex, 2);
+    transport.DALEJ();
+    EXPECT_EQ(state.PlayingIndex, 3) << "the walk stops at the file that cannot play";
+    EXPECT_EQ(messages.shown.size(), 1);
+    EXPECT_EQ(state.MediaControl, nullptr);
+    transport.DALEJ();
+    EXPECT_EQ(state.CurrentFile, dir.filePath("c.wav"));
+    transport.DALEJ();
+    EXPECT_EQ(state.CurrentFile, dir.filePath("a.wav")) << "from the last row Next starts again at the top";
+    EXPECT_EQ(windows.userList.playing, 1);
+
+    transport.WSTECZ();
+    EXPECT_EQ(state.MediaControl, nullptr) << "below the missing first row there is nothing: the song ends";
+    EXPECT_EQ(state.PlayingIndex, -1);
+    transport.WSTECZ();
+    EXPECT_EQ(state.CurrentFile, dir.filePath("c.wav")) << "with no song, Previous starts at the last row";
+
+    windows.userList.paths = {dir.filePath("missing.wav")};
+    transport.DALEJ();
+    EXPECT_EQ(state.MediaControl, nullptr);
+}
+
+TEST_F(SongLoading, AOneSongListKeepsItsSongOnNextAndRestartsItOnPrevious)
+{
+    const QString only = Wav("only.wav");
+    windows.userList.paths = {only};
+    transport.DALEJ();
+    ASSERT_NE(state.MediaControl, nullptr);
+    MediaGraph* session = state.MediaControl.get();
+    transport.DALEJ();
+    EXPECT_EQ(state.MediaControl.get(), session) << "Next keeps the song that plays";
+    transport.WSTECZ();
+    EXPECT_NE(state.MediaControl.get(), session) << "Previous opens it again";
+
+    state.EditorOpen = true;
+    const qsizetype before = windows.userList.paths.size();
+    transport.DALEJ();
+    EXPECT_EQ(windows.userList.paths.size(), before);
+    EXPECT_NE(state.MediaControl, nullptr) << "with the editor open the song only stops";
+}
+
+TEST(PlayerLabels, LongTextsAreCutWithDotsToFitTheirWidth)
+{
+    QFont font(QStringLiteral("DejaVu Sans"));
+    font.setPointSize(13);
+    const QString fitted = FitLabelText(QStringLiteral("A Title Far Too Long For The Little Label Of The Player"), font, 180);
+    EXPECT_TRUE(fitted.endsWith("..."));
+    EXPECT_LE(QFontMetrics(font).horizontalAdvance(fitted), 180);
+    EXPECT_TRUE(QStringLiteral("A Title Far Too Long").startsWith(fitted.chopped(3)) || fitted.size() > 23);
+    EXPECT_EQ(FitLabelText(QStringLiteral("Short"), font, 180), "Short");
+}
