@@ -7,6 +7,7 @@
 #include "core/Application.h"
 #include "core/SettingsStore.h"
 #include "core/SingleInstance.h"
+#include "playback/PlayerCommands.h"
 #include "playback/PlayerTransport.h"
 #include "playback/PlayerWindow.h"
 #include "widgets/Desktop.h"
@@ -47,6 +48,8 @@ int main(int argc, char* argv[])
                       }};
     Application application(state, std::move(platform), windows, transport, nullptr, messages, instance);
 
+    PlayerCommands commands(state, windows, transport, windows.PlayerWidget());
+    commands.CloseApp = [&application] { application.CloseApp(); };
     QObject::connect(&windows.PlayerWidget(), &PlayerWindow::closeRequested, [&application] { application.CloseApp(); });
     QObject::connect(&instance, &SingleInstance::commandLineReceived,
                      [&transport](const QString& handed) { transport.OpenFromCommandLine(handed); });
