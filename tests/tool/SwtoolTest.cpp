@@ -165,3 +165,19 @@ TEST(Swtool, RenderWritesTheKaraokeFrameAndRunsOfFrames)
     EXPECT_EQ(Swtool({"render", song, "--at", "1", "--mode", "7", "-o", still}, home.path()).exitCode, 2);
     EXPECT_EQ(Swtool({"render", "/no/song.mp3", "--at", "1", "-o", still}, home.path()).exitCode, 1);
 }
+
+TEST(Swtool, TheDemoSongsLoadWithTheirLyrics)
+{
+    QTemporaryDir home;
+    const ToolRun lyrics = Swtool({"lyrics", SourcePath("resources/demo/twinkle.ogg")}, home.path());
+    EXPECT_EQ(lyrics.exitCode, 0) << lyrics.err.toStdString();
+    EXPECT_TRUE(lyrics.out.startsWith("format\tSongweaver (*LRS)\nartist\tTraditional\n"));
+    EXPECT_EQ(lyrics.out.count("\nsyllable\t"), 42);
+    EXPECT_TRUE(lyrics.out.contains("syllable\t1\t2.400\t0\tTwin\t")) << "after a count-in of four beats at 100 bpm";
+
+    const ToolRun ogg = Swtool({"probe", SourcePath("resources/demo/twinkle.ogg")}, home.path());
+    EXPECT_TRUE(ogg.out.contains("format\tOGG\n"));
+    const ToolRun kar = Swtool({"probe", SourcePath("resources/demo/twinkle.kar")}, home.path());
+    EXPECT_TRUE(kar.out.contains("format\tMIDI\n"));
+    EXPECT_TRUE(kar.out.contains("ReadFile.Title\tTwinkle, Twinkle, Little Star\n"));
+}
