@@ -2,6 +2,7 @@
 
 #include "karaoke/LyricWindow.h"
 #include "playback/PlayerWindow.h"
+#include "playlist/UserList.h"
 
 AppWindows::AppWindows(AppState& state, SettingsStore& store) : m_state(state), m_store(store) {}
 
@@ -36,4 +37,19 @@ LyricWindow& AppWindows::LyricWidget()
 KaraokeForm* AppWindows::Lyric()
 {
     return &LyricWidget();
+}
+
+void AppWindows::AttachPlaylist(PlayerTransport& transport, const QString& savedListPath)
+{
+    m_transport = &transport;
+    m_savedListPath = savedListPath;
+}
+
+PlaylistForm* AppWindows::UserList()
+{
+    if (!m_userList && m_transport) {
+        m_userList = std::make_unique<::UserList>(m_state, m_store, m_docking, *m_transport, m_savedListPath);
+        m_loaded.push_back(m_userList.get());
+    }
+    return m_userList.get();
 }

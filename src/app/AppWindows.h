@@ -8,6 +8,8 @@
 
 struct AppState;
 class LyricWindow;
+class PlayerTransport;
+class UserList;
 class PlayerWindow;
 class SettingsStore;
 
@@ -18,7 +20,9 @@ public:
 
     PlayerForm& Player() override;
     PlayerWindow& PlayerWidget();
-    PlaylistForm* UserList() override { return nullptr; }
+    // The playlist window exists once the transport it plays through is known.
+    PlaylistForm* UserList() override;
+    void AttachPlaylist(PlayerTransport& transport, const QString& savedListPath);
     ControlsForm* MidiEq() override { return nullptr; }
     KaraokeForm* Lyric() override;
     LyricWindow& LyricWidget();
@@ -30,5 +34,8 @@ private:
     Docking m_docking;
     std::unique_ptr<PlayerWindow> m_player;
     std::unique_ptr<LyricWindow> m_lyric;
+    std::unique_ptr<::UserList> m_userList;
+    PlayerTransport* m_transport = nullptr;
+    QString m_savedListPath;
     std::vector<Form*> m_loaded;
 };

@@ -34,13 +34,15 @@ int main(int argc, char* argv[])
     SingleInstance instance;
     WidgetMessageBoxes messages;
     PlayerTransport transport(state, windows, windows.PlayerWidget(), &messages);
+    const QString dataFolder = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
+    windows.AttachPlaylist(transport, PlaylistIniPath(dataFolder));
 
     bool ended = false;
     Platform platform{store,
                       ThemeEnvironment::FromSystem(),
                       ShellFolders::FromSystem(),
                       QCoreApplication::applicationFilePath(),
-                      QStandardPaths::writableLocation(QStandardPaths::AppDataLocation),
+                      dataFolder,
                       HasOutputDevice,
                       [&ended] {
                           ended = true;

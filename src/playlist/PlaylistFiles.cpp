@@ -1,0 +1,201 @@
+#include "playlist/PlaylistFiles.h"
+
+#include "text/Numbers.h"
+#include "text/TextCodec.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+
+namespace {
+
+const QString kExtInf = QStringLiteral("#EXTINF");
+
+QString TwoDigits(int value)
+{
+    return QString::number(value).rightJustified(2, u'0');
+}
+
+QString BaseNameOf(const QString& path)
+{
+    return QFileInfo(path).completeBaseName();
+}
+
+// The value behind ":" of an "#EXTINF" line, up to the first "," when there is one; nothing
+// when the line has no time, and an error when the comma stands before the colon.
+struct ExtInf {
+    QString text;
+    std::optional<double> seconds;
+    bool broken = false;
+};
+
+ExtInf ParseExtInf(const QString& line)
+{
+    ExtInf info;
+    const qsizetype comma = line.indexOf(u',');
+    if (comma >= 0)
+        info.text = line.mid(comma + 1);
+    const qsizetype colon = line.indexOf(u':');
+    if (colon >= 0 && line.size() != colon + 1) {
+        if (comma < 0)
+            info.seconds = NumericValue(line.mid(colon + 1));
+        else if (comma > colon)
+            info.seconds = NumericValue(line.mid(colon + 1, comma - colon - 1));
+        else
+            info.broken = true;
+    }
+    return info;
+}
+
+QString AfterEquals(const QString& line)
+{
+    const qsizetype equals = line.indexOf(u'=');
+    return equals < 0 ? QString() : line.mid(equals + 1);
+}
+
+void Probe(PlaylistRow& row, const SongProbe& probe)
+{
+    if (!probe)
+        return;
+    if (const auto facts = probe(row.ItemPath))
+        ApplySongFacts(row, *facts);
+}
+
+} // namespace
+
+QString FormatListSeconds(const QString& seconds)
+{
+    const int16_t value = ToInt16(NumericValue(seconds));
+    return TwoDigits(value / 60) + u':' + TwoDigits(value % 60);
+}
+
+QString ListTimeToSeconds(const QString& time)
+{
+    return QString::number(NumericValue(time.left(2)) * 60 + NumericValue(time.right(2)));
+}
+
+void ApplySongFacts(PlaylistRow& row, const SongFacts& facts)
+{
+    row.ItemTime = FormatTime(std::max(0.0, facts.Length));
+    if (!facts.Artist.isEmpty())
+        row.ItemString = facts.Title.isEmpty() ? facts.Artist : facts.Artist + QStringLiteral(" - ") + facts.Title;
+    else if (!facts.Title.isEmpty())
+        row.ItemString = facts.Title;
+}
+
+QString ListEntryPath(const QString& line, const QString& playlistFolder)
+{
+    QString path = line.trimmed();
+    const bool hasFolder = path.contains(u'\\') || path.contains(u'/');
+    path.replace(u'\\', u'/');
+    if (!hasFolder)
+        path = QDir(playlistFolder).filePath(path);
+    return QDir::cleanPath(path);
+}
+
+QString WriteM3U(const std::vector<PlaylistRow>& rows, const QString& relativeTo)
+{
+    const QString crlf = QStringLiteral("\r\n");
+    const QString folder = relativeTo.isEmpty() ? QString() : QDir::cleanPath(QFileInfo(relativeTo).absoluteFilePath());
+    QString text = QStringLiteral("#EXTM3U") + crlf;
+    for (const PlaylistRow& row : rows) {
+        QString info = kExtInf;
+        if (!row.ItemTime.isEmpty())
+            info += u':' + QString::number(qint64(NumericValue(ListTimeToSeconds(row.ItemTime))));
+        if (!row.ItemString.isEmpty())
+            info += u',' + row.ItemString;
+        if (info.size() <= kExtInf.size() || row.ItemPath.isEmpty())
+            continue;
+        QString path = QDir::toNativeSeparators(row.ItemPath);
+        if (!folder.isEmpty() && QFileInfo(row.ItemPath).absolutePath() == folder)
+            path = QFileInfo(row.ItemPath).fileName();
+        text += info + crlf + path + crlf;
+    }
+    return text;
+}
+
+void ReadM3U(const QStringList& lines, const QString& playlistFolder, const SongProbe& probe,
+             const std::function<void(const PlaylistRow&)>& add)
+{
+    // The last line is never an "#EXTINF" line: its path would be missing.
+    for (qsizetype i = 0; i + 1 < lines.size(); ++i) {
+        if (!lines[i].startsWith(kExtInf))
+            continue;
+        const ExtInf info = ParseExtInf(lines[i]);
+        if (info.broken)
+            return;
+        PlaylistRow row;
+        row.ItemString = info.text;
+        if (info.seconds)
+            row.ItemTime = FormatListSeconds(QString::number(*info.seconds));
+        row.ItemPath = ListEntryPath(lines[i + 1], playlistFolder);
+        if (QFileInfo(row.ItemPath).isFile())
+            Probe(row, probe);
+        if (row.ItemString.isEmpty())
+            row.ItemString = BaseNameOf(row.ItemPath);
+        add(row);
+    }
+}
+
+void ReadSavedList(const QStringList& lines, const QString& playlistFolder,
+                   const std::function<void(const PlaylistRow&)>& add)
+{
+    for (qsizetype i = 0; i + 1 < lines.size(); ++i) {
+        if (!lines[i].startsWith(kExtInf))
+            continue;
+        const ExtInf info = ParseExtInf(lines[i]);
+        if (info.broken)
+            return;
+        PlaylistRow row;
+        row.ItemString = info.text;
+        if (info.seconds)
+            row.ItemTime = FormatListSeconds(QString::number(*info.seconds));
+        row.ItemPath = ListEntryPath(lines[i + 1], playlistFolder);
+        if (!QFileInfo(row.ItemPath).isFile())
+            continue;
+        if (row.ItemString.isEmpty())
+            row.ItemString = BaseNameOf(row.ItemPath);
+        add(row);
+    }
+}
+
+void ReadPls(const QStringList& lines, const QString& playlistFolder, const SongProbe& probe,
+             const std::function<void(const PlaylistRow&)>& add)
+{
+    for (qsizetype i = 0; i + 2 < lines.size(); ++i) {
+        if (lines[i].left(4).toLower() != u"file" || lines[i + 1].left(5).toLower() != u"title"
+            || lines[i + 2].left(6).toLower() != u"length")
+            continue;
+        PlaylistRow row;
+        row.ItemPath = ListEntryPath(AfterEquals(lines[i]), playlistFolder);
+        row.ItemString = AfterEquals(lines[i + 1]);
+        row.ItemTime = FormatListSeconds(AfterEquals(lines[i + 2]));
+        if (QFileInfo(row.ItemPath).isFile())
+            Probe(row, probe);
+        add(row);
+    }
+}
+
+QStringList ReadListLines(const QString& path, bool polish)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    QString text = DecodeText(file.readAll(), polish);
+    text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+    QStringList lines = text.split(u'\n');
+    // A file that ends with a line break has no empty line after it.
+    if (!lines.isEmpty() && lines.last().isEmpty())
+        lines.removeLast();
+    return lines;
+}
+
+bool WriteListFile(const QString& path, const QString& text)
+{
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly))
+        return false;
+    file.write(EncodeText(text));
+    return file.commit();
+}
