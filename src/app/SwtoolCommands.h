@@ -15,3 +15,5 @@ int RenderFrames(const QStringList& args);
 
 // The lyrics the player shows for a song (or a ".lrs" file itself); the message when there are none.
 QString LoadPlayerLyrics(LyricsState& lyrics, const QString& file, const LyricsEnvironment& env);
+// swtool playlist FILE.m3u|FILE.pls [--saved]
+int PrintPlaylist(const QStringList& args);

@@ -21,7 +21,9 @@ const char* const kUsage =
     "  probe FILE            what the program reads of an audio file: kind, length, tags, texts\n"
     "  render SONG --at SECONDS -o OUT.png [--size WxH] [--mode N] [--scale F] [--fullscreen]\n"
     "  render SONG --video DIR --fps N --from A --to B [--size WxH] [--mode N] [--scale F]\n"
-    "                        the karaoke window at a song position, or numbered frames\n";
+    "                        the karaoke window at a song position, or numbered frames\n"
+    "  playlist FILE.m3u|FILE.pls [--saved]\n"
+    "                        the rows as the playlist loads them: text<TAB>time<TAB>path\n";
 
 int Usage()
 {
@@ -71,6 +73,10 @@ int main(int argc, char* argv[])
         return PrintSettings();
     if (command == QLatin1String("lyrics")) {
         const int result = PrintLyrics(args);
+        return result == 2 ? Usage() : result;
+    }
+    if (command == QLatin1String("playlist")) {
+        const int result = PrintPlaylist(args);
         return result == 2 ? Usage() : result;
     }
     if (command == QLatin1String("render")) {

@@ -87,9 +87,10 @@ void ApplySongFacts(PlaylistRow& row, const SongFacts& facts)
 QString ListEntryPath(const QString& line, const QString& playlistFolder)
 {
     QString path = line.trimmed();
-    const bool hasFolder = path.contains(u'\\') || path.contains(u'/');
     path.replace(u'\\', u'/');
-    if (!hasFolder)
+    // A relative path is read from the playlist's folder; a drive letter marks a Windows path.
+    const bool windowsAbsolute = path.size() > 2 && path[1] == u':' && path[2] == u'/';
+    if (QDir::isRelativePath(path) && !windowsAbsolute)
         path = QDir(playlistFolder).filePath(path);
     return QDir::cleanPath(path);
 }

@@ -31,8 +31,8 @@ QString ListTimeToSeconds(const QString& time);
 // The row text and time from a probed song: its tags win over what the list file said.
 void ApplySongFacts(PlaylistRow& row, const SongFacts& facts);
 
-// The path a list line names: "\" and "/" both separate folders; a name without either is
-// taken from the playlist's folder.
+// The path a list line names: "\" and "/" both separate folders; a relative path is taken
+// from the playlist's folder.
 QString ListEntryPath(const QString& line, const QString& playlistFolder);
 
 // M3U text, CR LF lines. With a folder, paths in that folder are written as bare file names;
