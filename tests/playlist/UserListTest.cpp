@@ -188,3 +188,18 @@ TEST_F(Playlist, TheListIsSavedAtExitAndAnEmptyOneKeepsTheOldFile)
     again.Unload();
     EXPECT_EQ(ReadFileBytes(dir.filePath("Songweaver.ini")), saved);
 }
+
+TEST_F(Playlist, SavingAddsTheExtensionAndWritesPathsOfItsFolderBare)
+{
+    const QString here = CopyFixture(MediaFixture("id3v1.mp3"), dir.path(), "here.mp3");
+    list.AddItem("Here", "00:01", here);
+    list.AddItem("There", "00:02", "/elsewhere/there.mp3");
+    ASSERT_TRUE(list.SaveListFile(dir.filePath("mine")));
+    EXPECT_EQ(ReadFileBytes(dir.filePath("mine.m3u")),
+              "#EXTM3U\r\n#EXTINF:1,Here\r\nhere.mp3\r\n#EXTINF:2,There\r\n/elsewhere/there.mp3\r\n");
+    ASSERT_TRUE(list.SaveListFile(dir.filePath("again.M3U")));
+    EXPECT_TRUE(QFileInfo::exists(dir.filePath("again.M3U"))) << "an .m3u ending in any case is kept";
+    list.ClearList();
+    EXPECT_FALSE(list.SaveListFile(dir.filePath("empty.m3u"))) << "an empty list writes nothing";
+    EXPECT_FALSE(QFileInfo::exists(dir.filePath("empty.m3u")));
+}
