@@ -181,3 +181,17 @@ TEST(Swtool, TheDemoSongsLoadWithTheirLyrics)
     EXPECT_TRUE(kar.out.contains("format\tMIDI\n"));
     EXPECT_TRUE(kar.out.contains("ReadFile.Title\tTwinkle, Twinkle, Little Star\n"));
 }
+
+TEST(Swtool, PlaylistPrintsTheRowsAsTheWindowLoadsThem)
+{
+    QTemporaryDir home;
+    const QString song = CopyFixture(MediaFixture("id3v1.mp3"), home.path(), "a.mp3");
+    WriteFileBytes(home.filePath("list.m3u"), "#EXTM3U\r\n#EXTINF:185,List Text\r\na.mp3\r\n"
+                                              "#EXTINF:185\r\nmissing.mp3\r\n#EXTINF:12,Last\r\n");
+    const ToolRun m3u = Swtool({"playlist", home.filePath("list.m3u")}, home.path());
+    EXPECT_EQ(m3u.exitCode, 0);
+    EXPECT_EQ(m3u.out, "Artist One - Title One\t00:01\t" + song + "\nmissing\t03:05\t" + home.filePath("missing.mp3") + "\n");
+    const ToolRun saved = Swtool({"playlist", home.filePath("list.m3u"), "--saved"}, home.path());
+    EXPECT_EQ(saved.out, "List Text\t03:05\t" + song + "\n") << "trusted text, and the missing file dropped";
+    EXPECT_EQ(Swtool({"playlist"}, home.path()).exitCode, 2);
+}
