@@ -1,6 +1,8 @@
 #include "karaoke/LyricWindow.h"
 
 #include "core/WindowPosition.h"
+#include "widgets/Desktop.h"
+#include "widgets/KeyedMenu.h"
 
 #include <QContextMenuEvent>
 #include <QGuiApplication>
@@ -15,11 +17,7 @@ const QString kPositionKey = QStringLiteral("karaoke window position");
 constexpr int kLastTimerMs = 8000;
 const QSize kDefaultSize(800, 450);
 
-struct MenuEntry {
-    const char* key;
-    const char* caption;  // language key
-};
-const MenuEntry kMenu[] = {
+const std::vector<MenuItem> kMenu = {
     {"Fullscreen", "Fullscreen"}, {"FitLyrics", "FitText"}, {nullptr, nullptr},
     {"Previous", "Previous"},     {"Play", "Play"},         {"Pause", "Pause"},
     {"Stop", "Stop"},             {"Next", "Next"},         {nullptr, nullptr},
@@ -211,17 +209,11 @@ void LyricWindow::RunCommand(const QString& key)
 
 void LyricWindow::contextMenuEvent(QContextMenuEvent* event)
 {
-    QMenu menu(this);
-    for (const MenuEntry& entry : kMenu) {
-        if (!entry.key) {
-            menu.addSeparator();
-            continue;
-        }
-        const QString key = QString::fromLatin1(entry.key);
-        QAction* action = menu.addAction(m_state.Language.GetText(QString::fromLatin1(entry.caption)));
-        connect(action, &QAction::triggered, this, [this, key] { RunCommand(key); });
-    }
-    menu.exec(event->globalPos());
+    const std::unique_ptr<QMenu> menu(BuildKeyedMenu(
+        this, QStringLiteral("Lyric"), kMenu,
+        {[this](const char* key) { return DisplayText(m_state.Language.GetText(QString::fromLatin1(key))); },
+         [this](const QString& key) { RunCommand(key); }, {}}));
+    menu->exec(event->globalPos());
 }
 
 void LyricWindow::mouseDoubleClickEvent(QMouseEvent*)

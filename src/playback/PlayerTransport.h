@@ -67,6 +67,8 @@ private:
     void OpenMidiSong();
     void ShowSongLabels();
     void LoadSongLyrics();
+    // The playlist for Next and Previous; nullptr when the song stopped or closed instead.
+    PlaylistForm* ListToWalk();
     // Tries the rows from `first` towards `last` (either way); true when one opened.
     bool WalkList(PlaylistForm& list, int first, int last);
 

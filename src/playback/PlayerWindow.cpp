@@ -80,25 +80,12 @@ void PlayerWindow::ApplySkin()
     update();
 }
 
-QMenu* PlayerWindow::MakeMenu(const QString& name, const std::vector<std::pair<const char*, const char*>>& items)
+QMenu* PlayerWindow::MakeMenu(const QString& name, const std::vector<MenuItem>& items)
 {
-    auto* menu = new QMenu(this);
-    menu->setObjectName(name);
-    for (const auto& [key, caption] : items) {
-        if (!key) {
-            menu->addSeparator();
-            continue;
-        }
-        if (QMenu* sub = Menu(QString::fromLatin1(key))) {
-            sub->setTitle(Text(caption));
-            menu->addMenu(sub);
-            continue;
-        }
-        QAction* action = menu->addAction(Text(caption));
-        const QString itemKey = QString::fromLatin1(key);
-        action->setData(itemKey);
-        connect(action, &QAction::triggered, this, [this, itemKey] { emit menuCommand(itemKey); });
-    }
+    QMenu* menu = BuildKeyedMenu(this, name, items,
+                                 {[this](const char* key) { return Text(key); },
+                                  [this](const QString& key) { emit menuCommand(key); },
+                                  [this](const QString& key) { return Menu(key); }});
     m_menus[name] = menu;
     return menu;
 }

@@ -5,6 +5,7 @@
 // decides what they do.
 
 #include "core/Forms.h"
+#include "widgets/KeyedMenu.h"
 #include "widgets/Skin.h"
 
 #include <QWidget>
@@ -88,7 +89,7 @@ private:
     void PaintLabels(QPainter& painter);
     void PaintSlider(QPainter& painter, const QRect& well, double value);
     double SliderValueAt(const QRect& well, int x) const;
-    QMenu* MakeMenu(const QString& name, const std::vector<std::pair<const char*, const char*>>& items);
+    QMenu* MakeMenu(const QString& name, const std::vector<MenuItem>& items);
 
     AppState& m_state;
     SettingsStore& m_store;

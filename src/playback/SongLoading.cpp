@@ -180,17 +180,26 @@ bool PlayerTransport::WalkList(PlaylistForm& list, int first, int last)
     return false;
 }
 
-void PlayerTransport::DALEJ()
+PlaylistForm* PlayerTransport::ListToWalk()
 {
+    // While the editor is open the end of a song never moves on; an empty list ends the song.
     if (m_state.EditorOpen) {
         StopSong();
-        return;
+        return nullptr;
     }
     PlaylistForm* list = m_forms.UserList();
     if (!list || list->ListCount() == 0) {
         CloseSong();
-        return;
+        return nullptr;
     }
+    return list;
+}
+
+void PlayerTransport::DALEJ()
+{
+    PlaylistForm* list = ListToWalk();
+    if (!list)
+        return;
     if (list->ListCount() == 1) {
         const QString path = list->ItemPath(0);
         if (path == m_state.CurrentFile && (m_state.MediaControl || m_state.IsMidi))
@@ -213,15 +222,9 @@ void PlayerTransport::DALEJ()
 
 void PlayerTransport::WSTECZ()
 {
-    if (m_state.EditorOpen) {
-        StopSong();
+    PlaylistForm* list = ListToWalk();
+    if (!list)
         return;
-    }
-    PlaylistForm* list = m_forms.UserList();
-    if (!list || list->ListCount() == 0) {
-        CloseSong();
-        return;
-    }
     if (list->ListCount() == 1) {
         // Previous on a one-song list starts that song again.
         if (OpenSong(list->ItemPath(0), true)) {

@@ -116,10 +116,14 @@ QString WriteM3U(const std::vector<PlaylistRow>& rows, const QString& relativeTo
     return text;
 }
 
-void ReadM3U(const QStringList& lines, const QString& playlistFolder, const SongProbe& probe,
-             const std::function<void(const PlaylistRow&)>& add)
+namespace {
+
+// The walk shared by both readers of "#EXTINF" lists: `finish` completes a row and says
+// whether it is kept. The last line is never an "#EXTINF" line: its path would be missing.
+void ReadExtInfRows(const QStringList& lines, const QString& playlistFolder,
+                    const std::function<bool(PlaylistRow&)>& finish,
+                    const std::function<void(const PlaylistRow&)>& add)
 {
-    // The last line is never an "#EXTINF" line: its path would be missing.
     for (qsizetype i = 0; i + 1 < lines.size(); ++i) {
         if (!lines[i].startsWith(kExtInf))
             continue;
@@ -131,34 +135,32 @@ void ReadM3U(const QStringList& lines, const QString& playlistFolder, const Song
         if (info.seconds)
             row.ItemTime = FormatListSeconds(QString::number(*info.seconds));
         row.ItemPath = ListEntryPath(lines[i + 1], playlistFolder);
-        if (QFileInfo(row.ItemPath).isFile())
-            Probe(row, probe);
+        if (!finish(row))
+            continue;
         if (row.ItemString.isEmpty())
             row.ItemString = BaseNameOf(row.ItemPath);
         add(row);
     }
 }
 
+} // namespace
+
+void ReadM3U(const QStringList& lines, const QString& playlistFolder, const SongProbe& probe,
+             const std::function<void(const PlaylistRow&)>& add)
+{
+    const auto probeExisting = [&probe](PlaylistRow& row) {
+        if (QFileInfo(row.ItemPath).isFile())
+            Probe(row, probe);
+        return true;
+    };
+    ReadExtInfRows(lines, playlistFolder, probeExisting, add);
+}
+
 void ReadSavedList(const QStringList& lines, const QString& playlistFolder,
                    const std::function<void(const PlaylistRow&)>& add)
 {
-    for (qsizetype i = 0; i + 1 < lines.size(); ++i) {
-        if (!lines[i].startsWith(kExtInf))
-            continue;
-        const ExtInf info = ParseExtInf(lines[i]);
-        if (info.broken)
-            return;
-        PlaylistRow row;
-        row.ItemString = info.text;
-        if (info.seconds)
-            row.ItemTime = FormatListSeconds(QString::number(*info.seconds));
-        row.ItemPath = ListEntryPath(lines[i + 1], playlistFolder);
-        if (!QFileInfo(row.ItemPath).isFile())
-            continue;
-        if (row.ItemString.isEmpty())
-            row.ItemString = BaseNameOf(row.ItemPath);
-        add(row);
-    }
+    const auto keepExisting = [](PlaylistRow& row) { return QFileInfo(row.ItemPath).isFile(); };
+    ReadExtInfRows(lines, playlistFolder, keepExisting, add);
 }
 
 void ReadPls(const QStringList& lines, const QString& playlistFolder, const SongProbe& probe,

@@ -74,20 +74,11 @@ QString UserList::Text(const char* key) const
     return DisplayText(m_state.Language.GetText(QString::fromLatin1(key)));
 }
 
-QMenu* UserList::MakeMenu(const QString& name, const std::vector<std::pair<const char*, const char*>>& items)
+QMenu* UserList::MakeMenu(const QString& name, const std::vector<MenuItem>& items)
 {
-    auto* menu = new QMenu(this);
-    menu->setObjectName(name);
-    for (const auto& [key, caption] : items) {
-        if (!key) {
-            menu->addSeparator();
-            continue;
-        }
-        QAction* action = menu->addAction(Text(caption));
-        const QString itemKey = QString::fromLatin1(key);
-        action->setData(itemKey);
-        connect(action, &QAction::triggered, this, [this, itemKey] { Command(itemKey); });
-    }
+    QMenu* menu = BuildKeyedMenu(this, name, items,
+                                 {[this](const char* key) { return Text(key); },
+                                  [this](const QString& key) { Command(key); }, {}});
     m_menus[name] = menu;
     return menu;
 }

@@ -6,6 +6,7 @@
 #include "playlist/FlatList.h"
 #include "playlist/PlaylistModel.h"
 #include "playlist/SongProber.h"
+#include "widgets/KeyedMenu.h"
 
 #include <QWidget>
 #include <functional>
@@ -79,7 +80,7 @@ protected:
 
 private:
     QString Text(const char* key) const;
-    QMenu* MakeMenu(const QString& name, const std::vector<std::pair<const char*, const char*>>& items);
+    QMenu* MakeMenu(const QString& name, const std::vector<MenuItem>& items);
     void Append(const PlaylistRow& row);
     void ShowFileInfo();
 

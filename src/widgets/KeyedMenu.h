@@ -1,0 +1,24 @@
+#pragma once
+// Popup menus whose items carry a key: the caption is the language text of another key, a
+// click runs the item's key, and an item whose key names a submenu shows that submenu.
+
+#include <QString>
+#include <functional>
+#include <vector>
+
+class QMenu;
+class QWidget;
+
+struct MenuItem {
+    const char* key;      // nullptr for a separator
+    const char* caption;  // language key of the caption
+};
+
+struct MenuTexts {
+    std::function<QString(const char* key)> caption;
+    std::function<void(const QString& key)> run;
+    std::function<QMenu*(const QString& key)> submenu;  // may be empty
+};
+
+// The menu with `name` as its object name; each action holds its key as data.
+QMenu* BuildKeyedMenu(QWidget* parent, const QString& name, const std::vector<MenuItem>& items, const MenuTexts& texts);
