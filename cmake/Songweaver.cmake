@@ -1,17 +1,57 @@
-# One static library per subsystem folder: every source file of the folder, nothing listed by hand.
+# One static library per subsystem folder: every source file of the folder (RECURSE: and of its
+# subfolders), nothing listed by hand.
 function(songweaver_library name folder)
-  cmake_parse_arguments(ARG "" "" "LINKS" ${ARGN})
-  file(GLOB sources CONFIGURE_DEPENDS "${folder}/*.cpp" "${folder}/*.h")
+  cmake_parse_arguments(ARG "RECURSE" "" "LINKS" ${ARGN})
+  if(ARG_RECURSE)
+    file(GLOB_RECURSE sources CONFIGURE_DEPENDS "${folder}/*.cpp" "${folder}/*.h")
+  else()
+    file(GLOB sources CONFIGURE_DEPENDS "${folder}/*.cpp" "${folder}/*.h")
+  endif()
   add_library(${name} STATIC ${sources})
   target_include_directories(${name} PUBLIC "${PROJECT_SOURCE_DIR}/src")
   target_link_libraries(${name} PUBLIC ${ARG_LINKS})
 endfunction()
 
-# One test program per subsystem folder under tests/, each case registered with CTest.
+# The targets a target links, directly or through the libraries it links.
+function(songweaver_linked_targets target out)
+  set(seen ${${out}})
+  get_target_property(type ${target} TYPE)
+  if(type STREQUAL "EXECUTABLE")
+    get_target_property(links ${target} LINK_LIBRARIES)
+  else()
+    get_target_property(links ${target} INTERFACE_LINK_LIBRARIES)
+  endif()
+  foreach(link IN LISTS links)
+    if(TARGET ${link} AND NOT link IN_LIST seen)
+      list(APPEND seen ${link})
+      songweaver_linked_targets(${link} seen)
+    endif()
+  endforeach()
+  set(${out} ${seen} PARENT_SCOPE)
+endfunction()
+
+# The logic lives in libraries that tests reach without a display: none of them may link Qt
+# Widgets, directly or through another library.
+function(songweaver_forbid_widgets)
+  foreach(target IN LISTS ARGN)
+    set(linked "")
+    songweaver_linked_targets(${target} linked)
+    if("Qt6::Widgets" IN_LIST linked OR "Qt::Widgets" IN_LIST linked)
+      message(FATAL_ERROR "${target} links Qt Widgets; windows and dialogs belong in src/ui/")
+    endif()
+  endforeach()
+endfunction()
+
+# One test program per folder under tests/, each case registered with CTest. Test programs of
+# the logic run on a QGuiApplication; WIDGETS gives a QApplication for the windows.
 function(songweaver_test name folder)
-  cmake_parse_arguments(ARG "" "" "LINKS" ${ARGN})
+  cmake_parse_arguments(ARG "WIDGETS" "" "LINKS" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS "${folder}/*.cpp" "${folder}/*.h")
   add_executable(${name} ${sources})
-  target_link_libraries(${name} PRIVATE ${ARG_LINKS} sw_testsupport GTest::gtest GTest::gmock)
+  if(ARG_WIDGETS)
+    target_link_libraries(${name} PRIVATE ${ARG_LINKS} sw_testsupport_ui)
+  else()
+    target_link_libraries(${name} PRIVATE ${ARG_LINKS} sw_testsupport)
+  endif()
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST)
 endfunction()

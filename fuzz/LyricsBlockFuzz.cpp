@@ -3,7 +3,7 @@
 
 #include "lyrics/LyricTime.h"
 #include "lyrics/LyricsLoader.h"
-#include "text/TextCodec.h"
+#include "core/TextCodec.h"
 
 #include <QGuiApplication>
 #include <cstdint>

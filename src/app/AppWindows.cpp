@@ -1,12 +1,33 @@
 #include "app/AppWindows.h"
 
-#include "karaoke/LyricWindow.h"
-#include "playback/PlayerWindow.h"
-#include "playlist/UserList.h"
+#include "app/AppState.h"
+#include "playback/PlayerCommands.h"
+#include "playback/PlayerTransport.h"
+#include "ui/karaoke/LyricWindow.h"
+#include "ui/player/PlayerServices.h"
+#include "ui/player/PlayerWindow.h"
+#include "ui/playlist/UserList.h"
 
-AppWindows::AppWindows(AppState& state, SettingsStore& store) : m_state(state), m_store(store) {}
+bool SessionPosition::HasSong() const
+{
+    return m_state.SongOpen();
+}
+
+double SessionPosition::Position() const
+{
+    return m_state.Session ? m_state.Session->get_CurrentPosition() : 0;
+}
+
+AppWindows::AppWindows(AppState& state, SettingsStore& store) : m_state(state), m_store(store), m_position(state) {}
 
 AppWindows::~AppWindows() = default;
+
+void AppWindows::Attach(PlayerTransport& transport, PlayerCommands& commands)
+{
+    m_transport = &transport;
+    m_commands = &commands;
+    ConnectPlayerWindow(PlayerWidget(), commands, transport);
+}
 
 PlayerWindow& AppWindows::PlayerWidget()
 {
@@ -22,34 +43,36 @@ PlayerForm& AppWindows::Player()
     return PlayerWidget();
 }
 
-LyricWindow& AppWindows::LyricWidget()
+KaraokeForm* AppWindows::Lyric()
+{
+    return m_lyric.get();
+}
+
+KaraokeForm& AppWindows::LoadLyric()
 {
     if (!m_lyric) {
-        m_lyric = std::make_unique<LyricWindow>(m_state, m_store, [this] {
-            ControlsForm* midi = MidiEq();
-            return midi ? midi->MidiTime() : 0.0;
-        });
+        m_lyric = std::make_unique<LyricWindow>(m_state, m_state.Lyrics, m_store, m_position);
+        m_lyric->PlayerCommand = [this](const QString& key) {
+            if (m_commands)
+                m_commands->MenuCommand(key);
+        };
         m_loaded.push_back(m_lyric.get());
+        if (LyricLoaded)
+            LyricLoaded(*m_lyric);
     }
     return *m_lyric;
 }
 
-KaraokeForm* AppWindows::Lyric()
-{
-    return &LyricWidget();
-}
-
-void AppWindows::AttachPlaylist(PlayerTransport& transport, const QString& savedListPath)
-{
-    m_transport = &transport;
-    m_savedListPath = savedListPath;
-}
-
 PlaylistForm* AppWindows::UserList()
 {
-    if (!m_userList && m_transport) {
-        m_userList = std::make_unique<::UserList>(m_state, m_store, m_docking, *m_transport, m_savedListPath);
+    return m_userList.get();
+}
+
+PlaylistForm& AppWindows::LoadUserList()
+{
+    if (!m_userList) {
+        m_userList = std::make_unique<::UserList>(m_state, m_state.Songs, m_store, m_docking, *m_transport);
         m_loaded.push_back(m_userList.get());
     }
-    return m_userList.get();
+    return *m_userList;
 }

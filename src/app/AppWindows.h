@@ -1,41 +1,65 @@
 #pragma once
-// The program's windows, each created on first use, in the order they were loaded.
+// The program's windows, each loaded by an explicit call and kept to the end of the run, and
+// the wiring of their events to the commands and the transport.
 
 #include "core/Forms.h"
-#include "widgets/Docking.h"
+#include "karaoke/KaraokeTimeline.h"
+#include "ui/kit/Docking.h"
 
+#include <functional>
 #include <memory>
 
 struct AppState;
+struct PlayerState;
 class LyricWindow;
+class PlayerCommands;
 class PlayerTransport;
-class UserList;
 class PlayerWindow;
 class SettingsStore;
+class UserList;
+
+// The song's position as the karaoke window reads it: the session's, whatever plays the song.
+class SessionPosition final : public SongPosition {
+public:
+    explicit SessionPosition(const PlayerState& state) : m_state(state) {}
+    bool HasSong() const override;
+    double Position() const override;
+
+private:
+    const PlayerState& m_state;
+};
 
 class AppWindows final : public FormProvider {
 public:
     AppWindows(AppState& state, SettingsStore& store);
     ~AppWindows() override;
 
+    // The transport and the commands that the windows' events reach; before any window but the
+    // main one is loaded.
+    void Attach(PlayerTransport& transport, PlayerCommands& commands);
+    // Called with each karaoke window as it is loaded.
+    std::function<void(LyricWindow&)> LyricLoaded;
+
     PlayerForm& Player() override;
     PlayerWindow& PlayerWidget();
-    // The playlist window exists once the transport it plays through is known.
     PlaylistForm* UserList() override;
-    void AttachPlaylist(PlayerTransport& transport, const QString& savedListPath);
-    ControlsForm* MidiEq() override { return nullptr; }
     KaraokeForm* Lyric() override;
-    LyricWindow& LyricWidget();
+    LyricWindow* LyricWidget() { return m_lyric.get(); }
+    // This build has no MIDI window yet.
+    ControlsForm* MidiEq() override { return nullptr; }
+    PlaylistForm& LoadUserList() override;
+    KaraokeForm& LoadLyric() override;
     std::vector<Form*> LoadedForms() override { return m_loaded; }
 
 private:
     AppState& m_state;
     SettingsStore& m_store;
     Docking m_docking;
+    SessionPosition m_position;
     std::unique_ptr<PlayerWindow> m_player;
     std::unique_ptr<LyricWindow> m_lyric;
     std::unique_ptr<::UserList> m_userList;
     PlayerTransport* m_transport = nullptr;
-    QString m_savedListPath;
+    PlayerCommands* m_commands = nullptr;
     std::vector<Form*> m_loaded;
 };

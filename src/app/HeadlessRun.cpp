@@ -1,6 +1,6 @@
 #include "app/HeadlessRun.h"
 
-#include "karaoke/LyricWindow.h"
+#include "ui/karaoke/LyricWindow.h"
 
 #include <QApplication>
 #include <QDir>

@@ -6,8 +6,9 @@
 #include "core/ThemeClass.h"
 #include "lyrics/LyricsLoader.h"
 #include "tags/MP3Class.h"
-#include "text/TextCodec.h"
+#include "core/TextCodec.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QTextStream>
 #include <cstdio>
@@ -149,7 +150,8 @@ int PrintLyrics(const QStringList& args)
     }
 
     PrintDocument(*document, *pictures);
-    if (!options.writeTo.isEmpty() && !SaveLrsFile(options.writeTo, *document, *pictures))
+    if (!options.writeTo.isEmpty() && !(QDir().mkpath(QFileInfo(options.writeTo).absolutePath())
+                                         && SaveLrsFile(options.writeTo, *document, *pictures)))
         return Fail(QStringLiteral("Cannot write %1").arg(options.writeTo));
     return 0;
 }

@@ -1,18 +1,20 @@
 // songweaver: the karaoke player.
 
+#include "app/AppState.h"
 #include "app/AppWindows.h"
+#include "app/Application.h"
 #include "app/HeadlessRun.h"
+#include "app/SingleInstance.h"
 #include "audio/SoundDevices.h"
-#include "core/AppState.h"
-#include "core/Application.h"
 #include "core/SettingsStore.h"
-#include "core/SingleInstance.h"
 #include "playback/PlayerCommands.h"
 #include "playback/PlayerTransport.h"
-#include "playback/PlayerWindow.h"
-#include "widgets/Desktop.h"
+#include "ui/kit/Desktop.h"
+#include "ui/player/PlayerServices.h"
+#include "ui/player/PlayerWindow.h"
 
 #include <QApplication>
+#include <QIcon>
 #include <QStandardPaths>
 #include <QStringList>
 
@@ -33,16 +35,23 @@ int main(int argc, char* argv[])
     AppWindows windows(state, store);
     SingleInstance instance;
     WidgetMessageBoxes messages;
-    PlayerTransport transport(state, windows, windows.PlayerWidget(), &messages);
-    const QString dataFolder = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
-    windows.AttachPlaylist(transport, PlaylistIniPath(dataFolder));
+    PlayerTransport transport(state, windows, state.Songs, &messages);
+    PlayerWindow& player = windows.PlayerWidget();
+    WidgetFileDialogs dialogs(&player);
+    PlayerCommands* commandsForTray = nullptr;
+    SystemTray tray(
+        QIcon(QStringLiteral(":/skin/songweaver.svg")), [&player] { return player.Menu(QStringLiteral("TrayMenu")); },
+        [&commandsForTray] { commandsForTray->RestoreFromTray(); });
+    PlayerCommands commands(state, windows, transport, tray, dialogs);
+    commandsForTray = &commands;
+    windows.Attach(transport, commands);
 
     bool ended = false;
     Platform platform{store,
                       ThemeEnvironment::FromSystem(),
                       ShellFolders::FromSystem(),
                       QCoreApplication::applicationFilePath(),
-                      dataFolder,
+                      QStandardPaths::writableLocation(QStandardPaths::AppDataLocation),
                       HasOutputDevice,
                       [&ended] {
                           ended = true;
@@ -50,16 +59,15 @@ int main(int argc, char* argv[])
                       }};
     Application application(state, std::move(platform), windows, transport, nullptr, messages, instance);
 
-    PlayerCommands commands(state, windows, transport, windows.PlayerWidget());
     commands.CloseApp = [&application] { application.CloseApp(); };
-    QObject::connect(&windows.PlayerWidget(), &PlayerWindow::closeRequested, [&application] { application.CloseApp(); });
+    QObject::connect(&player, &PlayerWindow::closeRequested, [&application] { application.CloseApp(); });
     QObject::connect(&instance, &SingleInstance::commandLineReceived,
                      [&transport](const QString& handed) { transport.OpenFromCommandLine(handed); });
+    windows.LyricLoaded = [&state](LyricWindow& lyric) { LogLitSyllables(lyric, state.Lyrics); };
     ArmHeadlessRun([&application] { application.CloseApp(); });
 
     if (!application.Main(commandLine) || ended)
         return 0;
-    LogLitSyllables(windows.LyricWidget(), state.Lyrics);
     transport.StartAudio();
     return QApplication::exec();
 }

@@ -1,10 +1,11 @@
 #pragma once
-// The windows and services as start-up, the two ticks and shutdown see them. Each window
-// implements its own interface; a window the program does not have yet is absent (nullptr).
+// The windows and services as the logic sees them. Each window implements its own interface;
+// asking for a window that is not loaded returns nothing and loads nothing.
 
 #include <QPoint>
 #include <QRect>
 #include <QString>
+#include <QStringList>
 #include <vector>
 
 class Form {
@@ -12,6 +13,8 @@ public:
     virtual ~Form() = default;
     virtual void Show() = 0;
     virtual void Hide() = 0;
+    // Down to the task bar, for desktops without a system tray.
+    virtual void Minimize() = 0;
     virtual void SetTopMost(bool flag) = 0;
     // Saves the window's own position and lets go of what it holds.
     virtual void Unload() = 0;
@@ -30,29 +33,23 @@ public:
     virtual void SetTimeText(const QString& text) = 0;
     // "CURRENT" shows the position, anything else the time left.
     virtual QString TimeStyle() const = 0;
+    virtual void SetTimeStyle(const QString& style) = 0;
     virtual void SetProgress(double fraction) = 0;
+    // The volume slider, 0 to 1.
+    virtual double VolumeValue() const = 0;
     virtual void SetVolumeSlider(double value) = 0;
     virtual void Light(int index, int state) = 0;
     virtual void SetButton(int index, int state) = 0;
+    // Artist and title, each fitted to its label.
+    virtual void PutLabels(const QString& artist, const QString& title) = 0;
+    // The " Kb/s" and " Hz" texts of the song, empty when unknown.
+    virtual void SetQualityLabels(const QString& bitrate, const QString& sampleRate) = 0;
 };
 
 class PlaylistForm : public Form {
 public:
     virtual void SetGeometry(const QRect& geometry) = 0;
     virtual void MoveTo(QPoint topLeft) = 0;
-    virtual int ListCount() const = 0;
-    virtual QString ItemPath(int index) const = 0;
-    virtual void LoadPlaylist(const QString& path) = 0;
-    // The selected row, -1 when none is.
-    virtual int SelectedIndex() const = 0;
-    // Marks the row as playing and opens its song.
-    virtual void fnChangeSong(int index) = 0;
-    virtual void ClearList() = 0;
-    // A row: the song's display text, its time ("mm:ss") and its file.
-    virtual void AddItem(const QString& text, const QString& time, const QString& path) = 0;
-    virtual void SetItemPath(int index, const QString& path) = 0;
-    // The row drawn as the one playing.
-    virtual void SetCurrentPlaying(int index) = 0;
 };
 
 class KaraokeForm : public Form {
@@ -62,7 +59,7 @@ public:
     virtual void ClearLyrics() = 0;
     // Sets the lyrics to the song's position after a jump.
     virtual void GetLastPos() = 0;
-    // New lyrics are loaded: colours, pictures and the title of the new song.
+    // New lyrics are loaded: colours, pictures and the title of the new song, from its start.
     virtual void ChangeLyrics() = 0;
     // The rows and the timed picture go; the background stays.
     virtual void ClearNewLyrics() = 0;
@@ -72,24 +69,46 @@ public:
     virtual void FitLyrics() = 0;
 };
 
+// The MIDI window: the channel strips of the MIDI song that plays.
 class ControlsForm : public Form {
 public:
-    // Position of the playing MIDI song in seconds.
-    virtual double MidiTime() = 0;
     virtual void CloseDevice() = 0;
-    // Loads a MIDI or KAR song into the MIDI player.
+    // A MIDI or KAR song was loaded.
     virtual void ChangeMidi(const QString& file, int mode) = 0;
 };
 
-// Creates each window on first use and keeps the forms collection in load order.
 class FormProvider {
 public:
     virtual ~FormProvider() = default;
+    // The main window is loaded before anything asks for it.
     virtual PlayerForm& Player() = 0;
+    // A window when it is loaded, else nullptr.
     virtual PlaylistForm* UserList() = 0;
-    virtual ControlsForm* MidiEq() = 0;
     virtual KaraokeForm* Lyric() = 0;
+    virtual ControlsForm* MidiEq() = 0;
+    // Loads the window when it is not loaded yet.
+    virtual PlaylistForm& LoadUserList() = 0;
+    virtual KaraokeForm& LoadLyric() = 0;
+    // The loaded windows in the order they were loaded.
     virtual std::vector<Form*> LoadedForms() = 0;
+};
+
+// The playlist's rows as the transport walks and fills them; the list outlives its window.
+class SongList {
+public:
+    virtual ~SongList() = default;
+    virtual int ListCount() const = 0;
+    virtual QString ItemPath(int index) const = 0;
+    // The first selected row, -1 when none is.
+    virtual int SelectedIndex() const = 0;
+    virtual void ClearList() = 0;
+    // A row: the song's display text, its time ("mm:ss") and its file.
+    virtual void AddItem(const QString& text, const QString& time, const QString& path) = 0;
+    // Files read on worker threads and appended in their order, after the rows there are.
+    virtual void AppendFiles(const QStringList& paths) = 0;
+    virtual void SetItemPath(int index, const QString& path) = 0;
+    // The row drawn as the one playing.
+    virtual void SetCurrentPlaying(int index) = 0;
 };
 
 // Song transport as the ticks and the hand-over use it.

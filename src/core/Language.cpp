@@ -1,7 +1,7 @@
 #include "core/Language.h"
 
 #include "core/SettingsStore.h"
-#include "text/TextCodec.h"
+#include "core/TextCodec.h"
 
 #include <QFile>
 

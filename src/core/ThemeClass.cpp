@@ -1,6 +1,6 @@
 #include "core/ThemeClass.h"
 
-#include "text/Numbers.h"
+#include "core/Numbers.h"
 #include "core/SettingsStore.h"
 
 #include <QFileInfo>
@@ -8,7 +8,7 @@
 #include <QGuiApplication>
 #include <QPainter>
 #include <QStandardPaths>
-#include <QSvgRenderer>
+#include <QImageReader>
 #include <algorithm>
 #include <cmath>
 
@@ -224,12 +224,12 @@ void ThemeClass::SetLyricsPicPath(const QString& path)
 QImage ThemeClass::DefaultPicture()
 {
     static const QImage picture = [] {
-        QSvgRenderer svg(QStringLiteral(":/skin/karaoke-background.svg"));
-        QImage image(svg.defaultSize().isEmpty() ? QSize(1920, 1080) : svg.defaultSize(),
-                     QImage::Format_RGB32);
+        // Read through Qt's SVG image plugin, so the settings link no SVG library.
+        QImageReader reader(QStringLiteral(":/skin/karaoke-background.svg"));
+        QImage image(reader.size().isValid() ? reader.size() : QSize(1920, 1080), QImage::Format_RGB32);
         image.fill(Qt::black);
         QPainter painter(&image);
-        svg.render(&painter);
+        painter.drawImage(0, 0, reader.read());
         return image;
     }();
     return picture;

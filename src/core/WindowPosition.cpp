@@ -1,6 +1,6 @@
 #include "core/WindowPosition.h"
 
-#include "text/Numbers.h"
+#include "core/Numbers.h"
 #include "core/SettingsStore.h"
 
 #include <QStringList>

@@ -50,13 +50,31 @@ int32_t KaraokeTimeline::FirstDueSyllable(double position) const
     return -1;
 }
 
+int16_t StartPicture(const LyricsState& lyrics)
+{
+    for (size_t i = 1; i < lyrics.PlayPictures.size(); ++i)
+        if (lyrics.PlayPictures[i].Time == 0)
+            return int16_t(i);
+    return 0;
+}
+
+void KaraokeTimeline::Restart()
+{
+    m_lyrics.CurrentLyric = 0;
+    PictureIndex = 0;
+}
+
 void KaraokeTimeline::StepPicture(double position)
 {
     const auto& times = m_lyrics.PictureTimes;
-    const int16_t next = int16_t(PictureIndex + 1);
-    if (int(times.size()) - 1 < next)
+    // Pictures without a second of their own (time -1) sort to the front; the start picture
+    // among them is shown by ChangeLyrics, and the tick passes over them all.
+    int16_t next = int16_t(PictureIndex + 1);
+    while (next < int(times.size()) && times[size_t(next)].Time == -1)
+        ++next;
+    if (next >= int(times.size()))
         return;
-    if (times[size_t(next)].Time < position && times[size_t(next)].Time != -1) {
+    if (times[size_t(next)].Time < position) {
         PictureIndex = next;
         m_surface.ChangePic(times[size_t(next)].Index);
         m_surface.ShowPicture(times[size_t(next)].Index);
@@ -95,7 +113,8 @@ void KaraokeTimeline::GetLastPos(bool karaokeOpen)
     }
 }
 
-// The latest timed picture whose second has come, or the default background.
+// The latest timed picture whose second has come, else the song's start picture, else the
+// default background.
 void KaraokeTimeline::ApplyPictureRule(double position)
 {
     const auto& times = m_lyrics.PictureTimes;
@@ -108,5 +127,10 @@ void KaraokeTimeline::ApplyPictureRule(double position)
         }
     }
     PictureIndex = 0;
+    if (const int16_t start = StartPicture(m_lyrics)) {
+        m_surface.ChangePic(start);
+        m_surface.SetBackground(false);
+        return;
+    }
     m_surface.SetBackground(true);
 }

@@ -36,6 +36,9 @@ public:
     virtual double Position() const = 0;
 };
 
+// The picture a song shows from its start: its first picture at second 0; 0 when none is.
+int16_t StartPicture(const LyricsState& lyrics);
+
 class KaraokeTimeline {
 public:
     KaraokeTimeline(LyricsState& lyrics, KaraokeSurface& surface, const SongPosition& song,
@@ -45,6 +48,8 @@ public:
     void IsPlaying(double& position);
     // Re-synchronises to the song's position after a jump.
     void GetLastPos(bool karaokeOpen);
+    // New lyrics, or the display cleared: from the first syllable and no timed picture again.
+    void Restart();
 
     // Stops the tick from starting a new syllable until the next page or new lyrics.
     bool Fading = false;

@@ -412,9 +412,10 @@ void KaraokeView::ChangeLyrics()
     if (wanted != m_basePictureName || m_basePicture.isNull())
         SetPicture();
     DropPicture();
-    if (m_lyrics.PlayPictures.size() > 1 && m_lyrics.PlayPictures[1].Time == 0)
-        ChangePic(1);
+    if (const int16_t start = StartPicture(m_lyrics))
+        ChangePic(start);
     m_layout.Reset();
+    m_timeline.Restart();
     m_timeline.Fading = false;
     m_titleShown = false;
     m_pageShown = false;
@@ -427,11 +428,13 @@ void KaraokeView::ChangeLyrics()
 void KaraokeView::ClearLyrics()
 {
     m_layout.ClearRows();
+    m_timeline.Restart();
 }
 
 void KaraokeView::ClearNewLyrics()
 {
     m_layout.Reset();
+    m_timeline.Restart();
     m_pageShown = false;
     SetBackground(true);
 }

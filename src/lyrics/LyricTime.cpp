@@ -1,6 +1,6 @@
 #include "lyrics/LyricTime.h"
 
-#include "text/Numbers.h"
+#include "core/Numbers.h"
 
 #include <cmath>
 

@@ -1,8 +1,8 @@
 #include "lyrics/LyricsBlock.h"
 
 #include "lyrics/LyricTime.h"
-#include "text/Numbers.h"
-#include "text/TextCodec.h"
+#include "core/Numbers.h"
+#include "core/TextCodec.h"
 
 #include <QRegularExpression>
 #include <QSaveFile>

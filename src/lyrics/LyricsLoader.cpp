@@ -1,6 +1,6 @@
 #include "lyrics/LyricsLoader.h"
 
-#include "text/TextCodec.h"
+#include "core/TextCodec.h"
 
 #include <QFile>
 #include <QFileInfo>

@@ -1,7 +1,7 @@
 #include "lyrics/TagLyrics.h"
 
 #include "lyrics/LyricTime.h"
-#include "text/Numbers.h"
+#include "core/Numbers.h"
 
 #include <QFont>
 #include <QStringList>

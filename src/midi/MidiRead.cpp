@@ -1,6 +1,6 @@
 #include "midi/MidiRead.h"
 
-#include "text/TextCodec.h"
+#include "core/TextCodec.h"
 
 #include <QFile>
 #include <algorithm>

@@ -58,12 +58,12 @@ int MediaSession::GetState() const
     return m_source ? m_source->GetState() : FileSource::Stopped;
 }
 
-double MediaSession::get_Duration()
+double MediaSession::get_Duration() const
 {
     return m_source ? m_source->Duration() : 0;
 }
 
-double MediaSession::get_CurrentPosition()
+double MediaSession::get_CurrentPosition() const
 {
     return m_source ? m_source->Position(m_engine.Now()) : 0;
 }

@@ -2,7 +2,7 @@
 // One song on the audio engine, with the operations and units the player has always used:
 // seconds for positions, hundredths of a decibel for volume (0 full, -10000 silence).
 
-#include "core/MediaGraph.h"
+#include "audio/SongSession.h"
 
 #include <QString>
 #include <memory>
@@ -10,28 +10,26 @@
 class AudioEngine;
 class FileSource;
 
-class MediaSession final : public MediaGraph {
+class MediaSession final : public SongSession {
 public:
     explicit MediaSession(AudioEngine& engine);
     ~MediaSession() override;
 
-    // Opens the file for playback, stopped at 0; false (and ErrorText) when it cannot be decoded.
-    bool RenderFile(const QString& path);
-    QString ErrorText() const { return m_error; }
+    bool RenderFile(const QString& path) override;
+    QString ErrorText() const override { return m_error; }
 
-    void Run();
-    void Pause();
+    void Run() override;
+    void Pause() override;
     void Stop() override;
-    // 0 stopped, 1 paused, 2 running.
-    int GetState() const;
+    int GetState() const override;
 
-    double get_Duration() override;
-    double get_CurrentPosition() override;
-    void put_CurrentPosition(double seconds);
-    void put_Rate(double rate);
-    void put_Volume(int hundredthsDb);
-    int get_Volume() const { return m_volume; }
-    void put_Balance(int hundredthsDb);
+    double get_Duration() const override;
+    double get_CurrentPosition() const override;
+    void put_CurrentPosition(double seconds) override;
+    void put_Rate(double rate) override;
+    void put_Volume(int hundredthsDb) override;
+    int get_Volume() const override { return m_volume; }
+    void put_Balance(int hundredthsDb) override;
     int get_Balance() const { return m_balance; }
     // Decoded audio waiting for the device, in seconds.
     double SecondsBuffered() const;

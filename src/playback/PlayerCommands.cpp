@@ -1,36 +1,54 @@
 #include "playback/PlayerCommands.h"
 
-#include "core/AppState.h"
+#include "playback/PlayerState.h"
 #include "playback/PlayerTransport.h"
-#include "playback/PlayerWindow.h"
 
-#include <QMenu>
-#include <QSystemTrayIcon>
+#include <QFileInfo>
+#include <map>
+#include <set>
 
-PlayerCommands::PlayerCommands(AppState& state, FormProvider& forms, PlayerTransport& transport, PlayerWindow& player)
-    : m_state(state), m_forms(forms), m_transport(transport), m_player(player)
+namespace {
+
+// The command of each button, by the key of its tip text.
+const char* const kButtonKeys[] = {nullptr,           "Previous", "Play",   "Pause",      "Stop",
+                                   "Next",            "Mute",     "Preferences", "FileOpen", "Controls",
+                                   "UserList",        "SwitchMicrophone", "Record", "YourVoice", "Editor",
+                                   "KaraokeWindow"};
+
+} // namespace
+
+bool CommandNotBuiltYet(const QString& key)
 {
-    connect(&player, &PlayerWindow::buttonAction, this, &PlayerCommands::ButtonAction);
-    connect(&player, &PlayerWindow::menuCommand, this, &PlayerCommands::MenuCommand);
-    connect(&player, &PlayerWindow::keyPressed, this, [this](int key, Qt::KeyboardModifiers m) { KeyDown(key, m); });
-    connect(&player, &PlayerWindow::minimizeRequested, this, &PlayerCommands::MinimizeToTray);
+    static const std::set<QString> kNotBuiltYet = {
+        QStringLiteral("Preferences"), QStringLiteral("Controls"),  QStringLiteral("SwitchMicrophone"),
+        QStringLiteral("Record"),      QStringLiteral("YourVoice"), QStringLiteral("Editor"),
+        QStringLiteral("About"),       QStringLiteral("FileInfo"),  QStringLiteral("MnuHelp"),
+    };
+    return kNotBuiltYet.count(key) > 0;
 }
 
-PlayerCommands::~PlayerCommands() = default;
+PlayerCommands::PlayerCommands(PlayerState& state, FormProvider& forms, PlayerTransport& transport, TrayIcon& tray,
+                               FileDialogs& dialogs)
+    : m_state(state), m_forms(forms), m_transport(transport), m_tray(tray), m_dialogs(dialogs)
+{
+}
 
 void PlayerCommands::ButtonAction(int button)
 {
+    if (button < 1 || button > 15)
+        return;
     const bool recording = m_state.Recording;
-    bool resume = false;
     if (button == 12)
-        m_player.SetButton(12, 0);
+        m_forms.Player().SetButton(12, 0);
+    if (CommandNotBuiltYet(QString::fromLatin1(kButtonKeys[button])))
+        return;
     switch (button) {
     case 1:
         if (!recording)
             m_transport.WSTECZ();
         break;
     case 2:
-        m_transport.PlaySong(resume);
+        m_transport.PlaySong();
         break;
     case 3:
         m_transport.PauseSong();
@@ -43,14 +61,11 @@ void PlayerCommands::ButtonAction(int button)
             m_transport.DALEJ();
         break;
     case 6:
-        if (!recording) {
-            m_transport.SetMuted(!m_state.Muted);
-            m_player.SetButton(6, 0);
-        }
+        if (!recording)
+            ToggleMute();
         break;
     case 8:
-        if (!recording && !m_state.EditorOpen)
-            m_transport.OpenFileDialog();
+        OpenFileDialog();
         break;
     case 10:
         TogglePlaylist();
@@ -58,74 +73,83 @@ void PlayerCommands::ButtonAction(int button)
     case 15:
         ToggleKaraoke();
         break;
-    default:
-        // Preferences, the MIDI window, microphone, recording, voice and the editor come with
-        // their own windows.
-        break;
     }
+}
+
+void PlayerCommands::ToggleMute()
+{
+    m_transport.SetMuted(!m_state.Muted);
+    m_forms.Player().SetButton(6, 0);
+}
+
+void PlayerCommands::OpenFileDialog()
+{
+    if (m_state.Recording || m_state.EditorOpen)
+        return;
+    const QString title = QStringLiteral("SWV: ") + m_state.Language.GetText(QStringLiteral("DialogAddFiles"));
+    const QString filter = m_state.Language.GetText(QStringLiteral("FilterOpenAudio"))
+                           + QStringLiteral(" (*.wav *.mp3 *.mpc *.ape *.ogg *.mid *.midi *.kar)");
+    const QStringList files = m_dialogs.OpenFileNames(title, m_state.Theme->MusicPath, filter);
+    if (files.isEmpty())
+        return;
+    m_state.Theme->MusicPath = QFileInfo(files.first()).absolutePath();
+    m_transport.OpenFiles(files);
 }
 
 void PlayerCommands::ToggleKaraoke()
 {
-    KaraokeForm* lyric = m_forms.Lyric();
-    if (!lyric)
-        return;
     if (m_state.KaraokeOpen) {
-        lyric->Unload();
+        if (KaraokeForm* lyric = m_forms.Lyric())
+            lyric->Unload();
         m_state.KaraokeOpen = false;
         return;
     }
-    lyric->Show();
+    KaraokeForm& lyric = m_forms.LoadLyric();
+    lyric.Show();
     m_state.KaraokeOpen = true;
-    if (m_state.MediaControl || m_state.IsMidi) {
+    if (m_state.SongOpen()) {
         // The window may have missed the song's lyrics while it was closed.
-        lyric->ChangeLyrics();
-        lyric->GetLastPos();
+        lyric.ChangeLyrics();
+        lyric.GetLastPos();
     }
 }
 
 void PlayerCommands::TogglePlaylist()
 {
-    PlaylistForm* list = m_forms.UserList();
-    if (!list)
-        return;
+    PlaylistForm& list = m_forms.LoadUserList();
     m_state.PlaylistOpen = !m_state.PlaylistOpen;
     if (m_state.PlaylistOpen)
-        list->Show();
+        list.Show();
     else
-        list->Hide();
+        list.Hide();
 }
 
 void PlayerCommands::SwapTimeStyle()
 {
-    m_player.SetTimeStyle(m_player.TimeStyle() == u"CURRENT" ? QStringLiteral("ELAPSED") : QStringLiteral("CURRENT"));
+    PlayerForm& player = m_forms.Player();
+    player.SetTimeStyle(player.TimeStyle() == u"CURRENT" ? QStringLiteral("ELAPSED") : QStringLiteral("CURRENT"));
 }
 
 void PlayerCommands::MenuCommand(const QString& key)
 {
     static const std::map<QString, int> kButtons = {
-        {QStringLiteral("Previous"), 1}, {QStringLiteral("Play"), 2},     {QStringLiteral("Pause"), 3},
-        {QStringLiteral("Stop"), 4},     {QStringLiteral("Next"), 5},     {QStringLiteral("Open"), 8},
+        {QStringLiteral("Previous"), 1}, {QStringLiteral("Play"), 2},       {QStringLiteral("Pause"), 3},
+        {QStringLiteral("Stop"), 4},     {QStringLiteral("Next"), 5},       {QStringLiteral("Open"), 8},
         {QStringLiteral("List"), 10},    {QStringLiteral("Microphone"), 11}, {QStringLiteral("Record"), 12},
-        {QStringLiteral("Voice"), 13},   {QStringLiteral("Editor"), 14},  {QStringLiteral("Karaoke"), 15},
+        {QStringLiteral("Voice"), 13},   {QStringLiteral("Editor"), 14},    {QStringLiteral("Karaoke"), 15},
         {QStringLiteral("Prefs"), 7},    {QStringLiteral("Keyboard"), 7},
     };
-    if (const auto it = kButtons.find(key); it != kButtons.end()) {
-        ButtonAction(it->second);
-    } else if (key == u"Current") {
-        m_player.SetTimeStyle(QStringLiteral("CURRENT"));
-    } else if (key == u"Elapsed") {
-        m_player.SetTimeStyle(QStringLiteral("ELAPSED"));
-    } else if (key == u"Exit" || key == u"TrayExit") {
-        if (key == u"TrayExit" && m_tray)
-            m_tray->hide();
-        if (CloseApp)
-            CloseApp();
-    } else if (key == u"TrayRestore") {
-        RestoreFromTray();
-    }
     // "Control" stays inert: the dispatcher has always looked for "Controls", which no item has.
-    // "About", "Info" and "HelpMe" open windows that later parts of the program bring.
+    if (const auto it = kButtons.find(key); it != kButtons.end())
+        ButtonAction(it->second);
+    else if (key == u"Current")
+        m_forms.Player().SetTimeStyle(QStringLiteral("CURRENT"));
+    else if (key == u"Elapsed")
+        m_forms.Player().SetTimeStyle(QStringLiteral("ELAPSED"));
+    else if (key == u"Exit" && CloseApp)
+        CloseApp();
+    else if (key == u"TrayRestore" || key == u"TrayExit")
+        TrayCommand(key);
 }
 
 bool PlayerCommands::KeyDown(int key, Qt::KeyboardModifiers modifiers)
@@ -133,14 +157,13 @@ bool PlayerCommands::KeyDown(int key, Qt::KeyboardModifiers modifiers)
     const bool ctrl = modifiers & Qt::ControlModifier;
     const bool alt = modifiers & Qt::AltModifier;
     const bool recording = m_state.Recording;
-    bool resume = false;
     // First match only, in this order; plain letters fire with Ctrl or Alt held too.
     switch (key) {
     case Qt::Key_V:
         m_transport.StopSong();
         return true;
     case Qt::Key_X:
-        m_transport.PlaySong(resume);
+        m_transport.PlaySong();
         return true;
     case Qt::Key_C:
         m_transport.PauseSong();
@@ -157,26 +180,27 @@ bool PlayerCommands::KeyDown(int key, Qt::KeyboardModifiers modifiers)
         break;
     }
     if (key == Qt::Key_O && ctrl) {
-        if (!recording && !m_state.EditorOpen)
-            m_transport.OpenFileDialog();
+        OpenFileDialog();
         return true;
     }
     if (key == Qt::Key_3 && alt)
-        return true;  // file information: its dialogs come later
-    if (key == Qt::Key_M || key == Qt::Key_R || key == Qt::Key_S)
-        return true;  // microphone, record and voice come with the voice recorder
+        return !CommandNotBuiltYet(QStringLiteral("FileInfo"));
+    if (key == Qt::Key_M)
+        return !CommandNotBuiltYet(QStringLiteral("SwitchMicrophone"));
+    if (key == Qt::Key_R || key == Qt::Key_S)
+        return !CommandNotBuiltYet(QString::fromLatin1(key == Qt::Key_R ? "Record" : "YourVoice"));
     if (key == Qt::Key_L && alt) {
         TogglePlaylist();
         return true;
     }
     if (key == Qt::Key_P && ctrl)
-        return true;  // preferences
+        return !CommandNotBuiltYet(QStringLiteral("Preferences"));
     if (key == Qt::Key_K && ctrl) {
         ToggleKaraoke();
         return true;
     }
     if (key == Qt::Key_E && ctrl)
-        return true;  // the editor
+        return !CommandNotBuiltYet(QStringLiteral("Editor"));
     if (key == Qt::Key_T && ctrl) {
         SwapTimeStyle();
         return true;
@@ -184,28 +208,8 @@ bool PlayerCommands::KeyDown(int key, Qt::KeyboardModifiers modifiers)
     return false;
 }
 
-bool PlayerCommands::InTray() const
-{
-    return m_state.InTray;
-}
-
 void PlayerCommands::MinimizeToTray()
 {
-    m_state.InTray = true;
-    if (!m_tray) {
-        m_tray = new QSystemTrayIcon(m_player.windowIcon(), this);
-        m_tray->setToolTip(QStringLiteral("Songweaver"));
-        m_tray->setContextMenu(m_player.Menu(QStringLiteral("TrayMenu")));
-        connect(m_tray, &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
-            if (m_inTrayEvent || reason != QSystemTrayIcon::DoubleClick)
-                return;
-            m_inTrayEvent = true;
-            RestoreFromTray();
-            m_inTrayEvent = false;
-        });
-    }
-    m_tray->show();
-    m_player.Hide();
     m_hiddenInTray.clear();
     if (m_state.PlaylistOpen)
         if (PlaylistForm* list = m_forms.UserList())
@@ -213,20 +217,49 @@ void PlayerCommands::MinimizeToTray()
     if (m_state.KaraokeOpen)
         if (KaraokeForm* lyric = m_forms.Lyric())
             m_hiddenInTray.push_back(lyric);
+
+    // Without a tray there is nothing to come back from: the windows go down to the task bar
+    // and the song and its lyrics run on.
+    if (!m_tray.Available()) {
+        m_forms.Player().Minimize();
+        for (Form* form : m_hiddenInTray)
+            form->Minimize();
+        m_hiddenInTray.clear();
+        return;
+    }
+    m_state.InTray = true;
+    m_tray.Show();
+    m_forms.Player().Hide();
     for (Form* form : m_hiddenInTray)
         form->Hide();
 }
 
 void PlayerCommands::RestoreFromTray()
 {
-    m_player.Show();
+    if (!m_state.InTray)
+        return;
+    m_forms.Player().Show();
     for (Form* form : m_hiddenInTray)
         form->Show();
     m_hiddenInTray.clear();
-    if (m_tray)
-        m_tray->hide();
+    m_tray.Hide();
     KaraokeForm* lyric = m_forms.Lyric();
-    if (lyric && m_state.KaraokeOpen && (m_state.MediaControl || m_state.IsMidi))
+    if (lyric && m_state.KaraokeOpen && m_state.SongOpen())
         lyric->GetLastPos();
     m_state.InTray = false;
+}
+
+void PlayerCommands::TrayCommand(const QString& key)
+{
+    if (key == u"TrayRestore") {
+        RestoreFromTray();
+        return;
+    }
+    // The playlist comes back first, so that it saves where it stands.
+    for (Form* form : m_hiddenInTray)
+        if (form == m_forms.UserList())
+            form->Show();
+    m_tray.Hide();
+    if (CloseApp)
+        CloseApp();
 }

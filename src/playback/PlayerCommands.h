@@ -4,42 +4,64 @@
 
 #include "core/Forms.h"
 
-#include <QObject>
+#include <QStringList>
 #include <functional>
+#include <qnamespace.h>
 
-struct AppState;
+struct PlayerState;
 class PlayerTransport;
-class PlayerWindow;
-class QSystemTrayIcon;
 
-class PlayerCommands final : public QObject {
-    Q_OBJECT
+// The icon in the desktop's system tray.
+class TrayIcon {
 public:
-    PlayerCommands(AppState& state, FormProvider& forms, PlayerTransport& transport, PlayerWindow& player);
-    ~PlayerCommands() override;
+    virtual ~TrayIcon() = default;
+    // False on a desktop without a system tray.
+    virtual bool Available() const = 0;
+    virtual void Show() = 0;
+    virtual void Hide() = 0;
+};
+
+class FileDialogs {
+public:
+    virtual ~FileDialogs() = default;
+    // The files chosen to open, empty when the dialog was cancelled.
+    virtual QStringList OpenFileNames(const QString& title, const QString& folder, const QString& filter) = 0;
+};
+
+// Commands whose windows this build does not have yet. They are refused without a word, as
+// every refused command is, and a key among them does not count as handled.
+bool CommandNotBuiltYet(const QString& key);
+
+class PlayerCommands final {
+public:
+    PlayerCommands(PlayerState& state, FormProvider& forms, PlayerTransport& transport, TrayIcon& tray,
+                   FileDialogs& dialogs);
 
     // The program's orderly way out.
     std::function<void()> CloseApp;
 
     void ButtonAction(int button);
     void MenuCommand(const QString& key);
-    // True when the key matched a row of the keyboard table.
+    // True when the key matched a row of the keyboard table and its command exists.
     bool KeyDown(int key, Qt::KeyboardModifiers modifiers);
+    // The player's "Open file(s)" command.
+    void OpenFileDialog();
 
     void MinimizeToTray();
     void RestoreFromTray();
-    bool InTray() const;
+    // The tray's own commands: "TrayRestore" and "TrayExit".
+    void TrayCommand(const QString& key);
 
 private:
     void ToggleKaraoke();
     void TogglePlaylist();
     void SwapTimeStyle();
+    void ToggleMute();
 
-    AppState& m_state;
+    PlayerState& m_state;
     FormProvider& m_forms;
     PlayerTransport& m_transport;
-    PlayerWindow& m_player;
-    QSystemTrayIcon* m_tray = nullptr;
+    TrayIcon& m_tray;
+    FileDialogs& m_dialogs;
     std::vector<Form*> m_hiddenInTray;
-    bool m_inTrayEvent = false;
 };

@@ -1,9 +1,9 @@
 #include "playback/PlayerTransport.h"
 
 #include "audio/NullDevice.h"
-#include "core/AppState.h"
+#include "audio/SoundDevices.h"
 #include "playback/MediaSession.h"
-#include "playback/PlayerWindow.h"
+#include "playback/PlayerState.h"
 
 #include <QFileInfo>
 #include <QTextStream>
@@ -17,11 +17,22 @@ QString CommandLineSongPath(const QString& commandLine)
     return path;
 }
 
-PlayerTransport::PlayerTransport(AppState& state, FormProvider& forms, PlayerWindow& player, MessageBoxes* messages)
-    : m_state(state), m_forms(forms), m_player(player), m_messages(messages), m_ticks(state, forms, *this)
+std::unique_ptr<SongSession> BuiltInSessions(AudioEngine& engine, bool midi)
 {
-    QObject::connect(&player, &PlayerWindow::progressMoved, &player, [this](double f) { SeekTo(f); });
-    QObject::connect(&player, &PlayerWindow::volumeMoved, &player, [this](double v) { VolumeMoved(v); });
+    if (midi)
+        return nullptr;
+    return std::make_unique<MediaSession>(engine);
+}
+
+PlayerTransport::PlayerTransport(PlayerState& state, FormProvider& forms, SongList& list, MessageBoxes* messages,
+                                 SessionFactory sessions)
+    : m_state(state),
+      m_forms(forms),
+      m_list(list),
+      m_messages(messages),
+      m_sessions(std::move(sessions)),
+      m_ticks(state, forms, *this, list)
+{
 }
 
 void PlayerTransport::StartAudio()
@@ -39,77 +50,71 @@ void PlayerTransport::StartAudio()
     m_state.Engine->Start();
 }
 
-MediaSession* PlayerTransport::Session() const
-{
-    return dynamic_cast<MediaSession*>(m_state.MediaControl.get());
-}
-
-std::unique_ptr<MediaSession> PlayerTransport::RenderedSession(const QString& path)
+std::unique_ptr<SongSession> PlayerTransport::RenderedSession(const QString& path, bool& failed)
 {
     StartAudio();
-    auto session = std::make_unique<MediaSession>(*m_state.Engine);
-    session->put_Rate(m_state.PlaybackRate);
-    if (!session->RenderFile(ShortPath(path)))
+    auto session = m_sessions(*m_state.Engine, m_state.IsMidi);
+    failed = false;
+    if (!session)
         return nullptr;
+    session->put_Rate(m_state.PlaybackRate);
+    if (!session->RenderFile(ShortPath(path))) {
+        failed = true;
+        return nullptr;
+    }
     return session;
 }
 
 bool PlayerTransport::CreateGraph(const QString& path)
 {
-    m_state.MediaControl.reset();
-    auto session = RenderedSession(path);
-    if (!session)
-        return false;
-    m_state.MediaControl = std::move(session);
-    Session()->put_Volume(GetVolume());
-    return true;
+    m_state.Session.reset();
+    bool failed = false;
+    m_state.Session = RenderedSession(path, failed);
+    if (m_state.Session)
+        m_state.Session->put_Volume(GetVolume());
+    return !failed;
 }
 
 void PlayerTransport::TransportLamps(int play, int pause, int stop)
 {
-    m_player.Light(1, pause);
-    m_player.Light(0, play);
-    m_player.Light(2, stop);
+    Player().Light(1, pause);
+    Player().Light(0, play);
+    Player().Light(2, stop);
 }
 
-void PlayerTransport::PlaySong(bool& resume)
+void PlayerTransport::PlaySong()
 {
-    (void)resume;  // for the MIDI player, which takes it as it stands
-    MediaSession* session = Session();
-    if (!session && !m_state.IsMidi) {
-        PlaylistForm* list = m_forms.UserList();
-        if (list && list->ListCount() > 0 && list->SelectedIndex() >= 0)
-            list->fnChangeSong(list->SelectedIndex());
+    if (!m_state.SongOpen()) {
+        if (m_list.ListCount() > 0 && m_list.SelectedIndex() >= 0)
+            fnChangeSong(m_list.SelectedIndex());
         return;
     }
-    if (session)
-        session->Run();
-    if (auto* voice = dynamic_cast<MediaSession*>(m_state.VoiceControl.get()); voice && m_state.VoicePlaying)
-        voice->Run();
+    if (m_state.Session)
+        m_state.Session->Run();
+    if (m_state.VoiceControl && m_state.VoicePlaying)
+        m_state.VoiceControl->Run();
     m_ticks.Start();
     TransportLamps(1, 0, 0);
 }
 
 void PlayerTransport::PauseSong()
 {
-    MediaSession* session = Session();
-    if (!session && !m_state.IsMidi)
+    if (!m_state.SongOpen())
         return;
     m_ticks.Stop();
     // While recording the song plays on under a frozen display.
     if (m_state.Recording)
         return;
-    if (session)
-        session->Pause();
-    if (auto* voice = dynamic_cast<MediaSession*>(m_state.VoiceControl.get()))
-        voice->Pause();
+    if (m_state.Session)
+        m_state.Session->Pause();
+    if (m_state.VoiceControl)
+        m_state.VoiceControl->Pause();
     TransportLamps(0, 1, 0);
 }
 
 void PlayerTransport::StopSong()
 {
-    MediaSession* session = Session();
-    if (!session && !m_state.IsMidi)
+    if (!m_state.SongOpen())
         return;
     KaraokeForm* lyric = m_forms.Lyric();
     if (m_state.KaraokeOpen && lyric)
@@ -117,12 +122,12 @@ void PlayerTransport::StopSong()
     if (m_state.VoiceControl)
         m_state.VoiceControl->Stop();
     m_ticks.Stop();
-    if (session) {
-        session->put_CurrentPosition(0);
-        session->Stop();
+    if (m_state.Session) {
+        m_state.Session->put_CurrentPosition(0);
+        m_state.Session->Stop();
     }
-    m_player.SetProgress(0);
-    m_player.SetTimeText(QStringLiteral("0"));
+    Player().SetProgress(0);
+    Player().SetTimeText(QStringLiteral("0"));
     if (lyric)
         lyric->GetLastPos();
     TransportLamps(0, 0, 1);
@@ -134,10 +139,11 @@ void PlayerTransport::CloseSong()
     KaraokeForm* lyric = m_forms.Lyric();
     if (m_state.KaraokeOpen && lyric)
         lyric->ClearLyrics();
-    m_player.SetProgress(0);
-    m_player.SetTimeText(QStringLiteral("0"));
-    m_player.PutLabels(QString(), QString());
-    m_player.SetQualityLabels(QString(), QString());
+    m_state.CurrentInfo.reset();
+    Player().SetProgress(0);
+    Player().SetTimeText(QStringLiteral("0"));
+    Player().PutLabels(QString(), QString());
+    Player().SetQualityLabels(QString(), QString());
     m_state.CurrentFile.clear();
     m_state.PlayingIndex = -1;
     if (ControlsForm* midi = m_forms.MidiEq())
@@ -146,22 +152,22 @@ void PlayerTransport::CloseSong()
     m_state.MidiDuration = 0;
     if (m_state.VoiceControl)
         m_state.VoiceControl->Stop();
-    if (m_state.MediaControl) {
-        m_state.MediaControl->Stop();
-        m_state.MediaControl.reset();
+    if (m_state.Session) {
+        m_state.Session->Stop();
+        m_state.Session.reset();
     }
     TransportLamps(0, 0, 1);
 }
 
 void PlayerTransport::SeekTo(double fraction)
 {
-    MediaSession* session = Session();
+    SongSession* session = m_state.Session.get();
     if (!session)
         return;
-    session->put_CurrentPosition(session->get_Duration() * fraction);
-    auto* voice = dynamic_cast<MediaSession*>(m_state.VoiceControl.get());
-    if (voice && m_state.VoicePlaying)
-        voice->put_CurrentPosition(session->get_CurrentPosition());
+    const double duration = m_state.IsMidi ? m_state.MidiDuration : session->get_Duration();
+    session->put_CurrentPosition(duration * fraction);
+    if (m_state.VoiceControl && m_state.VoicePlaying)
+        m_state.VoiceControl->put_CurrentPosition(session->get_CurrentPosition());
     KaraokeForm* lyric = m_forms.Lyric();
     if (m_state.KaraokeOpen && lyric)
         lyric->GetLastPos();
@@ -169,13 +175,13 @@ void PlayerTransport::SeekTo(double fraction)
 
 int16_t PlayerTransport::GetVolume() const
 {
-    return Session() ? VolumeOfSlider(m_player.VolumeValue()) : int16_t(0);
+    return m_state.Session ? VolumeOfSlider(m_forms.Player().VolumeValue()) : int16_t(0);
 }
 
 void PlayerTransport::VolumeMoved(double sliderValue)
 {
-    if (MediaSession* session = Session())
-        session->put_Volume(VolumeOfSlider(sliderValue));
+    if (m_state.Session)
+        m_state.Session->put_Volume(VolumeOfSlider(sliderValue));
 }
 
 void PlayerTransport::SetMuted(bool muted)
@@ -187,7 +193,7 @@ void PlayerTransport::SetMuted(bool muted)
 
 void PlayerTransport::ReopenAround(const QString& path, const std::function<void()>& rewrite)
 {
-    MediaSession* session = Session();
+    SongSession* session = m_state.Session.get();
     if (!session || ShortPath(path) != ShortPath(m_state.CurrentFile)) {
         rewrite();
         return;
@@ -195,16 +201,17 @@ void PlayerTransport::ReopenAround(const QString& path, const std::function<void
     const double wholeSeconds = std::round(session->get_CurrentPosition());
     const int state = session->GetState();
     session->Stop();
-    m_state.MediaControl.reset();
+    m_state.Session.reset();
 
     rewrite();
 
-    auto reopened = RenderedSession(m_state.CurrentFile);
+    bool failed = false;
+    auto reopened = RenderedSession(m_state.CurrentFile, failed);
     if (!reopened)
         return;
     reopened->put_CurrentPosition(wholeSeconds);
-    if (state == 2)
+    if (state == SongSession::Running)
         reopened->Run();
-    reopened->put_Volume(ReopenedVolume(m_player.VolumeValue(), m_state.Muted));
-    m_state.MediaControl = std::move(reopened);
+    reopened->put_Volume(ReopenedVolume(Player().VolumeValue(), m_state.Muted));
+    m_state.Session = std::move(reopened);
 }

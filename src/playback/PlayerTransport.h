@@ -1,17 +1,18 @@
 #pragma once
-// The song transport of the player: the audio engine's one output, the media session of the
-// song, play, pause, stop, close, seek, volume and mute, and songs handed over by the command line.
+// The song transport of the player: the audio engine's one output, the session that plays the
+// song, play, pause, stop, close, seek, volume and mute, the loading of songs and the walks
+// of Next and Previous over the playlist.
 
 #include "core/Forms.h"
-#include "core/PlaybackTicks.h"
+#include "playback/PlaybackTicks.h"
 
 #include <functional>
 #include <memory>
 
-struct AppState;
+struct PlayerState;
+class AudioEngine;
 class MP3Class;
-class MediaSession;
-class PlayerWindow;
+class SongSession;
 
 // The path a command line names: made absolute, and a lyrics file ("...lrs") stands for the
 // song beside it with the extension "mp3".
@@ -20,9 +21,16 @@ QString CommandLineSongPath(const QString& commandLine);
 // A song's row text: "artist - title", the title alone, or the file's display name.
 QString SongListText(const MP3Class& song);
 
+// Makes the session that plays a kind of song; nullptr where this build has nothing that plays
+// the kind (MIDI songs then load without sound).
+using SessionFactory = std::function<std::unique_ptr<SongSession>(AudioEngine& engine, bool midi)>;
+// Audio files on the engine's FFmpeg file source.
+std::unique_ptr<SongSession> BuiltInSessions(AudioEngine& engine, bool midi);
+
 class PlayerTransport final : public SongTransport {
 public:
-    PlayerTransport(AppState& state, FormProvider& forms, PlayerWindow& player, MessageBoxes* messages = nullptr);
+    PlayerTransport(PlayerState& state, FormProvider& forms, SongList& list, MessageBoxes* messages = nullptr,
+                    SessionFactory sessions = BuiltInSessions);
 
     PlaybackTicks& Ticks() { return m_ticks; }
 
@@ -30,11 +38,9 @@ public:
     // replaced by the null device, so the program still runs and keeps time.
     void StartAudio();
 
-    // A fresh media session for the file: rate, then the file, then the volume. False when
-    // the file cannot be decoded; the old session is gone either way.
-    bool CreateGraph(const QString& path);
-
-    void PlaySong(bool& resume);
+    // Starts the song, or goes on where a paused one stands. With nothing loaded it opens the
+    // playlist's selected row.
+    void PlaySong();
     void PauseSong();
     void StopSong() override;
     void CloseSong();
@@ -48,33 +54,40 @@ public:
     // back at the same whole second, in the same state.
     void ReopenAround(const QString& path, const std::function<void()>& rewrite);
 
-    // Loads a song: the old one closed, the file read, the audio session or the MIDI player,
-    // labels and lyrics. False only when the file does not exist.
+    // Loads a song: the old one closed, the file read, its session, labels and lyrics. False
+    // only when the file does not exist, or while another song is still being opened.
     bool OpenSong(const QString& path, bool autoplay);
+    // Marks the playlist row as playing, then opens and plays its song.
+    void fnChangeSong(int index);
     // Next and Previous over the playlist.
     void DALEJ() override;
     void WSTECZ();
     void OpenFromCommandLine(const QString& commandLine) override;
-    // The player's "Open file(s)" command: the chosen files become the playlist.
-    void OpenFileDialog();
+    // The files chosen in the open dialog become the playlist; the first plays at once.
+    void OpenFiles(const QStringList& files);
 
 private:
-    MediaSession* Session() const;
-    // A new session on the file at the current rate, not yet playing; nullptr when it cannot be decoded.
-    std::unique_ptr<MediaSession> RenderedSession(const QString& path);
+    PlayerForm& Player() { return m_forms.Player(); }
+    // A fresh session on the file, rate first, then the file, then the volume. False when the
+    // file cannot be played; the old session is gone either way.
+    bool CreateGraph(const QString& path);
+    std::unique_ptr<SongSession> RenderedSession(const QString& path, bool& failed);
     void TransportLamps(int play, int pause, int stop);
     void OpenAudioSong(const QString& path, bool autoplay);
-    void OpenMidiSong();
+    void OpenMidiSong(const QString& path);
+    void ReportUnplayable();
     void ShowSongLabels();
     void LoadSongLyrics();
-    // The playlist for Next and Previous; nullptr when the song stopped or closed instead.
-    PlaylistForm* ListToWalk();
+    // The playlist for Next and Previous; false when the song stopped or closed instead.
+    bool MayWalkList();
     // Tries the rows from `first` towards `last` (either way); true when one opened.
-    bool WalkList(PlaylistForm& list, int first, int last);
+    bool WalkList(int first, int last);
 
-    AppState& m_state;
+    PlayerState& m_state;
     FormProvider& m_forms;
-    PlayerWindow& m_player;
+    SongList& m_list;
     MessageBoxes* m_messages;
+    SessionFactory m_sessions;
     PlaybackTicks m_ticks;
+    bool m_opening = false;
 };

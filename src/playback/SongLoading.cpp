@@ -1,14 +1,12 @@
-// Song loading: OpenSong and the ways into it (command line, the open dialog, Next, Previous).
+// Song loading: OpenSong and the ways into it (command line, the open dialog, playlist rows,
+// Next, Previous).
 
-#include "core/AppState.h"
+#include "core/Numbers.h"
 #include "lyrics/LyricsLoader.h"
 #include "playback/MediaSession.h"
+#include "playback/PlayerState.h"
 #include "playback/PlayerTransport.h"
-#include "playback/PlayerWindow.h"
-#include "text/Numbers.h"
 
-#include <QCoreApplication>
-#include <QFileDialog>
 #include <QFileInfo>
 
 QString SongListText(const MP3Class& song)
@@ -22,42 +20,47 @@ QString SongListText(const MP3Class& song)
 
 bool PlayerTransport::OpenSong(const QString& path, bool autoplay)
 {
+    // A load runs to its end before the next one starts: one arriving meanwhile is refused.
+    if (m_opening)
+        return false;
+    m_opening = true;
     CloseSong();
     ResetLyricsData(m_state.Lyrics);
-    if (!QFileInfo(path).isFile())
-        return false;
-    m_ticks.Stop();
+    const bool exists = QFileInfo(path).isFile();
+    if (exists) {
+        m_ticks.Stop();
+        m_state.CurrentInfo = std::make_unique<MP3Class>(m_state.Language.IsPolish);
+        m_state.CurrentInfo->SetFilename(path);
+        m_state.CurrentInfo->ReadFile();
+        if (m_state.CurrentInfo->format() == u"MIDI")
+            OpenMidiSong(path);
+        else
+            OpenAudioSong(path, autoplay);
+    }
+    m_opening = false;
+    return exists;
+}
 
-    m_state.CurrentInfo = std::make_unique<MP3Class>(m_state.Language.IsPolish);
-    m_state.CurrentInfo->SetFilename(path);
-    m_state.CurrentInfo->ReadFile();
-    if (m_state.CurrentInfo->format() == u"MIDI")
-        OpenMidiSong();
-    else
-        OpenAudioSong(path, autoplay);
-    return true;
+void PlayerTransport::ReportUnplayable()
+{
+    CloseSong();
+    if (m_messages)
+        m_messages->Critical(m_state.Language.GetText(QStringLiteral("ErrorAudioRead")));
 }
 
 void PlayerTransport::OpenAudioSong(const QString& path, bool autoplay)
 {
     m_state.IsMidi = false;
     if (!CreateGraph(path)) {
-        // The one error of a load: the file is there but cannot be played.
-        CloseSong();
-        if (m_messages)
-            m_messages->Critical(m_state.Language.GetText(QStringLiteral("ErrorAudioRead")));
+        ReportUnplayable();
         return;
     }
     m_state.CurrentFile = path;
-    if (autoplay) {
-        bool resume = false;
-        PlaySong(resume);
-    }
-    if (MediaSession* session = Session())
-        session->put_Volume(GetVolume());
+    if (autoplay)
+        PlaySong();
     ShowSongLabels();
     const MP3Class& info = *m_state.CurrentInfo;
-    m_player.SetQualityLabels(info.Bitrate() > 0 ? QString::number(info.Bitrate()) + QStringLiteral(" Kb/s") : QString(),
+    Player().SetQualityLabels(info.Bitrate() > 0 ? QString::number(info.Bitrate()) + QStringLiteral(" Kb/s") : QString(),
                               info.SampleRate() > 0 ? QString::number(info.SampleRate()) + QStringLiteral(" Hz") : QString());
 
     KaraokeForm* lyric = m_forms.Lyric();
@@ -65,7 +68,6 @@ void PlayerTransport::OpenAudioSong(const QString& path, bool autoplay)
         lyric->ClearLyrics();
         lyric->ClearNewLyrics();
     }
-    QCoreApplication::processEvents();
     LoadSongLyrics();
     if (m_state.KaraokeOpen && lyric)
         lyric->ChangeLyrics();
@@ -96,7 +98,7 @@ void PlayerTransport::LoadSongLyrics()
     }
 }
 
-void PlayerTransport::OpenMidiSong()
+void PlayerTransport::OpenMidiSong(const QString& path)
 {
     m_state.IsMidi = true;
     KaraokeForm* lyric = m_forms.Lyric();
@@ -105,6 +107,10 @@ void PlayerTransport::OpenMidiSong()
         lyric->ClearNewLyrics();
     }
     m_state.MidiDuration = m_state.CurrentInfo->Length();
+    if (!CreateGraph(path)) {
+        ReportUnplayable();
+        return;
+    }
     if (ControlsForm* midi = m_forms.MidiEq())
         midi->ChangeMidi(m_state.CurrentInfo->Filename(), 0);
     ShowSongLabels();
@@ -116,62 +122,57 @@ void PlayerTransport::ShowSongLabels()
 {
     const MP3Class& info = *m_state.CurrentInfo;
     const QString title = info.Title();
-    m_player.PutLabels(info.Artist(), title.isEmpty() ? info.BaseName() : title);
+    Player().PutLabels(info.Artist(), title.isEmpty() ? info.BaseName() : title);
 }
 
 void PlayerTransport::OpenFromCommandLine(const QString& commandLine)
 {
     const QString path = CommandLineSongPath(commandLine);
-    if (!OpenSong(path, false))
+    if (!OpenSong(path, false) || !m_state.CurrentInfo)
         return;
-    if (PlaylistForm* list = m_forms.UserList()) {
-        list->ClearList();
-        list->AddItem(SongListText(*m_state.CurrentInfo), FormatTime(m_state.CurrentInfo->Length()), path);
-        m_state.PlayingIndex = 0;
-        list->SetCurrentPlaying(0);
-        list->SetItemPath(0, m_state.CurrentFile);
-    }
-    if (m_state.MediaControl) {
-        bool resume = false;
-        PlaySong(resume);
-    }
+    m_list.ClearList();
+    m_list.AddItem(SongListText(*m_state.CurrentInfo), FormatTime(m_state.CurrentInfo->Length()), path);
+    m_state.PlayingIndex = 0;
+    m_list.SetCurrentPlaying(0);
+    m_list.SetItemPath(0, m_state.CurrentFile);
+    if (m_state.Session && !m_state.IsMidi)
+        PlaySong();
 }
 
-void PlayerTransport::OpenFileDialog()
+void PlayerTransport::OpenFiles(const QStringList& files)
 {
-    if (m_state.Recording || m_state.EditorOpen)
-        return;
-    const QString title = QStringLiteral("SWV: ") + m_state.Language.GetText(QStringLiteral("DialogAddFiles"));
-    const QString filter = m_state.Language.GetText(QStringLiteral("FilterOpenAudio"))
-                           + QStringLiteral(" (*.wav *.mp3 *.mpc *.ape *.ogg *.mid *.midi *.kar)");
-    const QStringList files = QFileDialog::getOpenFileNames(&m_player, title, m_state.Theme->MusicPath, filter);
     if (files.isEmpty())
         return;
-    m_state.Theme->MusicPath = QFileInfo(files.first()).absolutePath();
-    PlaylistForm* list = m_forms.UserList();
-    if (!list) {
-        OpenSong(files.first(), true);
+    m_list.ClearList();
+    MP3Class first(m_state.Language.IsPolish);
+    first.SetFilename(files.first());
+    first.ReadFile();
+    m_list.AddItem(SongListText(first), FormatTime(std::max(0.0, first.Length())), files.first());
+    // The first song plays while the others are still being read.
+    fnChangeSong(0);
+    m_list.AppendFiles(files.mid(1));
+}
+
+void PlayerTransport::fnChangeSong(int index)
+{
+    if (index < 0 || index >= m_list.ListCount())
         return;
-    }
-    list->ClearList();
-    for (qsizetype i = 0; i < files.size(); ++i) {
-        MP3Class song(m_state.Language.IsPolish);
-        song.SetFilename(files[i]);
-        song.ReadFile();
-        list->AddItem(SongListText(song), FormatTime(std::max(0.0, song.Length())), files[i]);
-        QCoreApplication::processEvents();
-        if (i == 0)
-            list->fnChangeSong(0);
+    // The row is marked before the song is read, also when the read then fails.
+    m_state.PlayingIndex = int16_t(index);
+    m_list.SetCurrentPlaying(index);
+    if (OpenSong(m_list.ItemPath(index), true)) {
+        m_state.PlayingIndex = int16_t(index);
+        m_list.SetCurrentPlaying(index);
     }
 }
 
-bool PlayerTransport::WalkList(PlaylistForm& list, int first, int last)
+bool PlayerTransport::WalkList(int first, int last)
 {
     const int step = first <= last ? 1 : -1;
     for (int index = first; index != last + step; index += step) {
-        list.SetCurrentPlaying(index);
+        m_list.SetCurrentPlaying(index);
         m_state.PlayingIndex = int16_t(index);
-        if (OpenSong(list.ItemPath(index), true)) {
+        if (OpenSong(m_list.ItemPath(index), true)) {
             // Closing the old song cleared the index; the row that opened is the one playing.
             m_state.PlayingIndex = int16_t(index);
             return true;
@@ -180,63 +181,59 @@ bool PlayerTransport::WalkList(PlaylistForm& list, int first, int last)
     return false;
 }
 
-PlaylistForm* PlayerTransport::ListToWalk()
+bool PlayerTransport::MayWalkList()
 {
     // While the editor is open the end of a song never moves on; an empty list ends the song.
     if (m_state.EditorOpen) {
         StopSong();
-        return nullptr;
+        return false;
     }
-    PlaylistForm* list = m_forms.UserList();
-    if (!list || list->ListCount() == 0) {
+    if (m_list.ListCount() == 0) {
         CloseSong();
-        return nullptr;
+        return false;
     }
-    return list;
+    return true;
 }
 
 void PlayerTransport::DALEJ()
 {
-    PlaylistForm* list = ListToWalk();
-    if (!list)
+    if (m_opening || !MayWalkList())
         return;
-    if (list->ListCount() == 1) {
-        const QString path = list->ItemPath(0);
-        if (path == m_state.CurrentFile && (m_state.MediaControl || m_state.IsMidi))
+    if (m_list.ListCount() == 1) {
+        const QString path = m_list.ItemPath(0);
+        if (path == m_state.CurrentFile && m_state.SongOpen())
             return;
         if (OpenSong(path, true)) {
             m_state.PlayingIndex = 0;
-            list->SetCurrentPlaying(0);
-            QCoreApplication::processEvents();
+            m_list.SetCurrentPlaying(0);
             return;
         }
         CloseSong();
         return;
     }
     int first = m_state.PlayingIndex + 1;
-    if (first > list->ListCount() - 1)
+    if (first > m_list.ListCount() - 1)
         first = 0;
-    if (!WalkList(*list, first, list->ListCount() - 1))
+    if (!WalkList(first, m_list.ListCount() - 1))
         CloseSong();
 }
 
 void PlayerTransport::WSTECZ()
 {
-    PlaylistForm* list = ListToWalk();
-    if (!list)
+    if (m_opening || !MayWalkList())
         return;
-    if (list->ListCount() == 1) {
+    if (m_list.ListCount() == 1) {
         // Previous on a one-song list starts that song again.
-        if (OpenSong(list->ItemPath(0), true)) {
+        if (OpenSong(m_list.ItemPath(0), true)) {
             m_state.PlayingIndex = 0;
-            list->SetCurrentPlaying(0);
+            m_list.SetCurrentPlaying(0);
         } else
             CloseSong();
         return;
     }
     int first = m_state.PlayingIndex - 1;
     if (first < 0)
-        first = list->ListCount() - 1;
-    if (!WalkList(*list, first, 0))
+        first = m_list.ListCount() - 1;
+    if (!WalkList(first, 0))
         CloseSong();
 }

@@ -1,7 +1,7 @@
 #include "playlist/PlaylistFiles.h"
 
-#include "text/Numbers.h"
-#include "text/TextCodec.h"
+#include "core/Numbers.h"
+#include "core/TextCodec.h"
 
 #include <QDir>
 #include <QFile>

@@ -15,7 +15,7 @@ std::optional<SongFacts> ProbeSong(const QString& path, bool polish)
     return SongFacts{song.Artist(), song.Title(), song.Length()};
 }
 
-SongProber::SongProber(bool polish, QObject* parent) : QObject(parent), m_polish(polish)
+SongProber::SongProber(const LanguageTable& language, QObject* parent) : QObject(parent), m_language(language)
 {
     m_pool.setMaxThreadCount(std::max(2, QThread::idealThreadCount()));
 }
@@ -29,6 +29,7 @@ SongProber::~SongProber()
 void SongProber::Enqueue(std::vector<PlaylistRow> rows, bool probe)
 {
     const int generation = *m_generation;
+    const bool polish = m_language.IsPolish;
     size_t first = 0;
     {
         std::lock_guard lock(m_mutex);
@@ -47,8 +48,8 @@ void SongProber::Enqueue(std::vector<PlaylistRow> rows, bool probe)
             path = m_slots[i].row.ItemPath;
         }
         auto current = m_generation;
-        m_pool.start([this, i, path, generation, current] {
-            const auto facts = ProbeSong(path, m_polish);
+        m_pool.start([this, i, path, generation, current, polish] {
+            const auto facts = ProbeSong(path, polish);
             if (*current != generation)
                 return;
             {

@@ -3,6 +3,7 @@
 // threads, and the rows come back on the interface thread one by one, in the order they were
 // queued.
 
+#include "core/Language.h"
 #include "playlist/PlaylistFiles.h"
 
 #include <QObject>
@@ -17,7 +18,8 @@ std::optional<SongFacts> ProbeSong(const QString& path, bool polish);
 class SongProber final : public QObject {
     Q_OBJECT
 public:
-    explicit SongProber(bool polish, QObject* parent = nullptr);
+    // Songs are read in the code page of the language that is loaded when they are queued.
+    explicit SongProber(const LanguageTable& language, QObject* parent = nullptr);
     ~SongProber() override;
 
     // Rows to hand back in order; with `probe`, each existing file's tags and length replace
@@ -38,7 +40,7 @@ private:
     };
     void Deliver();
 
-    bool m_polish;
+    const LanguageTable& m_language;
     QThreadPool m_pool;
     mutable std::mutex m_mutex;
     std::vector<Slot> m_slots;

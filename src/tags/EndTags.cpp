@@ -1,7 +1,7 @@
 #include "tags/EndTags.h"
 
 #include "tags/Bytes.h"
-#include "text/TextCodec.h"
+#include "core/TextCodec.h"
 
 #include <optional>
 

@@ -1,7 +1,7 @@
 #include "tags/Lyrics3.h"
 
 #include "tags/EndTags.h"
-#include "text/TextCodec.h"
+#include "core/TextCodec.h"
 
 namespace {
 

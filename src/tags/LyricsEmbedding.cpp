@@ -3,7 +3,7 @@
 #include "lyrics/LyricsBlock.h"
 #include "tags/EndTags.h"
 #include "tags/FileBytes.h"
-#include "text/TextCodec.h"
+#include "core/TextCodec.h"
 
 #include <QFileInfo>
 

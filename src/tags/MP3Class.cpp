@@ -8,7 +8,7 @@
 #include "tags/InfoTexts.h"
 #include "tags/Lyrics3.h"
 #include "tags/TagBridge.h"
-#include "text/Numbers.h"
+#include "core/Numbers.h"
 
 #include <QFileInfo>
 

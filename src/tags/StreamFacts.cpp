@@ -111,6 +111,8 @@ bool StartsWithOtherFormat(QByteArrayView bytes, qsizetype at)
 struct VbrInfo {
     uint32_t Frames = 0;
     uint32_t Bytes = 0;
+    // LAME writes "Info" instead of "Xing" for a constant-rate file.
+    bool ConstantRate = false;
 };
 
 // The Xing/Info or VBRI header in the first frame of an encoder that wrote one.
@@ -121,6 +123,7 @@ VbrInfo ReadVbrHeader(QByteArrayView bytes, qsizetype frame, const FrameHeader& 
     const int sideInfo = h.Version == Mpeg1 ? (mono ? 17 : 32) : (mono ? 9 : 17);
     for (const qsizetype at : {frame + 4 + sideInfo, frame + 6 + sideInfo}) {
         if (HasAt(bytes, at, "Xing") || HasAt(bytes, at, "Info")) {
+            info.ConstantRate = HasAt(bytes, at, "Info");
             const uint32_t flags = BigEndian(bytes, at + 4, 4);
             qsizetype field = at + 8;
             if (flags & 1) {
@@ -370,7 +373,8 @@ MpegFacts AnalyseMpeg(QByteArrayView bytes)
     facts.Text2 = QStringLiteral("Layer ") + QString(h.Layer, u'I');
     facts.Mode = MpegModeName(h.Mode);
     facts.Emphasis = EmphasisName(h.Emphasis);
-    facts.Bitrate = vbr.Frames > 0 && seconds > 0 ? SaturatedInt(std::round(audioBytes * 8 / seconds / 1000)) : h.Bitrate;
+    const bool averaged = vbr.Frames > 0 && !vbr.ConstantRate && seconds > 0;
+    facts.Bitrate = averaged ? SaturatedInt(std::round(audioBytes * 8 / seconds / 1000)) : h.Bitrate;
     facts.Rate = h.Rate;
     facts.Frames = SaturatedInt(frames);
     facts.Seconds = SaturatedInt(seconds);

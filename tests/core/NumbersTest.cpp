@@ -1,5 +1,5 @@
-#include "text/Numbers.h"
-#include "text/TextCodec.h"
+#include "core/Numbers.h"
+#include "core/TextCodec.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 #include "lyrics/LyricsLoader.h"
-#include "text/TextCodec.h"
+#include "core/TextCodec.h"
 #include "support/TestSupport.h"
 
 #include <QDir>

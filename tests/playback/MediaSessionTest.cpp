@@ -1,10 +1,8 @@
 #include "audio/ManualDevice.h"
-#include "core/AppState.h"
 #include "playback/MediaSession.h"
+#include "playback/PlayerState.h"
 #include "playback/PlayerTransport.h"
-#include "playback/PlayerWindow.h"
-#include "support/TestSupport.h"
-#include "SessionWindows.h"
+#include "support/FakeForms.h"
 
 #include <QTemporaryDir>
 #include <chrono>
@@ -20,6 +18,7 @@ protected:
     TransportTest()
     {
         state.Language.LoadTable(false);
+        state.Theme = std::make_unique<ThemeClass>(store, ThemeEnvironment{}, state.MonitorList);
         device = new ManualDevice(kRate);
         state.Engine = std::make_unique<AudioEngine>(std::unique_ptr<AudioDevice>(device));
         state.Engine->Start();
@@ -27,7 +26,7 @@ protected:
         state.CurrentFile = song;
     }
 
-    MediaSession* Session() { return dynamic_cast<MediaSession*>(state.MediaControl.get()); }
+    MediaSession* Session() { return dynamic_cast<MediaSession*>(state.Session.get()); }
 
     // Plays `seconds` on the manual device in 10 ms steps, each once the decoder has the step's
     // audio ready (or a second has passed, at the end of the file), so a busy machine plays alike.
@@ -43,11 +42,13 @@ protected:
     }
 
     QTemporaryDir dir;
-    AppState state;
+    PlayerState state;
     Journal journal;
+    MemoryStore store;
     ManualDevice* device = nullptr;
-    SessionWindows windows{state, journal};
-    PlayerTransport transport{state, windows, windows.player};
+    FakeWindows windows{journal};
+    FakeSongList list{journal};
+    PlayerTransport transport{state, windows, list};
     QString song;
 };
 
@@ -73,13 +74,12 @@ TEST(MediaSession, VolumeLawsAndRefusedFiles)
     EXPECT_EQ(session.get_Duration(), 0);
 }
 
-TEST_F(TransportTest, StopThenPlayStartsAtZeroAndPauseFreezes)
+TEST_F(TransportTest, PlayAfterPauseGoesOnAndAfterStopStartsAtZero)
 {
-    ASSERT_TRUE(transport.CreateGraph(song));
-    windows.player.SetVolumeSlider(0.5);
+    windows.player.volume = 0.5;
+    ASSERT_TRUE(transport.OpenSong(song, false));
     EXPECT_EQ(Session()->get_Volume(), -1800);
-    bool resume = false;
-    transport.PlaySong(resume);
+    transport.PlaySong();
     EXPECT_EQ(Session()->GetState(), 2);
     Play(0.5);
     EXPECT_DOUBLE_EQ(Session()->get_CurrentPosition(), 0.5);
@@ -87,12 +87,18 @@ TEST_F(TransportTest, StopThenPlayStartsAtZeroAndPauseFreezes)
     transport.PauseSong();
     Play(0.2);
     EXPECT_DOUBLE_EQ(Session()->get_CurrentPosition(), 0.5);
+    EXPECT_EQ(windows.player.lamps[1], 1) << "the pause lamp";
+    transport.PlaySong();
+    Play(0.2);
+    EXPECT_DOUBLE_EQ(Session()->get_CurrentPosition(), 0.7) << "a paused song goes on where it stood";
+    EXPECT_EQ(windows.player.lamps[0], 1);
+    EXPECT_EQ(windows.player.lamps[1], 0);
 
     transport.StopSong();
     EXPECT_EQ(Session()->GetState(), 0);
     EXPECT_DOUBLE_EQ(Session()->get_CurrentPosition(), 0);
     Play(0.05);
-    transport.PlaySong(resume);
+    transport.PlaySong();
     Play(0.1);
     EXPECT_DOUBLE_EQ(Session()->get_CurrentPosition(), 0.1);
     EXPECT_TRUE(journal.calls.contains("Lyric.GetLastPos"));
@@ -100,20 +106,20 @@ TEST_F(TransportTest, StopThenPlayStartsAtZeroAndPauseFreezes)
 
 TEST_F(TransportTest, SeekFromTheSliderAndTheReopenKeepWholeSecondsAndState)
 {
-    ASSERT_TRUE(transport.CreateGraph(song));
+    ASSERT_TRUE(transport.OpenSong(song, false));
     state.KaraokeOpen = true;
+    journal.calls.clear();
     transport.SeekTo(0.5);
     EXPECT_DOUBLE_EQ(Session()->get_CurrentPosition(), 1.5);
     EXPECT_EQ(journal.calls.count("Lyric.GetLastPos"), 1);
 
-    bool resume = false;
-    transport.PlaySong(resume);
+    transport.PlaySong();
     Play(0.3);
     EXPECT_DOUBLE_EQ(Session()->get_CurrentPosition(), 1.8);
     bool rewritten = false;
-    windows.player.SetVolumeSlider(0.5);
+    windows.player.volume = 0.5;
     transport.ReopenAround(song, [&] {
-        EXPECT_EQ(state.MediaControl, nullptr) << "nothing holds the file while it is rewritten";
+        EXPECT_EQ(state.Session, nullptr) << "nothing holds the file while it is rewritten";
         rewritten = true;
     });
     EXPECT_TRUE(rewritten);
@@ -132,10 +138,9 @@ TEST_F(TransportTest, SeekFromTheSliderAndTheReopenKeepWholeSecondsAndState)
 
 TEST_F(TransportTest, TheHalfSecondTickFindsTheEndOfTheSong)
 {
-    windows.userList.paths = {song};
-    ASSERT_TRUE(transport.CreateGraph(song));
-    bool resume = false;
-    transport.PlaySong(resume);
+    list.paths = {song};
+    ASSERT_TRUE(transport.OpenSong(song, false));
+    transport.PlaySong();
     Play(2.9);
     transport.Ticks().PlaybackTick();
     transport.Ticks().mmTimer();
@@ -150,11 +155,14 @@ TEST_F(TransportTest, TheHalfSecondTickFindsTheEndOfTheSong)
 
 TEST_F(TransportTest, PlayWithNothingLoadedStartsTheSelectedListEntryOrNothing)
 {
-    bool resume = false;
-    transport.PlaySong(resume);
+    transport.PlaySong();
     EXPECT_TRUE(journal.calls.isEmpty());
-    windows.userList.paths = {song};
-    windows.userList.selected = 0;
-    transport.PlaySong(resume);
-    EXPECT_EQ(journal.calls, QStringList{"UserList.fnChangeSong 0"});
+    list.paths = {dir.filePath("other.wav"), song};
+    list.selected = 1;
+    transport.PlaySong();
+    EXPECT_EQ(state.CurrentFile, song);
+    EXPECT_EQ(list.playing, 1);
+    EXPECT_EQ(state.PlayingIndex, 1);
+    ASSERT_NE(Session(), nullptr);
+    EXPECT_EQ(Session()->GetState(), 2);
 }

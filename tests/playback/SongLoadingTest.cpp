@@ -1,11 +1,11 @@
 // Loading songs: what OpenSong does with good, missing and unplayable files, the command line,
 // and the Next and Previous walks over the playlist.
 
-#include "SessionWindows.h"
 #include "audio/ManualDevice.h"
-#include "core/AppState.h"
 #include "lyrics/LyricsBlock.h"
+#include "playback/PlayerState.h"
 #include "playback/PlayerTransport.h"
+#include "support/FakeForms.h"
 
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
@@ -25,7 +25,7 @@ protected:
         state.Language.LoadTable(false);
         ThemeEnvironment env;
         env.fontFamilies = {QStringLiteral("DejaVu Sans")};
-        state.Theme = std::make_unique<ThemeClass>(windows.store, env, state.MonitorList);
+        state.Theme = std::make_unique<ThemeClass>(store, env, state.MonitorList);
         state.Engine = std::make_unique<AudioEngine>(std::make_unique<ManualDevice>(48000));
         state.Engine->Start();
         state.KaraokeOpen = true;
@@ -39,11 +39,13 @@ protected:
     QStringList Lyric() const { return journal.calls.filter(QStringLiteral("Lyric.")); }
 
     QTemporaryDir dir;
-    AppState state;
+    PlayerState state;
     Journal journal;
-    SessionWindows windows{state, journal};
+    MemoryStore store;
+    FakeWindows windows{journal};
+    FakeSongList list{journal};
     RecordedMessages messages;
-    PlayerTransport transport{state, windows, windows.player, &messages};
+    PlayerTransport transport{state, windows, list, &messages};
 };
 
 } // namespace
@@ -59,9 +61,9 @@ TEST_F(SongLoading, AGoodSongGetsItsSessionLabelsAndLyrics)
 
     EXPECT_TRUE(transport.OpenSong(song, false));
     EXPECT_EQ(state.CurrentFile, song);
-    EXPECT_NE(state.MediaControl, nullptr);
+    EXPECT_NE(state.Session, nullptr);
     EXPECT_FALSE(state.IsMidi);
-    EXPECT_EQ(windows.player.TitleLabel(), "My Song") << "no tag title: the display name";
+    EXPECT_EQ(windows.player.title, "My Song") << "no tag title: the display name";
     EXPECT_EQ(state.Lyrics.PlayLyrics.size(), 2u);
     EXPECT_EQ(state.Lyrics.PlayLyrics[0].FormatName, "Songweaver (*LRS)");
     EXPECT_EQ(Lyric(), (QStringList{"Lyric.ClearLyrics", "Lyric.ClearLyrics", "Lyric.ClearNewLyrics", "Lyric.FitLyrics",
@@ -74,27 +76,27 @@ TEST_F(SongLoading, AMissingFileIsQuietAndAnUnplayableOneIsReported)
 {
     transport.OpenSong(Wav("old.wav"), false);
     EXPECT_FALSE(transport.OpenSong(dir.filePath("gone.wav"), true));
-    EXPECT_EQ(state.MediaControl, nullptr) << "the old song is closed all the same";
+    EXPECT_EQ(state.Session, nullptr) << "the old song is closed all the same";
     EXPECT_TRUE(messages.shown.isEmpty());
 
     EXPECT_TRUE(transport.OpenSong(Unplayable("bad.mp3"), true)) << "true: the file exists";
-    EXPECT_EQ(state.MediaControl, nullptr);
+    EXPECT_EQ(state.Session, nullptr);
     EXPECT_EQ(messages.shown, QStringList{"Possible read error or audio device is not present."});
     EXPECT_TRUE(state.CurrentFile.isEmpty());
 }
 
-TEST_F(SongLoading, MidiSongsGoToTheMidiPlayer)
+TEST_F(SongLoading, MidiSongsLoadWithTheirLengthLabelsAndTheMidiWindow)
 {
     const QString kar = CopyFixture(MediaFixture("song.kar"), dir.path());
     EXPECT_TRUE(transport.OpenSong(kar, true));
     EXPECT_TRUE(state.IsMidi);
-    EXPECT_EQ(state.MediaControl, nullptr);
+    EXPECT_EQ(state.Session, nullptr);
     EXPECT_DOUBLE_EQ(state.MidiDuration, 4.0);
     EXPECT_EQ(state.CurrentFile, kar);
     EXPECT_EQ(state.EditorFile, kar);
     EXPECT_TRUE(journal.calls.contains("MidiEq.ChangeMidi " + kar + " 0"));
-    EXPECT_EQ(windows.player.TitleLabel(), "Silent Night");
-    EXPECT_EQ(windows.player.ArtistLabel(), "Franz Gruber");
+    EXPECT_EQ(windows.player.title, "Silent Night");
+    EXPECT_EQ(windows.player.artist, "Franz Gruber");
 }
 
 TEST_F(SongLoading, TheCommandLineOpensTheSongBesideALyricsFileOnlyAsMp3)
@@ -102,22 +104,22 @@ TEST_F(SongLoading, TheCommandLineOpensTheSongBesideALyricsFileOnlyAsMp3)
     const QString mp3 = CopyFixture(MediaFixture("id3v1.mp3"), dir.path(), "song.mp3");
     transport.OpenFromCommandLine(dir.filePath("song.lrs"));
     EXPECT_EQ(state.CurrentFile, mp3);
-    EXPECT_EQ(windows.userList.paths, QStringList{mp3});
-    EXPECT_EQ(windows.userList.texts, QStringList{"Artist One - Title One|00:01"});
-    EXPECT_EQ(windows.userList.playing, 0);
+    EXPECT_EQ(list.paths, QStringList{mp3});
+    EXPECT_EQ(list.texts, QStringList{"Artist One - Title One|00:01"});
+    EXPECT_EQ(list.playing, 0);
     EXPECT_EQ(state.PlayingIndex, 0);
-    ASSERT_NE(state.MediaControl, nullptr);
+    ASSERT_NE(state.Session, nullptr);
 
     QTemporaryDir other;
     CopyFixture(MediaFixture("comments.ogg"), other.path(), "song.ogg");
     transport.OpenFromCommandLine(other.filePath("song.lrs"));
-    EXPECT_EQ(state.MediaControl, nullptr) << "only \"song.mp3\" is looked for";
+    EXPECT_EQ(state.Session, nullptr) << "only \"song.mp3\" is looked for";
     EXPECT_TRUE(messages.shown.isEmpty());
 }
 
 TEST_F(SongLoading, NextAndPreviousStepOverMissingFilesAndStopAtUnplayableOnes)
 {
-    windows.userList.paths = {dir.filePath("missing.wav"), Wav("a.wav"), Wav("b.wav"), Unplayable("bad.mp3"), Wav("c.wav")};
+    list.paths = {dir.filePath("missing.wav"), Wav("a.wav"), Wav("b.wav"), Unplayable("bad.mp3"), Wav("c.wav")};
     state.PlayingIndex = 0;
     transport.DALEJ();
     EXPECT_EQ(state.CurrentFile, dir.filePath("a.wav"));
@@ -127,50 +129,39 @@ TEST_F(SongLoading, NextAndPreviousStepOverMissingFilesAndStopAtUnplayableOnes)
     transport.DALEJ();
     EXPECT_EQ(state.PlayingIndex, 3) << "the walk stops at the file that cannot play";
     EXPECT_EQ(messages.shown.size(), 1);
-    EXPECT_EQ(state.MediaControl, nullptr);
+    EXPECT_EQ(state.Session, nullptr);
     transport.DALEJ();
     EXPECT_EQ(state.CurrentFile, dir.filePath("c.wav"));
     transport.DALEJ();
     EXPECT_EQ(state.CurrentFile, dir.filePath("a.wav")) << "from the last row Next starts again at the top";
-    EXPECT_EQ(windows.userList.playing, 1);
+    EXPECT_EQ(list.playing, 1);
 
     transport.WSTECZ();
-    EXPECT_EQ(state.MediaControl, nullptr) << "below the missing first row there is nothing: the song ends";
+    EXPECT_EQ(state.Session, nullptr) << "below the missing first row there is nothing: the song ends";
     EXPECT_EQ(state.PlayingIndex, -1);
     transport.WSTECZ();
     EXPECT_EQ(state.CurrentFile, dir.filePath("c.wav")) << "with no song, Previous starts at the last row";
 
-    windows.userList.paths = {dir.filePath("missing.wav")};
+    list.paths = {dir.filePath("missing.wav")};
     transport.DALEJ();
-    EXPECT_EQ(state.MediaControl, nullptr);
+    EXPECT_EQ(state.Session, nullptr);
 }
 
 TEST_F(SongLoading, AOneSongListKeepsItsSongOnNextAndRestartsItOnPrevious)
 {
     const QString only = Wav("only.wav");
-    windows.userList.paths = {only};
+    list.paths = {only};
     transport.DALEJ();
-    ASSERT_NE(state.MediaControl, nullptr);
-    MediaGraph* session = state.MediaControl.get();
+    ASSERT_NE(state.Session, nullptr);
+    SongSession* session = state.Session.get();
     transport.DALEJ();
-    EXPECT_EQ(state.MediaControl.get(), session) << "Next keeps the song that plays";
+    EXPECT_EQ(state.Session.get(), session) << "Next keeps the song that plays";
     transport.WSTECZ();
-    EXPECT_NE(state.MediaControl.get(), session) << "Previous opens it again";
+    EXPECT_NE(state.Session.get(), session) << "Previous opens it again";
 
     state.EditorOpen = true;
-    const qsizetype before = windows.userList.paths.size();
+    const qsizetype before = list.paths.size();
     transport.DALEJ();
-    EXPECT_EQ(windows.userList.paths.size(), before);
-    EXPECT_NE(state.MediaControl, nullptr) << "with the editor open the song only stops";
-}
-
-TEST(PlayerLabels, LongTextsAreCutWithDotsToFitTheirWidth)
-{
-    QFont font(QStringLiteral("DejaVu Sans"));
-    font.setPointSize(13);
-    const QString fitted = FitLabelText(QStringLiteral("A Title Far Too Long For The Little Label Of The Player"), font, 180);
-    EXPECT_TRUE(fitted.endsWith("..."));
-    EXPECT_LE(QFontMetrics(font).horizontalAdvance(fitted), 180);
-    EXPECT_TRUE(QStringLiteral("A Title Far Too Long").startsWith(fitted.chopped(3)) || fitted.size() > 23);
-    EXPECT_EQ(FitLabelText(QStringLiteral("Short"), font, 180), "Short");
+    EXPECT_EQ(list.paths.size(), before);
+    EXPECT_NE(state.Session, nullptr) << "with the editor open the song only stops";
 }

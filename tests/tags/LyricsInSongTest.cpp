@@ -7,7 +7,7 @@
 #include "tags/EndTags.h"
 #include "tags/LyricsEmbedding.h"
 #include "tags/Lyrics3.h"
-#include "text/TextCodec.h"
+#include "core/TextCodec.h"
 
 #include <QProcess>
 #include <QTemporaryDir>

@@ -36,6 +36,7 @@ TEST(Probe, EachFormatIsKnownByItsContentWithItsLengthAndRates)
     const Case cases[] = {
         {"plain.mp3", "MP3", 1.071, 32, 22050},
         {"vbr.mp3", "MP3", 0.549, 62, 44100},
+        {"cbr-info.mp3", "MP3", 0.549, 128, 44100},  // LAME's "Info" header: the frames' own rate
         {"mp3-named.wav", "MP3", 1.071, 32, 22050},  // a valid MP3 named ".wav"
         {"pcm8-mono.wav", "WAV", 0.5, 0, 8000},
         {"pcm16-stereo.wav", "WAV", 0.5, 0, 11025},

@@ -1,0 +1,11 @@
+#pragma once
+// The state of the whole run, owned by the application and handed by reference to what reads
+// it: the player's state and the playlist's rows.
+
+#include "playback/PlayerState.h"
+#include "playlist/Playlist.h"
+
+struct AppState final : PlayerState {
+    // Built after the flags and the language it reads songs with.
+    Playlist Songs{Language};
+};

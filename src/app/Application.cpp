@@ -1,0 +1,160 @@
+#include "app/Application.h"
+
+#include "app/AppState.h"
+#include "app/SingleInstance.h"
+#include "core/Forms.h"
+#include "core/SettingsStore.h"
+#include "core/WindowPosition.h"
+
+#include <QFileInfo>
+#include <algorithm>
+
+QString PlaylistIniPath(const QString& dataFolder)
+{
+    return dataFolder + QStringLiteral("/Songweaver.ini");
+}
+
+Application::Application(AppState& state, Platform platform, FormProvider& forms, SongTransport& transport,
+                         MixerAccess* mixer, MessageBoxes& messages, SingleInstance& instance)
+    : m_state(state),
+      m_platform(std::move(platform)),
+      m_forms(forms),
+      m_transport(transport),
+      m_mixer(mixer),
+      m_messages(messages),
+      m_instance(instance)
+{
+}
+
+bool Application::Main(const QString& commandLine)
+{
+    m_state.CommandLine = commandLine;
+    m_state.Theme = std::make_unique<ThemeClass>(m_platform.store, m_platform.environment, m_state.MonitorList);
+    m_state.Theme->ApplyOnTop = [this](bool flag) {
+        if (PlaylistForm* list = m_forms.UserList())
+            list->SetTopMost(flag);
+        m_forms.Player().SetTopMost(flag);
+    };
+    m_state.Language.LoadLanguage(m_platform.store);
+    if (!LoadPlayer())
+        return false;
+    FormShow();
+    return true;
+}
+
+bool Application::LoadPlayer()
+{
+    PlayerForm& player = m_forms.Player();
+    player.DockAsFirstWindow();
+    const bool anotherInstance = m_instance.HandOffCommandLine(m_state.CommandLine);
+    m_state.PlaybackRate = 1.0f;
+    if (anotherInstance)
+        return false;
+
+    m_state.SkinName = QStringLiteral("Default");
+    player.ApplySkin();
+    RestoreWindowPositions();
+    RegisterFileType(QStringLiteral(".lrs"), QStringLiteral("lyrics file"), m_platform.programPath, m_platform.shell);
+    player.BuildMenus();
+    ResetLyricsData(m_state.Lyrics);
+    player.SetTimeText(QStringLiteral("00:00"));
+    player.SetVolumeSlider(1.0);
+    return true;
+}
+
+void Application::RestoreWindowPositions()
+{
+    PlayerForm& player = m_forms.Player();
+    if (const auto saved = ReadPlayerPosition(m_platform.store)) {
+        player.MoveTo(saved->geometry.topLeft());
+        m_state.PlaylistOpen = saved->playlistOpen;
+        m_state.ControlsOpen = saved->controlsOpen;
+    } else {
+        player.MoveTo(DefaultPlayerPlace(player.ScreenGeometry(), player.Geometry().size()));
+        m_state.PlaylistOpen = true;
+    }
+
+    PlaylistForm& list = m_forms.LoadUserList();
+    if (const auto saved = ReadWindowPosition(m_platform.store, QStringLiteral("userlist position")))
+        list.SetGeometry(*saved);
+    else
+        list.MoveTo(DefaultPlaylistPlace(player.Geometry()));
+}
+
+void Application::ShowToolWindows()
+{
+    auto showIf = [](Form* form, bool shown) {
+        if (!form)
+            return;
+        if (shown)
+            form->Show();
+        else
+            form->Hide();
+    };
+    showIf(m_forms.UserList(), m_state.PlaylistOpen);
+    showIf(m_forms.MidiEq(), m_state.ControlsOpen);
+}
+
+void Application::FormShow()
+{
+    PlayerForm& player = m_forms.Player();
+    player.Show();
+    if (!m_platform.hasSoundDevice()) {
+        m_messages.Critical(m_state.Language.GetText(QStringLiteral("ErrorSoundcard")));
+        CloseApp();
+        return;
+    }
+
+    ShowToolWindows();
+    if (m_state.Theme->KaraokeWindow) {
+        m_forms.LoadLyric().Show();
+        m_state.KaraokeOpen = true;
+    }
+
+    if (!SingleInstance::IsEmptyCommandLine(m_state.CommandLine)) {
+        m_transport.OpenFromCommandLine(m_state.CommandLine);
+    } else {
+        ShowToolWindows();
+        const QString lastPlaylist = PlaylistIniPath(m_platform.dataFolder);
+        if (QFileInfo::exists(lastPlaylist))
+            m_state.Songs.LoadSavedList(lastPlaylist);
+    }
+
+    player.Light(2, 1);
+    if (m_mixer && m_mixer->MasterMuted()) {
+        m_state.Muted = true;
+        player.SetButton(6, 0);
+    }
+}
+
+void Application::CloseApp()
+{
+    if (m_closing)
+        return;
+    m_closing = true;
+
+    if (m_mixer && m_mixer->LevelCaptureRunning())
+        m_mixer->StopLevelCapture();
+    m_state.Theme->KaraokeWindow = m_state.KaraokeOpen;
+    if (m_state.Session) {
+        m_state.Session->Stop();
+        m_state.Session.reset();
+    }
+    if (m_state.VoiceControl) {
+        m_state.VoiceControl->Stop();
+        m_state.VoiceControl.reset();
+    }
+    if (m_state.IsMidi)
+        if (ControlsForm* midi = m_forms.MidiEq())
+            midi->CloseDevice();
+    m_state.Lyrics.PlayLyrics.clear();
+
+    std::vector<Form*> forms = m_forms.LoadedForms();
+    std::for_each(forms.rbegin(), forms.rend(), [](Form* form) { form->Unload(); });
+    // The rows outlive their window: they are saved also when it was never shown.
+    m_state.Songs.SaveAtExit(PlaylistIniPath(m_platform.dataFolder));
+
+    m_state.Theme->Save();
+    m_state.Theme.reset();
+    m_platform.endProcess();
+}

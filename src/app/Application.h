@@ -1,0 +1,57 @@
+#pragma once
+// The life of the program: start-up in its fixed order, the hand-over to a running instance,
+// and the one orderly way out.
+
+#include "core/Shell.h"
+#include "core/ThemeClass.h"
+
+#include <QString>
+#include <functional>
+
+struct AppState;
+class FormProvider;
+class MessageBoxes;
+class MixerAccess;
+class SettingsStore;
+class SingleInstance;
+class SongTransport;
+
+// What start-up needs of the running system; tests give their own.
+struct Platform {
+    SettingsStore& store;
+    ThemeEnvironment environment;
+    ShellFolders shell;
+    QString programPath;
+    QString dataFolder;
+    std::function<bool()> hasSoundDevice;
+    std::function<void()> endProcess;
+};
+
+// The last playlist of a run, in M3U form, in the data folder.
+QString PlaylistIniPath(const QString& dataFolder);
+
+class Application {
+public:
+    Application(AppState& state, Platform platform, FormProvider& forms, SongTransport& transport,
+                MixerAccess* mixer, MessageBoxes& messages, SingleInstance& instance);
+
+    // Runs the start-up. False when another instance runs: this one has handed its command line
+    // over and must end at once, with nothing saved.
+    bool Main(const QString& commandLine);
+    void CloseApp();
+
+private:
+    bool LoadPlayer();
+    void FormShow();
+    void RestoreWindowPositions();
+    void ShowToolWindows();
+
+    AppState& m_state;
+    Platform m_platform;
+    FormProvider& m_forms;
+    SongTransport& m_transport;
+    MixerAccess* m_mixer;
+    MessageBoxes& m_messages;
+    SingleInstance& m_instance;
+    bool m_closing = false;
+};

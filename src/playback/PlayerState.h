@@ -1,0 +1,32 @@
+#pragma once
+// The state of the player: the shared flags and settings, the song that is loaded and the
+// session that plays it, and the song's lyrics.
+
+#include "audio/AudioEngine.h"
+#include "audio/SongSession.h"
+#include "core/CoreState.h"
+#include "lyrics/LyricsData.h"
+#include "tags/MP3Class.h"
+
+#include <QString>
+#include <cstdint>
+#include <memory>
+
+struct PlayerState : CoreState {
+    QString CurrentFile;
+    QString EditorFile;
+    bool IsMidi = false;
+    std::unique_ptr<AudioEngine> Engine;         // the one output stream; outlives every session
+    std::unique_ptr<SongSession> Session;        // what plays the song; null when none plays
+    std::unique_ptr<SongSession> VoiceControl;   // the recorded voice; null when none plays
+    std::unique_ptr<MP3Class> CurrentInfo;       // what was read of the current song
+    double CurrentPosition = 0;
+    double MidiDuration = 0;
+    float PlaybackRate = 1.0f;
+    int16_t PlayingIndex = -1;
+
+    LyricsState Lyrics;
+
+    // A song is loaded: a session plays it, or it is a MIDI song.
+    bool SongOpen() const { return Session || IsMidi; }
+};

@@ -1,0 +1,229 @@
+#include "ui/karaoke/LyricWindow.h"
+
+#include "core/WindowPosition.h"
+#include "ui/kit/Desktop.h"
+#include "ui/kit/KeyedMenu.h"
+
+#include <QContextMenuEvent>
+#include <QGuiApplication>
+#include <QMenu>
+#include <QPainter>
+#include <QScreen>
+#include <QWindow>
+
+namespace {
+
+const QString kPositionKey = QStringLiteral("karaoke window position");
+constexpr int kLastTimerMs = 8000;
+const QSize kDefaultSize(800, 450);
+
+const std::vector<MenuItem> kMenu = {
+    {"Fullscreen", "Fullscreen"}, {"FitLyrics", "FitText"}, {nullptr, nullptr},
+    {"Previous", "Previous"},     {"Play", "Play"},         {"Pause", "Pause"},
+    {"Stop", "Stop"},             {"Next", "Next"},         {nullptr, nullptr},
+    {"OffsetIn", "Display+Offset"}, {"OffsetOut", "Display-Offset"}, {"IncFont", "IncreaseFont"},
+    {"DecFont", "DecreaseFont"},  {nullptr, nullptr},       {"Options", "Options"},
+};
+
+} // namespace
+
+LyricWindow::LyricWindow(CoreState& state, LyricsState& lyrics, SettingsStore& store, const SongPosition& song)
+    : m_state(state), m_lyrics(lyrics), m_store(store), m_view(lyrics, *state.Theme, song)
+{
+    setObjectName(QStringLiteral("Lyric"));
+    setWindowTitle(QStringLiteral("Songweaver Karaoke"));
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setMinimumSize(160, 90);
+    m_lastTimer.setInterval(kLastTimerMs);
+    connect(&m_lastTimer, &QTimer::timeout, this, [this] {
+        m_view.Restore();
+        m_lastTimer.stop();
+    });
+    m_view.LastTimerSwitch = [this](bool enabled) {
+        if (!enabled)
+            m_lastTimer.stop();
+        else if (!m_lastTimer.isActive())
+            m_lastTimer.start();
+    };
+    m_view.Changed = [this](const QRect& rect) { update(rect); };
+
+    if (const auto saved = ReadWindowPosition(m_store, kPositionKey))
+        setGeometry(*saved);
+    else
+        resize(kDefaultSize);
+    m_framedGeometry = geometry();
+}
+
+LyricWindow::~LyricWindow() = default;
+
+void LyricWindow::Show()
+{
+    show();
+    Rebuild();
+    if (windowHandle())
+        connect(windowHandle(), &QWindow::screenChanged, this, &LyricWindow::Rebuild, Qt::UniqueConnection);
+}
+
+void LyricWindow::Hide()
+{
+    hide();
+}
+
+void LyricWindow::SetTopMost(bool flag)
+{
+    setWindowFlag(Qt::WindowStaysOnTopHint, flag);
+    if (m_state.KaraokeOpen)
+        show();
+}
+
+void LyricWindow::Unload()
+{
+    WriteWindowPosition(m_store, kPositionKey, isFullScreen() ? m_framedGeometry : geometry());
+    m_lastTimer.stop();
+    hide();
+}
+
+void LyricWindow::IsPlaying(double& position)
+{
+    const int32_t before = m_lyrics.CurrentLyric;
+    m_view.Timeline().IsPlaying(position);
+    const int32_t now = m_lyrics.CurrentLyric;
+    if (now == before)
+        return;
+    QTimer::singleShot(0, this, [this] { m_view.PrepareUpcoming(); });
+    if (now > 0)
+        emit syllableLit(now, position);
+}
+
+void LyricWindow::ClearLyrics()
+{
+    m_view.ClearLyrics();
+}
+
+void LyricWindow::GetLastPos()
+{
+    m_view.Timeline().GetLastPos(m_state.KaraokeOpen);
+}
+
+void LyricWindow::ChangeLyrics()
+{
+    m_view.ChangeLyrics();
+}
+
+void LyricWindow::ClearNewLyrics()
+{
+    m_view.ClearNewLyrics();
+}
+
+void LyricWindow::FadeLyrics(int16_t& mode)
+{
+    m_view.FadeLyrics(mode);
+}
+
+void LyricWindow::FitLyrics()
+{
+    m_view.FitLyrics();
+}
+
+void LyricWindow::Rebuild()
+{
+    m_view.ResizeMe(size(), devicePixelRatioF(), isFullScreen());
+}
+
+void LyricWindow::paintEvent(QPaintEvent* event)
+{
+    QPainter painter(this);
+    const QImage& frame = m_view.Frame();
+    if (frame.isNull()) {
+        painter.fillRect(event->rect(), Qt::black);
+        return;
+    }
+    const QRect area = event->rect();
+    const qreal dpr = frame.devicePixelRatio();
+    painter.drawImage(QRectF(area), frame, QRectF(area.x() * dpr, area.y() * dpr, area.width() * dpr, area.height() * dpr));
+}
+
+void LyricWindow::resizeEvent(QResizeEvent*)
+{
+    if (!isFullScreen())
+        m_framedGeometry = geometry();
+    Rebuild();
+}
+
+QScreen* LyricWindow::ChosenScreen() const
+{
+    const QString& chosen = m_state.Theme->Monitor;
+    for (const MonitorRecord& monitor : m_state.MonitorList) {
+        if (monitor.name != chosen && monitor.name + QStringLiteral(" (primary)") != chosen)
+            continue;
+        for (QScreen* screen : QGuiApplication::screens())
+            if (screen->geometry().topLeft() == QPoint(monitor.left, monitor.top))
+                return screen;
+    }
+    return QGuiApplication::primaryScreen();
+}
+
+void LyricWindow::ToggleFullScreen()
+{
+    if (isFullScreen()) {
+        const QRect framed = m_framedGeometry;
+        showNormal();
+        setGeometry(framed);
+        return;
+    }
+    m_framedGeometry = geometry();
+    if (QScreen* screen = ChosenScreen()) {
+        if (windowHandle())
+            windowHandle()->setScreen(screen);
+        move(screen->geometry().topLeft());
+    }
+    showFullScreen();
+}
+
+void LyricWindow::RunCommand(const QString& key)
+{
+    if (key == u"Fullscreen")
+        ToggleFullScreen();
+    else if (key == u"FitLyrics") {
+        m_view.FitLyrics();
+        m_view.Repaint();
+    } else if (key == u"OffsetIn")
+        m_view.OffsetIn();
+    else if (key == u"OffsetOut")
+        m_view.OffsetOut();
+    else if (key == u"IncFont")
+        m_view.IncFont();
+    else if (key == u"DecFont")
+        m_view.DecFont();
+    else if (PlayerCommand)
+        PlayerCommand(key);
+}
+
+void LyricWindow::contextMenuEvent(QContextMenuEvent* event)
+{
+    const std::unique_ptr<QMenu> menu(BuildKeyedMenu(
+        this, QStringLiteral("Lyric"), kMenu,
+        {[this](const char* key) { return DisplayText(m_state.Language.GetText(QString::fromLatin1(key))); },
+         [this](const QString& key) { RunCommand(key); }, {}}));
+    menu->exec(event->globalPos());
+}
+
+void LyricWindow::mouseDoubleClickEvent(QMouseEvent*)
+{
+    ToggleFullScreen();
+}
+
+void LyricWindow::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() == Qt::Key_Escape && isFullScreen())
+        ToggleFullScreen();
+    else
+        QWidget::keyPressEvent(event);
+}
+
+void LyricWindow::closeEvent(QCloseEvent* event)
+{
+    m_state.KaraokeOpen = false;
+    emit closedByUser();
+    QWidget::closeEvent(event);
+}

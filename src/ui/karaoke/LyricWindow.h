@@ -1,0 +1,65 @@
+#pragma once
+// The karaoke window: shows the page of KaraokeView, runs the end-of-song timer, offers the
+// window's menu, goes full screen on the chosen monitor and remembers its framed place.
+
+#include "core/CoreState.h"
+#include "core/Forms.h"
+#include "karaoke/KaraokeView.h"
+
+#include <QTimer>
+#include <QWidget>
+#include <functional>
+
+class SettingsStore;
+
+class LyricWindow final : public QWidget, public KaraokeForm {
+    Q_OBJECT
+public:
+    LyricWindow(CoreState& state, LyricsState& lyrics, SettingsStore& store, const SongPosition& song);
+    ~LyricWindow() override;
+
+    void Show() override;
+    void Hide() override;
+    void Minimize() override { showMinimized(); }
+    void SetTopMost(bool flag) override;
+    void Unload() override;
+
+    void IsPlaying(double& position) override;
+    void ClearLyrics() override;
+    void GetLastPos() override;
+    void ChangeLyrics() override;
+    void ClearNewLyrics() override;
+    void FadeLyrics(int16_t& mode) override;
+    void FitLyrics() override;
+
+    KaraokeView& View() { return m_view; }
+    void ToggleFullScreen();
+    // The window's menu runs one of its commands by key ("Fullscreen", "FitText", "Play", ...).
+    void RunCommand(const QString& key);
+    // The transport commands of the menu: "Previous", "Play", "Pause", "Stop", "Next", "Options".
+    std::function<void(const QString& key)> PlayerCommand;
+
+signals:
+    void closedByUser();
+    // A syllable was lit by the tick, at this song position (the offset taken off).
+    void syllableLit(int index, double position);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void Rebuild();
+    QScreen* ChosenScreen() const;
+
+    CoreState& m_state;
+    LyricsState& m_lyrics;
+    SettingsStore& m_store;
+    KaraokeView m_view;
+    QTimer m_lastTimer;
+    QRect m_framedGeometry;
+};

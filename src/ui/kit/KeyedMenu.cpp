@@ -1,0 +1,25 @@
+#include "ui/kit/KeyedMenu.h"
+
+#include <QMenu>
+
+QMenu* BuildKeyedMenu(QWidget* parent, const QString& name, const std::vector<MenuItem>& items, const MenuTexts& texts)
+{
+    auto* menu = new QMenu(parent);
+    menu->setObjectName(name);
+    for (const MenuItem& item : items) {
+        if (!item.key) {
+            menu->addSeparator();
+            continue;
+        }
+        const QString key = QString::fromLatin1(item.key);
+        if (QMenu* sub = texts.submenu ? texts.submenu(key) : nullptr) {
+            sub->setTitle(texts.caption(item.caption));
+            menu->addMenu(sub);
+            continue;
+        }
+        QAction* action = menu->addAction(texts.caption(item.caption));
+        action->setData(key);
+        QObject::connect(action, &QAction::triggered, menu, [run = texts.run, key] { run(key); });
+    }
+    return menu;
+}

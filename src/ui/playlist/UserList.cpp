@@ -1,0 +1,306 @@
+#include "ui/playlist/UserList.h"
+
+#include "core/WindowPosition.h"
+#include "playback/PlayerCommands.h"
+#include "playback/PlayerTransport.h"
+#include "ui/kit/Desktop.h"
+#include "ui/kit/Docking.h"
+
+#include <QContextMenuEvent>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMenu>
+#include <QMimeData>
+#include <QPainter>
+#include <QSizeGrip>
+
+namespace {
+
+constexpr int kCaption = 22;
+constexpr int kFoot = 28;
+constexpr int kMargin = 8;
+// The foot buttons stand at these x offsets; the last is 30 wide, the others 27.
+constexpr std::array<int, 5> kFootX{36, 82, 128, 174, 286};
+const char* const kFootCaptions[5] = {"Add", "Rem", "Sort", "List", "Info"};
+
+const QColor kBodyTop(0x2f, 0x3a, 0x72);
+const QColor kBodyBottom(0x11, 0x16, 0x2f);
+const QColor kEdge(0x4d, 0x5a, 0x9c);
+const QColor kWell(0x0b, 0x10, 0x27);
+const QColor kCaptionText(0x8e, 0xa0, 0xe6);
+const QColor kButtonText(0xcf, 0xd9, 0xff);
+
+} // namespace
+
+UserList::UserList(CoreState& state, Playlist& playlist, SettingsStore& store, Docking& docking,
+                   PlayerTransport& transport)
+    : m_state(state), m_playlist(playlist), m_store(store), m_docking(docking), m_transport(transport)
+{
+    setObjectName(QStringLiteral("UserList"));
+    setWindowTitle(QStringLiteral("Songweaver Playlist"));
+    setWindowFlags(Qt::Window | Qt::FramelessWindowHint);
+    setAttribute(Qt::WA_TranslucentBackground);
+    setAcceptDrops(true);
+    setFocusPolicy(Qt::StrongFocus);
+    setMinimumSize(340, 160);
+    resize(360, 300);
+
+    m_list = new FlatList(m_playlist.Model(), this);
+    connect(m_list, &FlatList::rowActivated, this, [this](int row) { m_transport.fnChangeSong(row); });
+    connect(&m_playlist, &Playlist::changed, m_list, &FlatList::Refresh);
+    auto* grip = new QSizeGrip(this);
+    grip->setObjectName(QStringLiteral("grip"));
+
+    MakeMenu(QStringLiteral("Bt4"), {{"SortAsc", "SortAsc"}, {"SortDesc", "SortDesc"}, {"SortRandom", "SortRandom"}});
+    MakeMenu(QStringLiteral("Bt5"), {{"ListSave", "SavePlaylist"}, {"ListLoad", "LoadPlaylist"}});
+    MakeMenu(QStringLiteral("MNU"), {{"Play", "Play"}, {"Info", "FileInfo"}, {nullptr, nullptr}, {"Rem", "Remove"},
+                                     {"RemAll", "RemoveAll"}, {nullptr, nullptr}, {"SelAll", "SelectAll"},
+                                     {"Rev", "SelectReverse"}, {"SelNone", "SelectNone"}, {nullptr, nullptr},
+                                     {"SortAsc", "SortAsc"}, {"SortDesc", "SortDesc"}, {"SortRandom", "SortRandom"},
+                                     {nullptr, nullptr}, {"ListSave", "SavePlaylist"}, {"ListLoad", "LoadPlaylist"},
+                                     {nullptr, nullptr}, {"Close", "Close"}});
+}
+
+UserList::~UserList() = default;
+
+QString UserList::Text(const char* key) const
+{
+    return DisplayText(m_state.Language.GetText(QString::fromLatin1(key)));
+}
+
+QMenu* UserList::MakeMenu(const QString& name, const std::vector<MenuItem>& items)
+{
+    QMenu* menu = BuildKeyedMenu(this, name, items,
+                                 {[this](const char* key) { return Text(key); },
+                                  [this](const QString& key) { Command(key); }, {}});
+    m_menus[name] = menu;
+    return menu;
+}
+
+QMenu* UserList::Menu(const QString& name) const
+{
+    const auto it = m_menus.find(name);
+    return it == m_menus.end() ? nullptr : it->second;
+}
+
+// ---- The form -------------------------------------------------------------------------------
+
+void UserList::Show()
+{
+    m_docking.Register(this);
+    show();
+}
+
+void UserList::Hide()
+{
+    hide();
+}
+
+void UserList::SetTopMost(bool flag)
+{
+    ::SetTopMost(*this, flag);
+}
+
+void UserList::Unload()
+{
+    WriteWindowPosition(m_store, QStringLiteral("userlist position"), geometry());
+    m_docking.Unregister(this);
+    hide();
+}
+
+// ---- Dialogs -------------------------------------------------------------------------------------
+
+void UserList::fnAddSong()
+{
+    const QStringList files = QFileDialog::getOpenFileNames(
+        this, QStringLiteral("SWV: ") + Text("DialogAddFiles"), m_state.Theme ? m_state.Theme->MusicPath : QString(),
+        Text("FilterOpenAudio") + QStringLiteral(" (*.wav *.mp3 *.ogg *.mid *.midi *.kar)"));
+    m_playlist.AppendFiles(files);
+}
+
+void UserList::fnListLoad()
+{
+    const QString path = QFileDialog::getOpenFileName(this, QStringLiteral("SWV: ") + Text("LoadPlaylist"), QString(),
+                                                      Text("FilterPlaylist") + QStringLiteral(" (*.pls *.m3u)"));
+    if (path.isEmpty() || !QFileInfo(path).isFile())
+        return;
+    hide();
+    m_playlist.LoadListFile(path);
+    show();
+}
+
+void UserList::fnListSave()
+{
+    if (m_playlist.ListCount() == 0)
+        return;
+    const QString path = QFileDialog::getSaveFileName(this, QStringLiteral("SWV: ") + Text("SavePlaylist"),
+                                                      m_playlist.LastSaved(),
+                                                      Text("FilterPlaylist") + QStringLiteral(" (*.m3u)"));
+    if (!path.isEmpty())
+        m_playlist.SaveListFile(path);
+}
+
+// ---- Commands and keys -------------------------------------------------------------------------------
+
+void UserList::Command(const QString& key)
+{
+    if (m_playlist.RowCommand(key))
+        return;
+    if (key == u"Close") {
+        Hide();
+        m_state.PlaylistOpen = false;
+    } else if (key == u"Play") {
+        m_transport.fnChangeSong(m_playlist.SelectedIndex());
+    } else if (key == u"Listsave") {
+        // The menu's item is keyed "ListSave", so this row of the table is never reached.
+        fnListSave();
+    } else if (key == u"ListLoad") {
+        fnListLoad();
+    }
+    // "Info" opens the file information dialogs, which this build does not have yet.
+}
+
+bool UserList::KeyDown(int key, Qt::KeyboardModifiers modifiers)
+{
+    if (key == Qt::Key_3 && modifiers == Qt::AltModifier)
+        return !CommandNotBuiltYet(QStringLiteral("FileInfo"));
+    if (key == Qt::Key_Delete)
+        Command(QStringLiteral("Rem"));
+    else if (key == Qt::Key_Z)
+        m_transport.WSTECZ();
+    else if (key == Qt::Key_X)
+        m_transport.PlaySong();
+    else if (key == Qt::Key_C)
+        m_transport.PauseSong();
+    else if (key == Qt::Key_V)
+        m_transport.StopSong();
+    else if (key == Qt::Key_B)
+        m_transport.DALEJ();
+    else
+        return false;
+    return true;
+}
+
+void UserList::keyPressEvent(QKeyEvent* event)
+{
+    if (!KeyDown(event->key(), event->modifiers()))
+        QWidget::keyPressEvent(event);
+}
+
+// ---- Skin and mouse ---------------------------------------------------------------------------------
+
+QRect UserList::FootButton(int index) const
+{
+    return QRect(kFootX[size_t(index)], height() - kFoot + 4, index == 4 ? 30 : 27, 19);
+}
+
+void UserList::resizeEvent(QResizeEvent*)
+{
+    m_list->setGeometry(kMargin + 2, kCaption + 2, width() - 2 * kMargin - 4, height() - kCaption - kFoot - 4);
+    if (auto* grip = findChild<QSizeGrip*>(QStringLiteral("grip")))
+        grip->setGeometry(width() - 16, height() - 16, 14, 14);
+}
+
+void UserList::paintEvent(QPaintEvent*)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    QLinearGradient body(0, 0, 0, height());
+    body.setColorAt(0, kBodyTop);
+    body.setColorAt(1, kBodyBottom);
+    painter.setBrush(body);
+    painter.setPen(QPen(kEdge, 1));
+    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), 12, 12);
+
+    QFont caption = font();
+    caption.setPixelSize(9);
+    caption.setBold(true);
+    caption.setLetterSpacing(QFont::AbsoluteSpacing, 2);
+    painter.setFont(caption);
+    painter.setPen(kCaptionText);
+    painter.drawText(QRect(19, 0, width() - 60, kCaption), Qt::AlignLeft | Qt::AlignVCenter,
+                     Text("UserList").toUpper());
+    painter.setBrush(QColor(0x5a, 0x2a, 0x44));
+    painter.setPen(QColor(0xa0, 0x4f, 0x74));
+    painter.drawEllipse(QPointF(width() - 18, 11), 6, 6);
+    painter.setPen(QPen(QColor(0xff, 0xd6, 0xe4), 1.4));
+    painter.drawLine(QPointF(width() - 20.4, 8.6), QPointF(width() - 15.6, 13.4));
+    painter.drawLine(QPointF(width() - 15.6, 8.6), QPointF(width() - 20.4, 13.4));
+
+    painter.setBrush(kWell);
+    painter.setPen(QColor(0x2c, 0x36, 0x70));
+    painter.drawRoundedRect(QRectF(kMargin, kCaption, width() - 2 * kMargin, height() - kCaption - kFoot), 7, 7);
+
+    QFont foot = font();
+    foot.setPixelSize(10);
+    foot.setBold(true);
+    painter.setFont(foot);
+    for (int i = 0; i < 5; ++i) {
+        const QRect box = FootButton(i);
+        QLinearGradient face(box.topLeft(), box.bottomLeft());
+        face.setColorAt(0, QColor(0x3a, 0x45, 0x80));
+        face.setColorAt(1, QColor(0x22, 0x2a, 0x52));
+        painter.setBrush(face);
+        painter.setPen(QColor(0x4d, 0x5a, 0x9c));
+        painter.drawRoundedRect(QRectF(box).adjusted(0.5, 0.5, -0.5, -0.5), 5, 5);
+        painter.setPen(kButtonText);
+        painter.drawText(box, Qt::AlignCenter, QString::fromLatin1(kFootCaptions[i]));
+    }
+}
+
+void UserList::mousePressEvent(QMouseEvent* event)
+{
+    const QPoint at = event->position().toPoint();
+    if (event->button() != Qt::LeftButton)
+        return;
+    for (int i = 0; i < 5; ++i) {
+        if (!FootButton(i).contains(at))
+            continue;
+        switch (i) {
+        case 0: fnAddSong(); break;
+        case 1: Command(QStringLiteral("Rem")); break;
+        case 2: Menu(QStringLiteral("Bt4"))->popup(mapToGlobal(FootButton(i).topLeft())); break;
+        case 3: Menu(QStringLiteral("Bt5"))->popup(mapToGlobal(FootButton(i).topLeft())); break;
+        default: Command(QStringLiteral("Info")); break;
+        }
+        return;
+    }
+    if (QRectF(width() - 24, 5, 12, 12).contains(at)) {
+        Command(QStringLiteral("Close"));
+        return;
+    }
+    m_dragging = true;
+    m_dragOffset = event->globalPosition().toPoint() - pos();
+}
+
+void UserList::mouseMoveEvent(QMouseEvent* event)
+{
+    if (m_dragging)
+        move(event->globalPosition().toPoint() - m_dragOffset);
+}
+
+void UserList::mouseReleaseEvent(QMouseEvent*)
+{
+    m_dragging = false;
+}
+
+void UserList::contextMenuEvent(QContextMenuEvent* event)
+{
+    Menu(QStringLiteral("MNU"))->popup(event->globalPos());
+}
+
+void UserList::dragEnterEvent(QDragEnterEvent* event)
+{
+    if (event->mimeData()->hasUrls())
+        event->acceptProposedAction();
+}
+
+void UserList::dropEvent(QDropEvent* event)
+{
+    QStringList paths;
+    for (const QUrl& url : event->mimeData()->urls())
+        if (url.isLocalFile())
+            paths << url.toLocalFile();
+    m_playlist.AppendFiles(paths);
+    event->acceptProposedAction();
+}

@@ -1,0 +1,159 @@
+// An evening of songs as a singer meets it: the player with its real karaoke window, songs that
+// follow each other by hand-over, Next and the end of the song before, each lit in time.
+
+#include "app/AppState.h"
+#include "app/AppWindows.h"
+#include "audio/ManualDevice.h"
+#include "playback/MediaSession.h"
+#include "playback/PlayerCommands.h"
+#include "playback/PlayerTransport.h"
+#include "support/FakeForms.h"
+#include "ui/karaoke/LyricWindow.h"
+#include "ui/player/PlayerWindow.h"
+
+#include <QTemporaryDir>
+#include <chrono>
+#include <gtest/gtest.h>
+#include <thread>
+
+namespace {
+
+constexpr int kRate = 48000;
+
+struct Lit {
+    int index;
+    double position;
+};
+
+class Evening : public testing::Test {
+protected:
+    Evening()
+    {
+        state.Language.LoadTable(false);
+        ThemeEnvironment env;
+        env.fontFamilies = {QStringLiteral("DejaVu Sans")};
+        state.Theme = std::make_unique<ThemeClass>(store, env, state.MonitorList);
+        device = new ManualDevice(kRate);
+        state.Engine = std::make_unique<AudioEngine>(std::unique_ptr<AudioDevice>(device));
+        state.Engine->Start();
+        windows.Attach(transport, commands);
+        windows.PlayerWidget().ApplySkin();
+        windows.PlayerWidget().BuildMenus();
+        windows.LyricLoaded = [this](LyricWindow& window) {
+            QObject::connect(&window, &LyricWindow::syllableLit, [this](int index, double position) {
+                lit.push_back({index, position});
+            });
+        };
+        commands.ButtonAction(15);  // the karaoke window, as a singer opens it
+        EXPECT_TRUE(state.KaraokeOpen);
+        windows.LyricWidget()->resize(640, 360);
+
+        // The first song has more syllables than the second, and a line of its own.
+        first = Song("first", 4, "[0.2]One [0.4]two [0.6]three [0.8]four\r\n[1.0]five [1.2]six [1.4]se[1.6]ven");
+        second = Song("second", 3, "[0.3]Sing [0.6]a[0.9]gain");
+    }
+
+    QString Song(const QString& name, int seconds, const char* lines)
+    {
+        const QString song = WriteRampWav(dir.filePath(name + ".wav"), kRate * seconds, kRate);
+        WriteFileBytes(dir.filePath(name + ".lrs"),
+                       QByteArray("#Songweaver\r\n#TITLE=") + name.toUtf8() + "\r\n" + lines + "\r\n#End Songweaver\r\n");
+        return song;
+    }
+
+    // Plays in 10 ms steps with both ticks, as the timers would, once the decoder has each
+    // step's audio ready.
+    void Play(double seconds)
+    {
+        for (int i = 0; i < int(seconds * 100 + 0.5); ++i) {
+            const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(1);
+            auto* session = state.Session.get();
+            while (session && session->GetState() == SongSession::Running
+                   && dynamic_cast<MediaSession*>(session)->SecondsBuffered() < 0.01
+                   && std::chrono::steady_clock::now() < deadline)
+                std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            device->Step(kRate / 100, kRate / 100);
+            if (!transport.Ticks().Running())
+                continue;
+            transport.Ticks().PlaybackTick();
+            if (i % 50 == 49)
+                transport.Ticks().mmTimer();
+        }
+    }
+
+    // The second song's three syllables, each lit within a tick of its time.
+    void ExpectSecondSongLitInTime(size_t from)
+    {
+        ASSERT_EQ(state.CurrentFile, second);
+        ASSERT_EQ(lit.size(), from + 3) << "every syllable of the second song is lit";
+        const double times[] = {0.3, 0.6, 0.9};
+        for (int i = 0; i < 3; ++i) {
+            EXPECT_EQ(lit[from + size_t(i)].index, i + 1);
+            EXPECT_GE(lit[from + size_t(i)].position, times[i]);
+            EXPECT_LE(lit[from + size_t(i)].position, times[i] + 0.021);
+        }
+    }
+
+    QTemporaryDir dir;
+    MemoryStore store;
+    AppState state;
+    ManualDevice* device = nullptr;
+    AppWindows windows{state, store};
+    FakeTray tray;
+    FakeDialogs dialogs;
+    PlayerTransport transport{state, windows, state.Songs};
+    PlayerCommands commands{state, windows, transport, tray, dialogs};
+    std::vector<Lit> lit;
+    QString first, second;
+};
+
+} // namespace
+
+TEST_F(Evening, ASongHandedToTheRunningPlayerShowsItsLyrics)
+{
+    transport.OpenFromCommandLine(first);
+    Play(2.0);
+    ASSERT_EQ(lit.size(), 8u) << "the first song is sung to its end";
+
+    transport.OpenFromCommandLine(second);
+    EXPECT_EQ(state.Lyrics.CurrentLyric, 0) << "new lyrics start from the title";
+    Play(1.2);
+    ExpectSecondSongLitInTime(8);
+}
+
+TEST_F(Evening, NextAndTheEndOfASongMoveOnWithTheirLyrics)
+{
+    state.Songs.AddItem(QStringLiteral("first"), QStringLiteral("00:04"), first);
+    state.Songs.AddItem(QStringLiteral("second"), QStringLiteral("00:03"), second);
+    transport.fnChangeSong(0);
+    Play(2.0);
+    commands.ButtonAction(5);  // Next
+    Play(1.2);
+    ExpectSecondSongLitInTime(8);
+
+    // Back to the first, which plays to its end and hands over to the second by itself.
+    lit.clear();
+    transport.fnChangeSong(0);
+    Play(5.5);
+    ExpectSecondSongLitInTime(8);
+}
+
+TEST_F(Evening, ALoadIsNeverNestedInAnother)
+{
+    state.Songs.AddItem(QStringLiteral("first"), QStringLiteral("00:04"), first);
+    // A hand-over that arrives while a song is still being opened, as it could from inside a
+    // message box the load shows, is refused instead of loading into the half-made song.
+    bool nested = true;
+    state.Songs.AddItem(QStringLiteral("bad"), QString(), dir.filePath("bad.mp3"));
+    WriteFileBytes(dir.filePath("bad.mp3"), QByteArray(4000, 'x'));
+    struct Reentrant final : MessageBoxes {
+        std::function<void()> during;
+        void Critical(const QString&) override { during(); }
+    } messages;
+    PlayerTransport withMessages{state, windows, state.Songs, &messages};
+    messages.during = [&] { nested = withMessages.OpenSong(second, true); };
+    withMessages.fnChangeSong(1);
+    EXPECT_FALSE(nested);
+    EXPECT_NE(state.CurrentFile, second);
+    EXPECT_TRUE(withMessages.OpenSong(second, false)) << "once the load is over the next one runs";
+}

@@ -1,0 +1,95 @@
+// The playlist of a run without its window: rows arriving in order from the probe, the list
+// saved at exit, and playlist files saved by hand.
+
+#include "playlist/Playlist.h"
+#include "playlist/PlaylistFiles.h"
+#include "support/TestSupport.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QTemporaryDir>
+#include <QTest>
+#include <gmock/gmock.h>
+
+namespace {
+
+class Rows : public testing::Test {
+protected:
+    Rows() { language.LoadTable(false); }
+    QStringList Texts()
+    {
+        QStringList texts;
+        for (int i = 0; i < songs.ListCount(); ++i)
+            texts << songs.Model().Row(i).ItemString;
+        return texts;
+    }
+    bool WaitForRows(int count)
+    {
+        return QTest::qWaitFor([&] { return songs.ListCount() >= count && !songs.Prober().Busy(); }, 10000);
+    }
+
+    QTemporaryDir dir;
+    LanguageTable language;
+    Playlist songs{language};
+};
+
+} // namespace
+
+TEST_F(Rows, ProbedRowsArriveInTheOrderOfTheFile)
+{
+    QStringList lines{"#EXTM3U"};
+    for (int i = 0; i < 12; ++i) {
+        const char* fixture = i % 3 == 0 ? "id3v1.mp3" : i % 3 == 1 ? "comments.ogg" : "pcm8-mono.wav";
+        CopyFixture(MediaFixture(fixture), dir.path(), QStringLiteral("%1.%2").arg(i).arg(QString(fixture).section('.', -1)));
+        lines << QStringLiteral("#EXTINF:1,Row %1").arg(i) << QStringLiteral("%1.%2").arg(i).arg(QString(fixture).section('.', -1));
+    }
+    WriteListFile(dir.filePath("many.m3u"), lines.join("\r\n") + "\r\n");
+    songs.LoadListFile(dir.filePath("many.m3u"));
+    ASSERT_TRUE(WaitForRows(12));
+    const QStringList texts = Texts();
+    for (int i = 0; i < 12; ++i) {
+        const QString expected = i % 3 == 0 ? "Artist One - Title One" : i % 3 == 1 ? "Ogg Artist - Ogg Title" : QStringLiteral("Row %1").arg(i);
+        EXPECT_EQ(texts[i], expected) << i;
+        EXPECT_TRUE(songs.ItemPath(i).endsWith(QStringLiteral("/%1.").arg(i) + songs.ItemPath(i).section('.', -1)));
+    }
+}
+
+TEST_F(Rows, TheListIsSavedAtExitAndAnEmptyOneKeepsTheOldFile)
+{
+    const QString song = CopyFixture(MediaFixture("id3v1.mp3"), dir.path(), "kept.mp3");
+    // A fresh install: the data folder does not exist yet.
+    const QString ini = dir.filePath("data/Tonehaven/Songweaver/Songweaver.ini");
+    songs.AddItem("Kept", "01:02", song);
+    songs.SaveAtExit(ini);
+    const QByteArray saved = ReadFileBytes(ini);
+    EXPECT_EQ(saved, ("#EXTM3U\r\n#EXTINF:62,Kept\r\n" + song + "\r\n").toUtf8());
+
+    Playlist again{language};
+    again.LoadSavedList(ini);
+    ASSERT_EQ(again.ListCount(), 1);
+    EXPECT_EQ(again.Model().Row(0).ItemString, "Kept") << "trusted, not probed";
+    again.ClearList();
+    again.SaveAtExit(ini);
+    EXPECT_EQ(ReadFileBytes(ini), saved);
+
+    // A folder that cannot be made: nothing is written, and the run still ends.
+    WriteFileBytes(dir.filePath("blocker"), "a file where a folder should be");
+    testing::internal::CaptureStderr();
+    songs.SaveAtExit(dir.filePath("blocker/Songweaver.ini"));
+    EXPECT_THAT(testing::internal::GetCapturedStderr(), testing::HasSubstr("playlist could not be saved"));
+}
+
+TEST_F(Rows, SavingAddsTheExtensionAndWritesPathsOfItsFolderBare)
+{
+    const QString here = CopyFixture(MediaFixture("id3v1.mp3"), dir.path(), "here.mp3");
+    songs.AddItem("Here", "00:01", here);
+    songs.AddItem("There", "00:02", "/elsewhere/there.mp3");
+    ASSERT_TRUE(songs.SaveListFile(dir.filePath("mine")));
+    EXPECT_EQ(ReadFileBytes(dir.filePath("mine.m3u")),
+              "#EXTM3U\r\n#EXTINF:1,Here\r\nhere.mp3\r\n#EXTINF:2,There\r\n/elsewhere/there.mp3\r\n");
+    ASSERT_TRUE(songs.SaveListFile(dir.filePath("again.M3U")));
+    EXPECT_TRUE(QFileInfo::exists(dir.filePath("again.M3U"))) << "an .m3u ending in any case is kept";
+    songs.ClearList();
+    EXPECT_FALSE(songs.SaveListFile(dir.filePath("empty.m3u"))) << "an empty list writes nothing";
+    EXPECT_FALSE(QFileInfo::exists(dir.filePath("empty.m3u")));
+}

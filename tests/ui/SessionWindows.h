@@ -1,0 +1,24 @@
+#pragma once
+// The real main window with the other windows faked, and the desktop services faked.
+
+#include "support/FakeForms.h"
+#include "ui/kit/Docking.h"
+#include "ui/player/PlayerWindow.h"
+
+class SessionWindows final : public FormProvider {
+public:
+    SessionWindows(CoreState& state, Journal& j) : player(state, store, docking), userList(j), lyric(j) {}
+    PlayerForm& Player() override { return player; }
+    PlaylistForm* UserList() override { return &userList; }
+    KaraokeForm* Lyric() override { return &lyric; }
+    ControlsForm* MidiEq() override { return nullptr; }
+    PlaylistForm& LoadUserList() override { return userList; }
+    KaraokeForm& LoadLyric() override { return lyric; }
+    std::vector<Form*> LoadedForms() override { return {&player, &userList, &lyric}; }
+
+    MemoryStore store;
+    Docking docking;
+    PlayerWindow player;
+    FakePlaylistWindow userList;
+    FakeKaraoke lyric;
+};

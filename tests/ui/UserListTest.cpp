@@ -1,0 +1,139 @@
+// The playlist window on the offscreen platform: the double click, the keys and commands,
+// and drag and drop.
+
+#include "SessionWindows.h"
+#include "audio/ManualDevice.h"
+#include "playback/PlayerState.h"
+#include "playback/PlayerTransport.h"
+#include "ui/playlist/UserList.h"
+
+#include <QApplication>
+#include <QMimeData>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+#include <QUrl>
+#include <gtest/gtest.h>
+
+namespace {
+
+class PlaylistWindow : public testing::Test {
+protected:
+    PlaylistWindow()
+    {
+        state.Language.LoadTable(false);
+        ThemeEnvironment env;
+        env.fontFamilies = {QStringLiteral("DejaVu Sans")};
+        state.Theme = std::make_unique<ThemeClass>(windows.store, env, state.MonitorList);
+        state.Engine = std::make_unique<AudioEngine>(std::make_unique<ManualDevice>(48000));
+        state.Engine->Start();
+        list.Show();
+    }
+    QStringList Texts()
+    {
+        QStringList texts;
+        for (int i = 0; i < songs.ListCount(); ++i)
+            texts << songs.Model().Row(i).ItemString;
+        return texts;
+    }
+    bool WaitForRows(int count)
+    {
+        return QTest::qWaitFor([&] { return songs.ListCount() >= count && !songs.Prober().Busy(); }, 10000);
+    }
+
+    QTemporaryDir dir;
+    PlayerState state;
+    Journal journal;
+    SessionWindows windows{state, journal};
+    Playlist songs{state.Language};
+    PlayerTransport transport{state, windows, songs};
+    UserList list{state, songs, windows.store, windows.docking, transport};
+};
+
+} // namespace
+
+TEST_F(PlaylistWindow, ADoubleClickMarksTheRowBeforeItsSongIsRead)
+{
+    songs.AddItem("gone", "00:10", dir.filePath("gone.wav"));
+    songs.AddItem("song", "00:01", WriteRampWav(dir.filePath("song.wav"), 48000));
+    transport.fnChangeSong(0);
+    EXPECT_EQ(songs.Model().CurrentPlaying(), 0) << "marked though the file is missing";
+    EXPECT_EQ(state.PlayingIndex, -1) << "the failed load closed the song";
+    const QPoint second(10, list.List().RowHeight() + 3);
+    QTest::mouseDClick(list.List().viewport(), Qt::LeftButton, {}, second);
+    EXPECT_EQ(songs.Model().CurrentPlaying(), 1);
+    EXPECT_EQ(state.PlayingIndex, 1);
+    EXPECT_EQ(state.CurrentFile, dir.filePath("song.wav"));
+}
+
+TEST_F(PlaylistWindow, KeysDriveTheTransportAndDeleteRemovesTheSelection)
+{
+    songs.AddItem("a", "00:01", WriteRampWav(dir.filePath("a.wav"), 48000));
+    songs.AddItem("b", "00:01", WriteRampWav(dir.filePath("b.wav"), 48000));
+    transport.fnChangeSong(0);
+    auto sessionState = [this] { return state.Session->GetState(); };
+    QTest::keyClick(&list, Qt::Key_X);
+    EXPECT_EQ(sessionState(), 2);
+    QTest::keyClick(&list, Qt::Key_C);
+    EXPECT_EQ(sessionState(), 1);
+    QTest::keyClick(&list, Qt::Key_V);
+    EXPECT_EQ(sessionState(), 0);
+    QTest::keyClick(&list, Qt::Key_B);
+    EXPECT_EQ(state.CurrentFile, dir.filePath("b.wav"));
+    QTest::keyClick(&list, Qt::Key_Z);
+    EXPECT_EQ(state.CurrentFile, dir.filePath("a.wav"));
+
+    songs.Model().SetSelected(1, true);
+    QTest::keyClick(&list, Qt::Key_Delete);
+    EXPECT_EQ(Texts(), QStringList{"a"});
+}
+
+TEST_F(PlaylistWindow, CommandsSortSelectAndTheSaveItemStaysUnreached)
+{
+    for (const char* text : {"Cherry", "apple", "Banana"})
+        songs.AddItem(text, "00:01", dir.filePath(text));
+    list.Command("SortAsc");
+    EXPECT_EQ(Texts(), (QStringList{"apple", "Banana", "Cherry"}));
+    list.Command("SortDesc");
+    EXPECT_EQ(Texts(), (QStringList{"Cherry", "Banana", "apple"}));
+    list.Command("SelAll");
+    list.Command("Rev");
+    EXPECT_EQ(songs.SelectedIndex(), -1);
+
+    bool dialogShown = false;
+    QTimer::singleShot(300, [&] {
+        if (QWidget* dialog = QApplication::activeModalWidget()) {
+            dialogShown = true;
+            dialog->close();
+        }
+    });
+    list.Command("ListSave");
+    QTest::qWait(350);
+    EXPECT_FALSE(dialogShown) << "the menu's \"ListSave\" is not the table's \"Listsave\"";
+
+    list.Command("Close");
+    EXPECT_FALSE(list.isVisible());
+    EXPECT_FALSE(state.PlaylistOpen);
+}
+
+TEST_F(PlaylistWindow, DroppedFilesAndFoldersAreProbedAndAdded)
+{
+    QDir(dir.path()).mkpath("album/disc");
+    CopyFixture(MediaFixture("id3v2.mp3"), dir.filePath("album/disc"), "2.mp3");
+    CopyFixture(MediaFixture("comments.ogg"), dir.filePath("album"), "1.ogg");
+    CopyFixture(MediaFixture("not-audio.txt"), dir.filePath("album"), "notes.txt");
+    const QString single = CopyFixture(MediaFixture("id3v1.mp3"), dir.path(), "single.mp3");
+
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(single), QUrl::fromLocalFile(dir.filePath("album"))});
+    QDragEnterEvent enter(QPoint(20, 40), Qt::CopyAction, &data, Qt::LeftButton, {});
+    QApplication::sendEvent(&list, &enter);
+    EXPECT_TRUE(enter.isAccepted());
+    QDropEvent drop(QPointF(20, 40), Qt::CopyAction, &data, Qt::LeftButton, {});
+    QApplication::sendEvent(&list, &drop);
+    EXPECT_TRUE(drop.isAccepted());
+    ASSERT_TRUE(WaitForRows(3));
+    EXPECT_EQ(Texts(), (QStringList{"Artist One - Title One", "Ogg Artist - Ogg Title", "Artist Two - Title Two"}))
+        << "the folder's audio files in name order, the text file left out";
+}
+
