@@ -171,3 +171,36 @@ TEST(Timeline, PicturesFollowTheirSecondsAndAJumpPicksTheLatest)
     EXPECT_TRUE(t.surface.calls.calls.contains("Background"));
     EXPECT_EQ(t.timeline.PictureIndex, 2);
 }
+
+TEST(Timeline, AStartPictureAnywhereInTheListLeavesTheTimedOnesTheirSeconds)
+{
+    Timeline t(Song({{{1.0, "a "}, {10.0, "b"}}}));
+    // Files list a timed picture first and the start picture (second 0) later.
+    t.lyrics.PlayPictures.resize(4);
+    t.lyrics.PlayPictures[1].Time = 4;
+    t.lyrics.PlayPictures[2].Time = 0;
+    t.lyrics.PlayPictures[3].Time = 7;
+    BuildPictureOrder(t.lyrics);
+    EXPECT_EQ(StartPicture(t.lyrics), 2);
+
+    t.Tick(4.01);
+    EXPECT_TRUE(t.surface.calls.calls.contains("ChangePic 1")) << "the start picture does not hold the schedule up";
+    t.Tick(7.01);
+    EXPECT_TRUE(t.surface.calls.calls.contains("ChangePic 3"));
+    EXPECT_FALSE(t.surface.calls.calls.contains("ChangePic 2")) << "the tick never shows the start picture";
+
+    t.surface.calls.calls.clear();
+    t.lyrics.CurrentLyric = 0;
+    t.clock.now = 2;
+    t.timeline.GetLastPos(true);
+    EXPECT_EQ(t.surface.calls.calls, (QStringList{"ClearRows", "DropPicture", "ChangePic 2", "Background", "Page 1 jump"}))
+        << "a jump back before the first timed picture brings the start picture back";
+    EXPECT_EQ(t.timeline.PictureIndex, 0);
+
+    t.Tick(4.01);
+    EXPECT_TRUE(t.surface.calls.calls.contains("ChangePic 1")) << "and the schedule runs again from there";
+
+    t.timeline.Restart();
+    EXPECT_EQ(t.timeline.PictureIndex, 0);
+    EXPECT_EQ(t.lyrics.CurrentLyric, 0);
+}

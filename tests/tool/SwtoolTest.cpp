@@ -87,7 +87,7 @@ TEST(Swtool, LyricsPrintsHeaderPicturesAndSyllablesAndWritesThemBack)
               (QStringList{"syllable\t1\t1.500\t0\tHel\tHello ", "syllable\t2\t2.250\t1\tlo \tHello ",
                            "syllable\t3\t3.000\t0\tworld\tworld"}));
 
-    const QString written = songs.filePath("copy.lrs");
+    const QString written = songs.filePath("new folder/deeper/copy.lrs");
     ASSERT_EQ(Swtool({"lyrics", song, "--write", written}, home.path()).exitCode, 0);
     const ToolRun again = Swtool({"lyrics", written}, home.path());
     EXPECT_EQ(again.out.section('\n', 1), run.out.section('\n', 1));

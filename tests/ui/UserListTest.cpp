@@ -137,3 +137,15 @@ TEST_F(PlaylistWindow, DroppedFilesAndFoldersAreProbedAndAdded)
         << "the folder's audio files in name order, the text file left out";
 }
 
+
+TEST_F(PlaylistWindow, TheMenusPlayPlaysTheSelectedRow)
+{
+    songs.AddItem("a", "00:01", WriteRampWav(dir.filePath("a.wav"), 48000));
+    songs.AddItem("b", "00:01", WriteRampWav(dir.filePath("b.wav"), 48000));
+    songs.Model().SetSelected(1, true);
+    list.Command("Play");
+    EXPECT_EQ(state.CurrentFile, dir.filePath("b.wav"));
+    EXPECT_EQ(songs.Model().CurrentPlaying(), 1);
+    ASSERT_NE(state.Session, nullptr);
+    EXPECT_EQ(state.Session->GetState(), SongSession::Running);
+}

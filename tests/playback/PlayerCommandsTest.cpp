@@ -1,0 +1,81 @@
+// The player's commands without a window: the tray, and the commands this build has no window
+// for yet.
+
+#include "playback/PlayerCommands.h"
+#include "playback/PlayerState.h"
+#include "playback/PlayerTransport.h"
+#include "support/FakeForms.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+struct Commands : testing::Test {
+    Commands()
+    {
+        state.Language.LoadTable(false);
+        state.Theme = std::make_unique<ThemeClass>(store, ThemeEnvironment{}, state.MonitorList);
+        state.PlaylistOpen = true;
+        state.KaraokeOpen = true;
+    }
+    Journal journal;
+    MemoryStore store;
+    PlayerState state;
+    FakeWindows windows{journal};
+    FakeSongList list{journal};
+    FakeTray tray;
+    FakeDialogs dialogs;
+    PlayerTransport transport{state, windows, list};
+    PlayerCommands commands{state, windows, transport, tray, dialogs};
+};
+
+} // namespace
+
+TEST_F(Commands, WithoutASystemTrayMinimisingMinimisesTheWindows)
+{
+    tray.available = false;
+    commands.MinimizeToTray();
+    EXPECT_FALSE(state.InTray) << "nothing would bring the windows back from a tray that is not there";
+    EXPECT_FALSE(tray.shown);
+    EXPECT_EQ(journal.calls, (QStringList{"Player.Minimize", "UserList.Minimize", "Lyric.Minimize"}));
+
+    tray.available = true;
+    journal.calls.clear();
+    commands.MinimizeToTray();
+    EXPECT_TRUE(state.InTray);
+    EXPECT_TRUE(tray.shown);
+    EXPECT_EQ(journal.calls, (QStringList{"Player.Hide", "UserList.Hide", "Lyric.Hide"}));
+    commands.MenuCommand("TrayRestore");
+    EXPECT_FALSE(state.InTray);
+    EXPECT_FALSE(tray.shown);
+    EXPECT_TRUE(journal.calls.contains("Lyric.Show"));
+}
+
+TEST_F(Commands, CommandsWithoutTheirWindowsAreInertAndNotHandled)
+{
+    for (const char* key : {"Preferences", "Controls", "SwitchMicrophone", "Record", "YourVoice", "Editor"})
+        EXPECT_TRUE(CommandNotBuiltYet(QString::fromLatin1(key))) << key;
+    EXPECT_FALSE(CommandNotBuiltYet("KaraokeWindow"));
+    EXPECT_FALSE(commands.KeyDown(Qt::Key_M, {}));
+    EXPECT_FALSE(commands.KeyDown(Qt::Key_E, Qt::ControlModifier));
+    EXPECT_FALSE(commands.KeyDown(Qt::Key_3, Qt::AltModifier));
+    EXPECT_TRUE(commands.KeyDown(Qt::Key_K, Qt::ControlModifier));
+    commands.ButtonAction(14);
+    commands.ButtonAction(7);
+    EXPECT_FALSE(state.EditorOpen);
+    EXPECT_EQ(journal.calls, QStringList{"Lyric.Unload"}) << "only Ctrl+K did something";
+}
+
+TEST_F(Commands, TheOpenDialogIsRefusedWhileEditingAndItsFilesBecomeThePlaylist)
+{
+    state.EditorOpen = true;
+    commands.OpenFileDialog();
+    EXPECT_EQ(dialogs.asked, 0);
+    state.EditorOpen = false;
+    dialogs.chosen = {QStringLiteral("/nowhere/a.mp3"), QStringLiteral("/nowhere/b.mp3")};
+    commands.OpenFileDialog();
+    EXPECT_EQ(dialogs.asked, 1);
+    EXPECT_EQ(list.paths, dialogs.chosen);
+    EXPECT_EQ(list.playing, 0) << "the first row is marked as it starts";
+    EXPECT_EQ(state.Theme->MusicPath, "/nowhere");
+}
