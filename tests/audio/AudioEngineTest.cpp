@@ -188,8 +188,24 @@ TEST(AudioEngine, FilesThatAreNotAudioAreRefused)
     EXPECT_DOUBLE_EQ(MediaLength(WriteRampWav(dir.filePath("ramp.wav"), 24000).toStdString()), 0.5);
 }
 
+// How late a 10 ms sleep wakes up on this machine, in seconds: the worst of twenty.
+static double SleepOvershoot()
+{
+    double worst = 0;
+    for (int i = 0; i < 20; ++i) {
+        const double before = SteadySeconds();
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        worst = std::max(worst, SteadySeconds() - before - 0.010);
+    }
+    return worst;
+}
+
 TEST(AudioEngine, NullDevicePositionNeverRunsBackwardsAndKeepsToTheWallClock)
 {
+    // The null device keeps time by sleeping; where the system's timers wake threads tens of
+    // milliseconds late (seen on some virtual machines), it cannot, and this says so.
+    if (const double late = SleepOvershoot(); late > 0.010)
+        GTEST_SKIP() << "10 ms sleeps wake up to " << late * 1000 << " ms late here";
     QTemporaryDir dir;
     std::string error;
     auto source = FileSource::Open(WriteRampWav(dir.filePath("ramp.wav"), kRate * 2).toStdString(), kRate, error);
