@@ -10,6 +10,8 @@
 #include <QTimer>
 #include <QWidget>
 
+#include <memory>
+
 namespace {
 
 void SaveWindows(const QString& folder)
@@ -55,9 +57,14 @@ void LogLitSyllables(LyricWindow& window, const LyricsState& lyrics)
 {
     if (qEnvironmentVariableIsEmpty("SONGWEAVER_CAPTURE_DIR"))
         return;
-    QObject::connect(&window, &LyricWindow::syllableLit, &window, [&lyrics](int index, double position) {
-        QTextStream(stdout) << QString::number(position, 'f', 2).rightJustified(7) << " s  syllable "
-                            << QString::number(index).rightJustified(3) << "  "
-                            << lyrics.PlayLyrics[size_t(index)].Text << Qt::endl;
+    auto shownTitle = std::make_shared<QString>();
+    QObject::connect(&window, &LyricWindow::syllableLit, &window, [&lyrics, shownTitle](int index, double position) {
+        QTextStream out(stdout);
+        if (lyrics.LyricsTitleText != *shownTitle) {
+            *shownTitle = lyrics.LyricsTitleText;
+            out << "song: " << QString(*shownTitle).replace(u'|', QStringLiteral(" - ")) << Qt::endl;
+        }
+        out << QString::number(position, 'f', 2).rightJustified(7) << " s  syllable "
+            << QString::number(index).rightJustified(3) << "  " << lyrics.PlayLyrics[size_t(index)].Text << Qt::endl;
     });
 }

@@ -56,7 +56,7 @@ void AudioEngine::RemoveSource(const AudioSource* source)
 void AudioEngine::Render(float* out, int frames, const BufferTiming& timing) noexcept
 {
     m_inCallback.store(true);
-    BufferTiming chunkTiming{timing.heardAt + m_latencyOffset.load(std::memory_order_relaxed)};
+    BufferTiming chunkTiming = timing;
     const double period = 1.0 / m_device->SampleRate();
     for (int done = 0; done < frames;) {
         const int n = std::min(kScratchFrames, frames - done);

@@ -31,14 +31,8 @@ public:
     void RemoveSource(const AudioSource* source);
 
     void SetMasterVolume(int hundredthsDb) { m_masterVolume = hundredthsDb; }
-    int MasterVolume() const { return m_masterVolume; }
     void SetMasterMute(bool mute) { m_masterMute = mute; }
     bool MasterMute() const { return m_masterMute; }
-
-    // Added to every buffer's heard time: a positive offset says the sound reaches the listener
-    // later than the device reports (a Bluetooth headset, a television's delay).
-    void SetLatencyOffset(double seconds) { m_latencyOffset = seconds; }
-    double LatencyOffset() const { return m_latencyOffset; }
 
     // One mix pass, as the device calls it.
     void Render(float* out, int frames, const BufferTiming& timing) noexcept override;
@@ -61,7 +55,6 @@ private:
     std::vector<float> m_scratch;
     std::atomic<int> m_masterVolume{0};
     std::atomic<bool> m_masterMute{false};
-    std::atomic<double> m_latencyOffset{0};
     float m_masterGain = 1;  // real-time thread only
     std::atomic<bool> m_inCallback{false};
     std::atomic<unsigned> m_callbacks{0};

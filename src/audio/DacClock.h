@@ -17,7 +17,6 @@ public:
 
     // True while the device's own timestamps are trusted.
     bool UsesDeviceTimestamps() const { return m_trusted; }
-    double FallbackLatency() const { return m_fallbackLatency; }
 
     static constexpr double kMaxLatency = 0.5;
 

@@ -1,5 +1,6 @@
 #include "audio/FileSource.h"
 
+#include "audio/FfmpegHandles.h"
 #include "audio/MediaProbe.h"
 
 #include <algorithm>
@@ -9,31 +10,13 @@
 #include <mutex>
 #include <thread>
 
-extern "C" {
-#include <libavcodec/avcodec.h>
-#include <libavformat/avformat.h>
-#include <libavutil/opt.h>
-#include <libswresample/swresample.h>
-}
-
-namespace {
-
-std::string AvError(int code)
-{
-    char text[AV_ERROR_MAX_STRING_SIZE] = {};
-    av_strerror(code, text, sizeof text);
-    return text;
-}
-
-} // namespace
-
 // FFmpeg's side: owned and used by the decoder thread once it runs.
 struct FileSource::Decoder {
-    AVFormatContext* format = nullptr;
-    AVCodecContext* codec = nullptr;
-    SwrContext* resampler = nullptr;
-    AVPacket* packet = nullptr;
-    AVFrame* frame = nullptr;
+    FormatHandle format;
+    CodecHandle codec;
+    ResamplerHandle resampler;
+    PacketHandle packet;
+    FrameHandle frame;
     int stream = -1;
     int outputRate = 48000;
 
@@ -50,49 +33,38 @@ struct FileSource::Decoder {
     std::condition_variable wake;
     bool quit = false;
 
-    ~Decoder()
-    {
-        swr_free(&resampler);
-        av_frame_free(&frame);
-        av_packet_free(&packet);
-        avcodec_free_context(&codec);
-        avformat_close_input(&format);
-    }
-
     std::string Open(const std::string& path, int rate)
     {
         outputRate = rate;
-        int err = avformat_open_input(&format, path.c_str(), nullptr, nullptr);
-        if (err < 0)
-            return AvError(err);
-        if ((err = avformat_find_stream_info(format, nullptr)) < 0)
-            return AvError(err);
-        const AVCodec* decoder = nullptr;
-        stream = av_find_best_stream(format, AVMEDIA_TYPE_AUDIO, -1, -1, &decoder, 0);
-        if (stream < 0 || !decoder)
+        std::string error;
+        if (!(format = OpenMediaFile(path, error)))
+            return error;
+        stream = av_find_best_stream(format.get(), AVMEDIA_TYPE_AUDIO, -1, -1, nullptr, 0);
+        if (stream < 0)
             return "no audio stream";
-        codec = avcodec_alloc_context3(decoder);
-        avcodec_parameters_to_context(codec, format->streams[stream]->codecpar);
-        if ((err = avcodec_open2(codec, decoder, nullptr)) < 0)
-            return AvError(err);
-        packet = av_packet_alloc();
-        frame = av_frame_alloc();
+        if (!(codec = OpenStreamDecoder(*format, stream, error)))
+            return error;
+        packet.reset(av_packet_alloc());
+        frame.reset(av_frame_alloc());
+        if (!packet || !frame)
+            return AvError(AVERROR(ENOMEM));
         return ResetResampler() ? std::string() : "cannot convert the audio";
     }
 
     bool ResetResampler()
     {
-        swr_free(&resampler);
         AVChannelLayout stereo = AV_CHANNEL_LAYOUT_STEREO;
         AVChannelLayout input{};
         if (codec->ch_layout.order == AV_CHANNEL_ORDER_UNSPEC)
             av_channel_layout_default(&input, codec->ch_layout.nb_channels);
         else
             av_channel_layout_copy(&input, &codec->ch_layout);
-        const int err = swr_alloc_set_opts2(&resampler, &stereo, AV_SAMPLE_FMT_FLT, outputRate, &input,
-                                            codec->sample_fmt, codec->sample_rate, 0, nullptr);
+        SwrContext* made = nullptr;
+        const int err = swr_alloc_set_opts2(&made, &stereo, AV_SAMPLE_FMT_FLT, outputRate, &input, codec->sample_fmt,
+                                            codec->sample_rate, 0, nullptr);
         av_channel_layout_uninit(&input);
-        return err >= 0 && swr_init(resampler) >= 0;
+        resampler.reset(made);
+        return err >= 0 && swr_init(resampler.get()) >= 0;
     }
 
     double Duration() const
@@ -110,8 +82,8 @@ struct FileSource::Decoder {
         const AVStream* s = format->streams[stream];
         const int64_t start = s->start_time == AV_NOPTS_VALUE ? 0 : s->start_time;
         const int64_t ts = start + av_rescale_q(target, AVRational{1, outputRate}, s->time_base);
-        av_seek_frame(format, stream, ts, AVSEEK_FLAG_BACKWARD);
-        avcodec_flush_buffers(codec);
+        av_seek_frame(format.get(), stream, ts, AVSEEK_FLAG_BACKWARD);
+        avcodec_flush_buffers(codec.get());
         ResetResampler();
         pending.clear();
         pendingOffset = 0;
@@ -131,11 +103,11 @@ struct FileSource::Decoder {
             nextFrame = av_rescale_q(input->best_effort_timestamp - start, s->time_base, AVRational{1, outputRate});
             timed = true;
         }
-        const int room = swr_get_out_samples(resampler, inCount) + 32;
+        const int room = swr_get_out_samples(resampler.get(), inCount) + 32;
         const size_t base = pending.size();
         pending.resize(base + size_t(room) * 2);
         auto* out = reinterpret_cast<uint8_t*>(pending.data() + base);
-        const int made = swr_convert(resampler, &out, room, input ? const_cast<const uint8_t**>(input->extended_data)
+        const int made = swr_convert(resampler.get(), &out, room, input ? const_cast<const uint8_t**>(input->extended_data)
                                                                  : nullptr,
                                      inCount);
         pending.resize(base + size_t(std::max(made, 0)) * 2);
@@ -161,9 +133,9 @@ struct FileSource::Decoder {
             pendingOffset = 0;
         }
         while (PendingFrames() == 0 && !endOfFile) {
-            int err = avcodec_receive_frame(codec, frame);
+            int err = avcodec_receive_frame(codec.get(), frame.get());
             if (err == 0) {
-                Convert(frame);
+                Convert(frame.get());
                 continue;
             }
             if (err == AVERROR_EOF) {
@@ -171,14 +143,14 @@ struct FileSource::Decoder {
                 endOfFile = true;
                 break;
             }
-            err = av_read_frame(format, packet);
+            err = av_read_frame(format.get(), packet.get());
             if (err < 0) {
-                avcodec_send_packet(codec, nullptr);
+                avcodec_send_packet(codec.get(), nullptr);
                 continue;
             }
             if (packet->stream_index == stream)
-                avcodec_send_packet(codec, packet);
-            av_packet_unref(packet);
+                avcodec_send_packet(codec.get(), packet.get());
+            av_packet_unref(packet.get());
         }
         return PendingFrames() > 0;
     }

@@ -1,41 +1,20 @@
 #include "audio/MediaProbe.h"
 
-#include <memory>
+#include "audio/FfmpegHandles.h"
+
 #include <mutex>
 
-extern "C" {
-#include <libavcodec/avcodec.h>
-#include <libavformat/avformat.h>
-}
-
 namespace {
-
-struct FormatCloser {
-    void operator()(AVFormatContext* format) const { avformat_close_input(&format); }
-};
-struct CodecFreer {
-    void operator()(AVCodecContext* codec) const { avcodec_free_context(&codec); }
-};
-struct PacketFreer {
-    void operator()(AVPacket* packet) const { av_packet_free(&packet); }
-};
-struct FrameFreer {
-    void operator()(AVFrame* frame) const { av_frame_free(&frame); }
-};
 
 // Some containers (short Musepack SV8 files among them) state no duration; the samples that
 // decode are the length then.
 double DecodedSeconds(AVFormatContext* format, int stream)
 {
-    const AVCodecParameters* parameters = format->streams[stream]->codecpar;
-    const AVCodec* decoder = avcodec_find_decoder(parameters->codec_id);
-    if (!decoder)
-        return 0;
-    std::unique_ptr<AVCodecContext, CodecFreer> codec(avcodec_alloc_context3(decoder));
-    std::unique_ptr<AVPacket, PacketFreer> packet(av_packet_alloc());
-    std::unique_ptr<AVFrame, FrameFreer> frame(av_frame_alloc());
-    if (!codec || !packet || !frame || avcodec_parameters_to_context(codec.get(), parameters) < 0
-        || avcodec_open2(codec.get(), decoder, nullptr) < 0)
+    std::string error;
+    CodecHandle codec = OpenStreamDecoder(*format, stream, error);
+    PacketHandle packet(av_packet_alloc());
+    FrameHandle frame(av_frame_alloc());
+    if (!codec || !packet || !frame)
         return 0;
 
     int64_t samples = 0;
@@ -64,11 +43,9 @@ void QuietDecoderLog()
 double MediaLength(const std::string& path)
 {
     QuietDecoderLog();
-    AVFormatContext* opened = nullptr;
-    if (avformat_open_input(&opened, path.c_str(), nullptr, nullptr) < 0)
-        return 0;
-    std::unique_ptr<AVFormatContext, FormatCloser> format(opened);
-    if (avformat_find_stream_info(format.get(), nullptr) < 0)
+    std::string error;
+    FormatHandle format = OpenMediaFile(path, error);
+    if (!format)
         return 0;
     const int stream = av_find_best_stream(format.get(), AVMEDIA_TYPE_AUDIO, -1, -1, nullptr, 0);
     if (stream < 0)

@@ -19,7 +19,6 @@ public:
     double Now() const override { return SteadySeconds(); }
     std::string Name() const override { return "Null output"; }
 
-    int FramesPerBuffer() const { return m_framesPerBuffer; }
     // Steady-clock seconds at which the first frame was heard; 0 before Start.
     double FirstFrameHeardAt() const { return m_firstHeardAt.load(); }
 

@@ -18,17 +18,22 @@ int OutputDeviceAt(int index)
     return Pa_GetDefaultOutputDevice();
 }
 
+// The stream callback PortAudio calls on its real-time thread.
+int RenderStream(const void*, void* output, unsigned long frames, const PaStreamCallbackTimeInfo* time,
+                 PaStreamCallbackFlags, void* device) noexcept
+{
+    static_cast<PortAudioDevice*>(device)->RenderBuffer(static_cast<float*>(output), int(frames), time->currentTime,
+                                                        time->outputBufferDacTime);
+    return paContinue;
+}
+
 } // namespace
 
 PortAudioDevice::PortAudioDevice(int deviceIndex)
 {
-    QuietAudioLibraries quiet;
-    const PaError err = Pa_Initialize();
-    if (err != paNoError) {
-        m_error = Pa_GetErrorText(err);
+    m_error = PortAudioStartError();
+    if (!m_error.empty())
         return;
-    }
-    m_initialized = true;
     m_device = OutputDeviceAt(deviceIndex);
     const PaDeviceInfo* info = m_device >= 0 ? Pa_GetDeviceInfo(m_device) : nullptr;
     if (!info) {
@@ -42,10 +47,6 @@ PortAudioDevice::PortAudioDevice(int deviceIndex)
 PortAudioDevice::~PortAudioDevice()
 {
     Stop();
-    if (m_initialized) {
-        QuietAudioLibraries quiet;
-        Pa_Terminate();
-    }
 }
 
 bool PortAudioDevice::Start(AudioRenderer& renderer)
@@ -63,7 +64,7 @@ bool PortAudioDevice::Start(AudioRenderer& renderer)
     QuietAudioLibraries quiet;
     m_renderer = &renderer;
     PaError err = Pa_OpenStream(&m_stream, nullptr, &params, m_sampleRate, paFramesPerBufferUnspecified,
-                                paNoFlag, reinterpret_cast<PaStreamCallback*>(&PortAudioDevice::Callback), this);
+                                paNoFlag, &RenderStream, this);
     if (err == paNoError) {
         const PaStreamInfo* stream = Pa_GetStreamInfo(m_stream);
         m_clock = std::make_unique<DacClock>(m_sampleRate, stream ? stream->outputLatency : 0);
@@ -87,15 +88,10 @@ void PortAudioDevice::Stop()
     m_stream = nullptr;
 }
 
-int PortAudioDevice::Callback(const void*, void* output, unsigned long frames, const void* timeInfo, unsigned long,
-                              void* self)
+void PortAudioDevice::RenderBuffer(float* output, int frames, double streamNow, double dacTime) noexcept
 {
-    auto* device = static_cast<PortAudioDevice*>(self);
-    const auto* time = static_cast<const PaStreamCallbackTimeInfo*>(timeInfo);
-    const double heardAt =
-        device->m_clock->HeardAt(SteadySeconds(), time->currentTime, time->outputBufferDacTime, int(frames));
-    device->m_renderer->Render(static_cast<float*>(output), int(frames), BufferTiming{heardAt});
-    return paContinue;
+    const double heardAt = m_clock->HeardAt(SteadySeconds(), streamNow, dacTime, frames);
+    m_renderer->Render(output, frames, BufferTiming{heardAt});
 }
 
 std::unique_ptr<AudioDevice> CreateOutputDevice(int deviceIndex)

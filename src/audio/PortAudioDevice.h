@@ -21,11 +21,11 @@ public:
     std::string Name() const override { return m_name; }
     std::string Error() const override { return m_error; }
 
-private:
-    static int Callback(const void* input, void* output, unsigned long frames, const void* timeInfo,
-                        unsigned long statusFlags, void* self);
+    // PortAudio's real-time thread: one buffer of `frames` stereo frames; the two times are the
+    // stream clock now and when the buffer's first frame reaches the converter.
+    void RenderBuffer(float* output, int frames, double streamNow, double dacTime) noexcept;
 
-    bool m_initialized = false;
+private:
     int m_device = -1;
     int m_sampleRate = 48000;
     std::string m_name;

@@ -9,7 +9,40 @@ namespace {
 
 void IgnoreAlsaError(const char*, int, const char*, int, const char*, ...) {}
 
+// Device lists are read when PortAudio starts, and its hosts (ALSA, JACK) do not take well to
+// being started and stopped again and again; it starts once and stops when the program ends.
+class PortAudioLibrary {
+public:
+    PortAudioLibrary()
+    {
+        QuietAudioLibraries quiet;
+        const PaError err = Pa_Initialize();
+        if (err != paNoError)
+            m_error = Pa_GetErrorText(err);
+    }
+    ~PortAudioLibrary()
+    {
+        if (m_error.empty()) {
+            QuietAudioLibraries quiet;
+            Pa_Terminate();
+        }
+    }
+    PortAudioLibrary(const PortAudioLibrary&) = delete;
+    PortAudioLibrary& operator=(const PortAudioLibrary&) = delete;
+
+    const std::string& Error() const { return m_error; }
+
+private:
+    std::string m_error;
+};
+
 } // namespace
+
+const std::string& PortAudioStartError()
+{
+    static const PortAudioLibrary library;
+    return library.Error();
+}
 
 bool NullDeviceChosen()
 {
@@ -39,8 +72,7 @@ QuietAudioLibraries::~QuietAudioLibraries()
 QStringList OutputDeviceNames()
 {
     QStringList names;
-    QuietAudioLibraries quiet;
-    if (Pa_Initialize() != paNoError)
+    if (!PortAudioStartError().empty())
         return names;
     const int count = Pa_GetDeviceCount();
     for (int i = 0; i < count; ++i) {
@@ -48,7 +80,6 @@ QStringList OutputDeviceNames()
         if (info && info->maxOutputChannels > 0)
             names << QString::fromLocal8Bit(info->name);
     }
-    Pa_Terminate();
     return names;
 }
 

@@ -4,9 +4,15 @@
 #include <QString>
 #include <QStringList>
 
+#include <string>
+
 // True when SONGWEAVER_AUDIO=null asks for the silent device paced by the clock
 // (headless runs, CI).
 bool NullDeviceChosen();
+
+// PortAudio starts on first use and stays up until the program ends: empty when it started,
+// its error text otherwise.
+const std::string& PortAudioStartError();
 
 // Names of the output devices PortAudio reports.
 QStringList OutputDeviceNames();

@@ -41,7 +41,3 @@ void QSettingsStore::Sync()
     m_settings->sync();
 }
 
-QString QSettingsStore::FileName() const
-{
-    return m_settings->fileName();
-}

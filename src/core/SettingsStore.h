@@ -27,7 +27,6 @@ public:
     QString RegReadString(const QString& key) const override;
     void RegWriteString(const QString& key, const QString& text) override;
     void Sync() override;
-    QString FileName() const;
 
 private:
     std::unique_ptr<QSettings> m_settings;

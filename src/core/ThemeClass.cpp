@@ -1,5 +1,6 @@
 #include "core/ThemeClass.h"
 
+#include "core/Colors.h"
 #include "core/Numbers.h"
 #include "core/SettingsStore.h"
 

@@ -2,7 +2,6 @@
 // Every user setting, held in memory for the whole run: loaded once when created, written
 // once at the end of the run. Reads and writes in between touch memory only.
 
-#include "core/Colors.h"
 #include "core/Monitors.h"
 
 #include <QFont>
@@ -43,48 +42,49 @@ public:
     // The lyrics font of the settings: face, point size, bold, italic.
     QFont LyricsFontFace() const;
 
-    bool KaraokeWindow = true;
-    int32_t RecordDevice = 4099;
-    int16_t RecordFolder = 1;
-    int16_t RecordMode = 2;
-    int16_t AudioDevice = 0;
-    int16_t VoiceVolume = 33;
-    int32_t RecordQuality = 22050;
+    // The settings; their defaults are in the one table the constructor loads them by.
+    bool KaraokeWindow{};
+    int32_t RecordDevice{};
+    int16_t RecordFolder{};
+    int16_t RecordMode{};
+    int16_t AudioDevice{};
+    int16_t VoiceVolume{};
+    int32_t RecordQuality{};
     QString VoiceDirectory;
-    bool ShowLyricsTitle = true;
-    bool LyricsMode = false;
-    int32_t LyricsBallColor = 255;
-    int16_t LyricsAlignment = 2;
+    bool ShowLyricsTitle{};
+    bool LyricsMode{};
+    int32_t LyricsBallColor{};
+    int16_t LyricsAlignment{};
     QString MusicPath;
-    int16_t DisplayMode = 3;
-    int32_t LyricsColor = RGB(125, 140, 189);
-    int32_t LyricsHighlightColor = RGB(206, 221, 253);
-    int32_t LyricsOutlineColor1 = 0;
-    int32_t LyricsOutlineColor2 = 0;
-    int32_t LyricsOutlineColor3 = 0;
-    int32_t LyricsOutlineColor4 = 0;
+    int16_t DisplayMode{};
+    int32_t LyricsColor{};
+    int32_t LyricsHighlightColor{};
+    int32_t LyricsOutlineColor1{};
+    int32_t LyricsOutlineColor2{};
+    int32_t LyricsOutlineColor3{};
+    int32_t LyricsOutlineColor4{};
     QString LyricsFont;
-    int16_t LyricsFontSize = 20;
-    bool LyricsFontBold = false;
-    bool LyricsFontItalic = false;
-    int32_t LyricsFontCharset = 238;
-    int16_t LyricsOutlineWidth = 2;
-    int32_t LyricsBackColor = RGB(65, 78, 123);
-    bool LyricsShowBall = false;
-    int16_t LyricsPicLayout = 2;
-    int16_t ImageOffsetX = 0;
-    int16_t ImageOffsetY = 0;
-    int16_t ImageSize = 1;
-    int16_t ImageSizeX = 640;
-    int16_t ImageSizeY = 480;
-    int16_t ImageAlign = 0;
-    QString ImageBorder = QStringLiteral("None");
+    int16_t LyricsFontSize{};
+    bool LyricsFontBold{};
+    bool LyricsFontItalic{};
+    int32_t LyricsFontCharset{};
+    int16_t LyricsOutlineWidth{};
+    int32_t LyricsBackColor{};
+    bool LyricsShowBall{};
+    int16_t LyricsPicLayout{};
+    int16_t ImageOffsetX{};
+    int16_t ImageOffsetY{};
+    int16_t ImageSize{};
+    int16_t ImageSizeX{};
+    int16_t ImageSizeY{};
+    int16_t ImageAlign{};
+    QString ImageBorder;
     QString ImageEffect;
     QString EffectDetail;
-    int16_t EffectSpeed = 5;
-    bool LyricsFitFont = true;
-    bool Scroll = true;
-    QString Monitor = QStringLiteral("Monitor 1 (primary)");
+    int16_t EffectSpeed{};
+    bool LyricsFitFont{};
+    bool Scroll{};
+    QString Monitor;
     // Not persisted.
     QString LyricsPath;
 
@@ -116,7 +116,7 @@ private:
     std::vector<MonitorRecord>& m_monitorList;
     double m_lyricsOffset = 0;
     bool m_onTop = false;
-    QString m_lyricsPicPath = QStringLiteral("default");
+    QString m_lyricsPicPath;
     QImage m_lyricsPicture;
     QString m_defaultVoiceDirectory;
     QString m_defaultMusicPath;

@@ -51,7 +51,6 @@ public:
     int FontSize() const { return m_fontSize; }
     QFont Font() const;
     const EffectiveColors& Colors() const { return m_colors; }
-    const Page& CurrentPage() const { return m_page; }
     QRect BlockRect() const { return m_lastBlock; }
 
     // KaraokeSurface

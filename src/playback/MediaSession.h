@@ -30,7 +30,6 @@ public:
     void put_Volume(int hundredthsDb) override;
     int get_Volume() const override { return m_volume; }
     void put_Balance(int hundredthsDb) override;
-    int get_Balance() const { return m_balance; }
     // Decoded audio waiting for the device, in seconds.
     double SecondsBuffered() const;
 

@@ -37,11 +37,8 @@ public:
 
     QString format() const { return m_format; }
     double Length() const { return m_length; }
-    void SetLength(double seconds) { m_length = seconds; }
     int16_t Bitrate() const { return m_bitrate; }
     int32_t SampleRate() const { return m_sampleRate; }
-    int64_t HeaderPosition() const { return m_headerPosition; }
-    void SetHeaderPosition(int64_t position) { m_headerPosition = position; }
     // Compares the format with "Mono", so it always says "Stereo"; nothing relies on it.
     QString channels() const;
 
@@ -128,7 +125,6 @@ private:
     double m_length = -1.0;
     int16_t m_bitrate = 0;
     int32_t m_sampleRate = 0;
-    int64_t m_headerPosition = 0;
     int m_apeTagVersion = 0;
 
     mutable QString m_title, m_artist, m_album, m_year, m_comment, m_track, m_genre;

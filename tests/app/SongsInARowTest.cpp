@@ -3,11 +3,11 @@
 
 #include "app/AppState.h"
 #include "app/AppWindows.h"
-#include "audio/ManualDevice.h"
 #include "playback/MediaSession.h"
 #include "playback/PlayerCommands.h"
 #include "playback/PlayerTransport.h"
 #include "support/FakeForms.h"
+#include "support/PlayerSetup.h"
 #include "ui/karaoke/LyricWindow.h"
 #include "ui/player/PlayerWindow.h"
 
@@ -29,13 +29,8 @@ class Evening : public testing::Test {
 protected:
     Evening()
     {
-        state.Language.LoadTable(false);
-        ThemeEnvironment env;
-        env.fontFamilies = {QStringLiteral("DejaVu Sans")};
-        state.Theme = std::make_unique<ThemeClass>(store, env, state.MonitorList);
-        device = new ManualDevice(kRate);
-        state.Engine = std::make_unique<AudioEngine>(std::unique_ptr<AudioDevice>(device));
-        state.Engine->Start();
+        LoadDefaults(state, store);
+        device = &StartManualEngine(state, kRate);
         windows.Attach(transport, commands);
         windows.PlayerWidget().ApplySkin();
         windows.PlayerWidget().BuildMenus();

@@ -1,3 +1,4 @@
+#include "core/Colors.h"
 #include "core/SettingsStore.h"
 #include "core/ThemeClass.h"
 #include "support/TestSupport.h"

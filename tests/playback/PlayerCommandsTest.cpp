@@ -5,6 +5,7 @@
 #include "playback/PlayerState.h"
 #include "playback/PlayerTransport.h"
 #include "support/FakeForms.h"
+#include "support/PlayerSetup.h"
 
 #include <gtest/gtest.h>
 
@@ -13,8 +14,7 @@ namespace {
 struct Commands : testing::Test {
     Commands()
     {
-        state.Language.LoadTable(false);
-        state.Theme = std::make_unique<ThemeClass>(store, ThemeEnvironment{}, state.MonitorList);
+        LoadDefaults(state, store);
         state.PlaylistOpen = true;
         state.KaraokeOpen = true;
     }

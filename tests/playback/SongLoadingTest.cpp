@@ -1,11 +1,11 @@
 // Loading songs: what OpenSong does with good, missing and unplayable files, the command line,
 // and the Next and Previous walks over the playlist.
 
-#include "audio/ManualDevice.h"
 #include "lyrics/LyricsBlock.h"
 #include "playback/PlayerState.h"
 #include "playback/PlayerTransport.h"
 #include "support/FakeForms.h"
+#include "support/PlayerSetup.h"
 
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
@@ -22,12 +22,8 @@ class SongLoading : public testing::Test {
 protected:
     SongLoading()
     {
-        state.Language.LoadTable(false);
-        ThemeEnvironment env;
-        env.fontFamilies = {QStringLiteral("DejaVu Sans")};
-        state.Theme = std::make_unique<ThemeClass>(store, env, state.MonitorList);
-        state.Engine = std::make_unique<AudioEngine>(std::make_unique<ManualDevice>(48000));
-        state.Engine->Start();
+        LoadDefaults(state, store);
+        StartManualEngine(state);
         state.KaraokeOpen = true;
     }
     QString Wav(const QString& name) { return WriteRampWav(dir.filePath(name), 48000); }

@@ -3,6 +3,7 @@
 
 #include "playlist/Playlist.h"
 #include "playlist/PlaylistFiles.h"
+#include "support/PlaylistRows.h"
 #include "support/TestSupport.h"
 
 #include <QDir>
@@ -16,17 +17,6 @@ namespace {
 class Rows : public testing::Test {
 protected:
     Rows() { language.LoadTable(false); }
-    QStringList Texts()
-    {
-        QStringList texts;
-        for (int i = 0; i < songs.ListCount(); ++i)
-            texts << songs.Model().Row(i).ItemString;
-        return texts;
-    }
-    bool WaitForRows(int count)
-    {
-        return QTest::qWaitFor([&] { return songs.ListCount() >= count && !songs.Prober().Busy(); }, 10000);
-    }
 
     QTemporaryDir dir;
     LanguageTable language;
@@ -45,8 +35,8 @@ TEST_F(Rows, ProbedRowsArriveInTheOrderOfTheFile)
     }
     WriteListFile(dir.filePath("many.m3u"), lines.join("\r\n") + "\r\n");
     songs.LoadListFile(dir.filePath("many.m3u"));
-    ASSERT_TRUE(WaitForRows(12));
-    const QStringList texts = Texts();
+    ASSERT_TRUE(WaitForProbedRows(songs, 12));
+    const QStringList texts = RowTexts(songs);
     for (int i = 0; i < 12; ++i) {
         const QString expected = i % 3 == 0 ? "Artist One - Title One" : i % 3 == 1 ? "Ogg Artist - Ogg Title" : QStringLiteral("Row %1").arg(i);
         EXPECT_EQ(texts[i], expected) << i;

@@ -2,11 +2,11 @@
 // the keyboard table, the menus and the refusals while recording.
 
 #include "SessionWindows.h"
-#include "audio/ManualDevice.h"
 #include "playback/MediaSession.h"
 #include "playback/PlayerCommands.h"
 #include "playback/PlayerState.h"
 #include "playback/PlayerTransport.h"
+#include "support/PlayerSetup.h"
 #include "ui/player/PlayerServices.h"
 
 #include <QMenu>
@@ -20,12 +20,8 @@ class MainWindow : public testing::Test {
 protected:
     MainWindow()
     {
-        state.Language.LoadTable(false);
-        ThemeEnvironment env;
-        env.fontFamilies = {QStringLiteral("DejaVu Sans")};
-        state.Theme = std::make_unique<ThemeClass>(windows.store, env, state.MonitorList);
-        state.Engine = std::make_unique<AudioEngine>(std::make_unique<ManualDevice>(48000));
-        state.Engine->Start();
+        LoadDefaults(state, windows.store);
+        StartManualEngine(state);
         windows.player.ApplySkin();
         windows.player.BuildMenus();
         windows.player.Show();

@@ -2,9 +2,10 @@
 // and drag and drop.
 
 #include "SessionWindows.h"
-#include "audio/ManualDevice.h"
 #include "playback/PlayerState.h"
 #include "playback/PlayerTransport.h"
+#include "support/PlayerSetup.h"
+#include "support/PlaylistRows.h"
 #include "ui/playlist/UserList.h"
 
 #include <QApplication>
@@ -21,24 +22,9 @@ class PlaylistWindow : public testing::Test {
 protected:
     PlaylistWindow()
     {
-        state.Language.LoadTable(false);
-        ThemeEnvironment env;
-        env.fontFamilies = {QStringLiteral("DejaVu Sans")};
-        state.Theme = std::make_unique<ThemeClass>(windows.store, env, state.MonitorList);
-        state.Engine = std::make_unique<AudioEngine>(std::make_unique<ManualDevice>(48000));
-        state.Engine->Start();
+        LoadDefaults(state, windows.store);
+        StartManualEngine(state);
         list.Show();
-    }
-    QStringList Texts()
-    {
-        QStringList texts;
-        for (int i = 0; i < songs.ListCount(); ++i)
-            texts << songs.Model().Row(i).ItemString;
-        return texts;
-    }
-    bool WaitForRows(int count)
-    {
-        return QTest::qWaitFor([&] { return songs.ListCount() >= count && !songs.Prober().Busy(); }, 10000);
     }
 
     QTemporaryDir dir;
@@ -85,7 +71,7 @@ TEST_F(PlaylistWindow, KeysDriveTheTransportAndDeleteRemovesTheSelection)
 
     songs.Model().SetSelected(1, true);
     QTest::keyClick(&list, Qt::Key_Delete);
-    EXPECT_EQ(Texts(), QStringList{"a"});
+    EXPECT_EQ(RowTexts(songs), QStringList{"a"});
 }
 
 TEST_F(PlaylistWindow, CommandsSortSelectAndTheSaveItemStaysUnreached)
@@ -93,9 +79,9 @@ TEST_F(PlaylistWindow, CommandsSortSelectAndTheSaveItemStaysUnreached)
     for (const char* text : {"Cherry", "apple", "Banana"})
         songs.AddItem(text, "00:01", dir.filePath(text));
     list.Command("SortAsc");
-    EXPECT_EQ(Texts(), (QStringList{"apple", "Banana", "Cherry"}));
+    EXPECT_EQ(RowTexts(songs), (QStringList{"apple", "Banana", "Cherry"}));
     list.Command("SortDesc");
-    EXPECT_EQ(Texts(), (QStringList{"Cherry", "Banana", "apple"}));
+    EXPECT_EQ(RowTexts(songs), (QStringList{"Cherry", "Banana", "apple"}));
     list.Command("SelAll");
     list.Command("Rev");
     EXPECT_EQ(songs.SelectedIndex(), -1);
@@ -132,8 +118,8 @@ TEST_F(PlaylistWindow, DroppedFilesAndFoldersAreProbedAndAdded)
     QDropEvent drop(QPointF(20, 40), Qt::CopyAction, &data, Qt::LeftButton, {});
     QApplication::sendEvent(&list, &drop);
     EXPECT_TRUE(drop.isAccepted());
-    ASSERT_TRUE(WaitForRows(3));
-    EXPECT_EQ(Texts(), (QStringList{"Artist One - Title One", "Ogg Artist - Ogg Title", "Artist Two - Title Two"}))
+    ASSERT_TRUE(WaitForProbedRows(songs, 3));
+    EXPECT_EQ(RowTexts(songs), (QStringList{"Artist One - Title One", "Ogg Artist - Ogg Title", "Artist Two - Title Two"}))
         << "the folder's audio files in name order, the text file left out";
 }
 

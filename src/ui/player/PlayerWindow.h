@@ -49,9 +49,6 @@ public:
 
     // Each cut with "..." to fit 180 pixels (title at 13, artist at 11 points).
     void PutLabels(const QString& artist, const QString& title) override;
-    QString TitleLabel() const { return m_title; }
-    QString ArtistLabel() const { return m_artist; }
-    QString TimeText() const { return m_time; }
     void SetQualityLabels(const QString& bitrate, const QString& sampleRate) override;
     double VolumeValue() const override { return m_volume; }
     bool LampLit(int index) const { return m_lamps[size_t(index)]; }
