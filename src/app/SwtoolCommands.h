@@ -6,8 +6,10 @@
 struct LyricsState;
 struct LyricsEnvironment;
 
-// swtool lyrics FILE [--editor] [--write OUT]
+// swtool lyrics FILE [--editor | --import] [--write OUT]
 int PrintLyrics(const QStringList& args);
+// swtool midi FILE
+int PrintMidi(const QStringList& args);
 // swtool probe FILE
 int PrintProbe(const QStringList& args);
 // swtool render SONG --at SECONDS ... | --video DIR --fps N --from A --to B

@@ -3,10 +3,12 @@
 #include "app/SwtoolCommands.h"
 #include "core/Language.h"
 #include "core/SettingsStore.h"
-#include "core/ThemeClass.h"
-#include "lyrics/LyricsLoader.h"
-#include "tags/MP3Class.h"
 #include "core/TextCodec.h"
+#include "core/ThemeClass.h"
+#include "editor/LyricsImport.h"
+#include "lyrics/LyricsLoader.h"
+#include "midi/KaraokeWords.h"
+#include "tags/MP3Class.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -18,6 +20,7 @@ namespace {
 struct LyricsOptions {
     QString file;
     bool editor = false;
+    bool import = false;
     QString writeTo;
 };
 
@@ -27,6 +30,8 @@ bool ReadOptions(QStringList args, LyricsOptions& options)
         const QString arg = args.takeFirst();
         if (arg == QLatin1String("--editor"))
             options.editor = true;
+        else if (arg == QLatin1String("--import"))
+            options.import = true;
         else if (arg == QLatin1String("--write") && !args.isEmpty())
             options.writeTo = args.takeFirst();
         else if (!arg.startsWith(QLatin1String("--")) && options.file.isEmpty())
@@ -34,7 +39,7 @@ bool ReadOptions(QStringList args, LyricsOptions& options)
         else
             return false;
     }
-    return !options.file.isEmpty();
+    return !options.file.isEmpty() && !(options.editor && options.import);
 }
 
 bool IsLrsFile(const QString& path)
@@ -112,6 +117,13 @@ QString LoadPlayerLyrics(LyricsState& lyrics, const QString& file, const LyricsE
         lyrics.LyricsTitleText = MakeLyricsTitle(lyrics, env.Tags);
         return {};
     }
+    if (IsMidiName(file)) {
+        MidiFigures figures;
+        MeasureSong(ReadWholeFile(file), figures);
+        if (LoadMidiLyrics(lyrics, figures, file, env))
+            return {};
+        return QStringLiteral("There are no lyrics for this song.");
+    }
     if (LoadLyrics(lyrics, file, env))
         return {};
     const bool damaged = FindLyricsBlock(ReadWholeFile(file)).has_value() || QFileInfo::exists(LyricsPathOf(file));
@@ -142,6 +154,12 @@ int PrintLyrics(const QStringList& args)
     if (options.editor) {
         const auto critical = [](const QString& message) { QTextStream(stderr) << message << '\n'; };
         if (!ParseEditorLyrics(lyrics, EditorText(options.file, env.Polish), critical))
+            return 1;
+        document = &lyrics.EditLyrics;
+        pictures = &lyrics.EditPictures;
+    } else if (options.import) {
+        MidiFigures figures;
+        if (!ImportLyrics(lyrics, figures, &song, options.file, env.Polish))
             return 1;
         document = &lyrics.EditLyrics;
         pictures = &lyrics.EditPictures;

@@ -16,8 +16,11 @@ const char* const kUsage =
     "usage: swtool COMMAND ...\n"
     "  text KEY [--polish]   the display text of a language key\n"
     "  settings              every setting as key<TAB>value, in load order, as stored\n"
-    "  lyrics FILE [--editor] [--write OUT]\n"
-    "                        the lyrics the player (or the editor) reads for a song or .lrs file\n"
+    "  lyrics FILE [--editor | --import] [--write OUT]\n"
+    "                        the lyrics the player (or the editor, or the editor's import) reads\n"
+    "                        for a song or .lrs file\n"
+    "  midi FILE             what the program reads of a MIDI or KAR file: length, title, tempo,\n"
+    "                        and per channel: index, channel, patch, volume, pan, state, instrument\n"
     "  probe FILE            what the program reads of an audio file: kind, length, tags, texts\n"
     "  render SONG --at SECONDS -o OUT.png [--size WxH] [--mode N] [--scale F] [--fullscreen]\n"
     "  render SONG --video DIR --fps N --from A --to B [--size WxH] [--mode N] [--scale F]\n"
@@ -73,6 +76,10 @@ int main(int argc, char* argv[])
         return PrintSettings();
     if (command == QLatin1String("lyrics")) {
         const int result = PrintLyrics(args);
+        return result == 2 ? Usage() : result;
+    }
+    if (command == QLatin1String("midi")) {
+        const int result = PrintMidi(args);
         return result == 2 ? Usage() : result;
     }
     if (command == QLatin1String("playlist")) {

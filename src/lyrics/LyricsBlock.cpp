@@ -17,7 +17,9 @@ const QByteArray kEndMarker = QByteArrayLiteral("\r\n#End Songweaver");
 constexpr qsizetype kEndCut = 15;
 constexpr int kHeaderLines = 20;
 
-enum class Reader { Playing, Editor };
+// The player resolves picture paths; the editor takes them as written and refuses "#LAYOUT=";
+// the import reads every key with its value.
+enum class Reader { Playing, Editor, Import };
 
 // The header stops the editor's reader where the old program's did.
 struct HeaderRejected {};
@@ -57,6 +59,10 @@ void ReadLayout(HeaderTarget& t, const QString& line)
 {
     if (t.reader == Reader::Editor)
         throw HeaderRejected{};
+    if (t.reader == Reader::Import) {
+        t.header.Layout = Short(line.mid(8));
+        return;
+    }
     // One character short: the value read is "=n", which always gives 0.
     t.header.Layout = Short(line.mid(7));
 }
@@ -144,10 +150,12 @@ void ParseHeader(const QString& text, HeaderTarget& target)
             ApplyHeaderLine(lines[i], target);
 }
 
-// The syllables of all lines into the array; false on a piece without "]".
-bool ReadSyllables(const QString& text, std::vector<LyricItem>& lyrics)
+// The syllables of the lines from `firstLine` on into the array; false on a piece without "]".
+bool ReadSyllables(const QString& text, std::vector<LyricItem>& lyrics, qsizetype firstLine = 0)
 {
-    for (const QString& line : SplitLines(text)) {
+    const QStringList lines = SplitLines(text);
+    for (qsizetype l = firstLine; l < lines.size(); ++l) {
+        const QString& line = lines[l];
         if (line.isEmpty() || line.startsWith(u'#'))
             continue;
         const size_t firstOfLine = lyrics.size();
@@ -319,4 +327,20 @@ bool SaveLrsFile(const QString& path, const std::vector<LyricItem>& lyrics, cons
         return false;
     file.write(EncodeText(BuildLyricsBlock(lyrics, pictures)));
     return file.commit();
+}
+
+bool getMyLyrics(LyricsState& lyrics, const QString& text)
+{
+    std::vector<LyricItem> edit(1);
+    std::vector<PictureItem> pictures(1);
+    const QString noFolder;
+    HeaderTarget target{edit[0], pictures, Reader::Import, noFolder};
+    ParseHeader(text, target);
+    // The line count goes on from the header window: the first 20 lines never give syllables.
+    const qsizetype lastLine = SplitLines(text).size() - 1;
+    if (!ReadSyllables(text, edit, std::min<qsizetype>(lastLine, kHeaderLines) + 1))
+        return false;
+    lyrics.EditLyrics = std::move(edit);
+    lyrics.EditPictures = std::move(pictures);
+    return true;
 }

@@ -37,6 +37,10 @@ extern const char* const kInvalidLyricsMessage;  // "Lyrics format doesn't seem 
 bool ParseEditorLyrics(LyricsState& lyrics, const QString& text,
                        const std::function<void(const QString&)>& critical);
 
+// The import's reader of a block into EditLyrics and EditPictures: every header key of lines 1
+// to 20, syllables only from the line after that window; false on a piece without "]".
+bool getMyLyrics(LyricsState& lyrics, const QString& text);
+
 // The whole block as the file writer writes it, CR LF line ends, times with the decimal mark.
 QString BuildLyricsBlock(const std::vector<LyricItem>& lyrics, const std::vector<PictureItem>& pictures,
                          const QString& decimalMark = QLocale().decimalPoint());

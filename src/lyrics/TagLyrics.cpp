@@ -26,9 +26,10 @@ PictureItem TagPicture(const QString& line)
     return picture;
 }
 
-void AddTagLines(std::vector<LyricItem>& lyrics, const QString& text)
+} // namespace
+
+void AppendTagLines(std::vector<LyricItem>& lyrics, const QString& text)
 {
-    const size_t first = lyrics.size();
     for (const QString& line : text.split(QStringLiteral("\r\n"))) {
         const qsizetype close = line.indexOf(u']');
         if (!line.startsWith(u'[') || close < 0)
@@ -40,11 +41,7 @@ void AddTagLines(std::vector<LyricItem>& lyrics, const QString& text)
         item.LineEnd = true;
         lyrics.push_back(std::move(item));
     }
-    if (lyrics.size() > first)
-        lyrics.back().LineEnd = false;
 }
-
-} // namespace
 
 void ImportTagLyrics(LyricsState& lyrics, const TagLyrics& tag, const QFont& font, const LyricsRefit& refit)
 {
@@ -57,7 +54,10 @@ void ImportTagLyrics(LyricsState& lyrics, const TagLyrics& tag, const QFont& fon
     for (const QString& line : tag.LyricsPicture.split(QStringLiteral("\r\n")))
         if (!line.isEmpty())
             lyrics.PlayPictures.push_back(TagPicture(line));
-    AddTagLines(lyrics.PlayLyrics, tag.Lyrics);
+    const size_t first = lyrics.PlayLyrics.size();
+    AppendTagLines(lyrics.PlayLyrics, tag.Lyrics);
+    if (lyrics.PlayLyrics.size() > first)
+        lyrics.PlayLyrics.back().LineEnd = false;
 
     BuildPictureOrder(lyrics);
     lyrics.LongestLine = FindLongestLine(lyrics.PlayLyrics, font);

@@ -30,6 +30,9 @@ public:
 // Runs after lyrics are loaded; the karaoke window fits its font there when it is open.
 using LyricsRefit = std::function<void()>;
 
+// Each "[time]text" line of tag lyrics as one whole-line syllable; other lines are dropped.
+void AppendTagLines(std::vector<LyricItem>& lyrics, const QString& text);
+
 // Tag lyrics into PlayLyrics and PlayPictures: one syllable per timed line, lines before the
 // first time tag dropped.
 void ImportTagLyrics(LyricsState& lyrics, const TagLyrics& tag, const QFont& font,

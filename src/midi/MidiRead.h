@@ -21,8 +21,8 @@ private:
     bool m_polish;
 };
 
-// The length of a Standard MIDI File: its last event, at the tempo that stands shortly after
-// the start (a later tempo change does not count). 0 when the bytes are no MIDI file.
+// The length of a Standard MIDI File: its last event, at the tempo of its first tempo event (a
+// later tempo change does not count). 0 when the bytes are no MIDI file.
 double MidiFileSeconds(const QByteArray& bytes);
 
 // Title and artist from the first qualifying "@T" text events; both empty when none qualifies.

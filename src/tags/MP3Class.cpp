@@ -12,15 +12,11 @@
 
 #include <QFileInfo>
 
-namespace {
-
 bool IsMidiName(const QString& path)
 {
     const QString extension = path.mid(path.lastIndexOf(u'.') + 1).toLower();
     return extension == u"midi" || extension == u"mid" || extension == u"kar";
 }
-
-} // namespace
 
 QString MP3Class::CutSp(QString& text)
 {

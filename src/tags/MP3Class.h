@@ -16,6 +16,9 @@ struct Id3v2Fields;
 // where it was. The player supplies it; without a player the rewrite simply runs.
 using PlayingFileRelease = std::function<void(const QString& path, const std::function<void()>& rewrite)>;
 
+// "mid", "midi" and "kar" files are MIDI whatever they hold; the only use of the extension.
+bool IsMidiName(const QString& path);
+
 class MP3Class final : public SongTags {
 public:
     // Text in ID3v1 and Lyrics3 tags that is not UTF-8 is read in the user's legacy code page.

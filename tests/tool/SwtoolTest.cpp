@@ -195,3 +195,49 @@ TEST(Swtool, PlaylistPrintsTheRowsAsTheWindowLoadsThem)
     EXPECT_EQ(saved.out, "List Text\t03:05\t" + song + "\n") << "trusted text, and the missing file dropped";
     EXPECT_EQ(Swtool({"playlist"}, home.path()).exitCode, 2);
 }
+
+TEST(Swtool, MidiPrintsTheFiguresAndChannelsOfTheDemoKaraokeFile)
+{
+    QTemporaryDir home;
+    const ToolRun midi = Swtool({"midi", SourcePath("resources/demo/twinkle.kar")}, home.path());
+    ASSERT_EQ(midi.exitCode, 0) << midi.err.toStdString();
+    const QStringList lines = midi.out.split(u'\n', Qt::SkipEmptyParts);
+    ASSERT_EQ(lines.size(), 8 + 16);
+    EXPECT_EQ(lines.mid(0, 8), (QStringList{"Length\t31.175", "Title\tTwinkle, Twinkle, Little Star",
+                                            "Artist\tTraditional", "MidiTempoMicros\t600000", "MidiBpm\t100.00",
+                                            "MidiQuarterDivision\t120", "MidiMsPerTick\t1.25", "MidiDuration\t31.175"}));
+    EXPECT_EQ(lines[8], "channel\t0\t1\t10\t100\t0\t2\tMusic Box");
+    EXPECT_EQ(lines[9], "channel\t1\t2\t0\t100\t0\t2\tAcoustic Grand");
+    EXPECT_EQ(lines[10], "channel\t2\t-1\t0\t100\t0\t0\t");
+    EXPECT_EQ(lines[17], "channel\t9\t10\t0\t100\t0\t2\tPercussion");
+
+    const ToolRun notMidi = Swtool({"midi", SourcePath("README.md")}, home.path());
+    EXPECT_EQ(notMidi.exitCode, 1);
+    EXPECT_TRUE(notMidi.out.isEmpty());
+    EXPECT_TRUE(notMidi.err.contains(QStringLiteral("Not a MIDI file")));
+}
+
+TEST(Swtool, LyricsOfAKaraokeFileForThePlayerAndTheImport)
+{
+    QTemporaryDir home;
+    const QString kar = SourcePath("resources/demo/twinkle.kar");
+    const ToolRun played = Swtool({"lyrics", kar}, home.path());
+    ASSERT_EQ(played.exitCode, 0) << played.err.toStdString();
+    EXPECT_TRUE(played.out.startsWith(QStringLiteral("format\tMIDI text events\n")));
+    EXPECT_TRUE(played.out.contains(QStringLiteral("syllable\t1\t1.100\t1\t\t\n")));
+    EXPECT_TRUE(played.out.contains(QStringLiteral("syllable\t2\t3.100\t0\tTwin\tTwinkle, twinkle, little star,\n")));
+    EXPECT_EQ(played.out.count(QStringLiteral("syllable\t")), 43) << "the lead-in and 42 syllables";
+
+    const ToolRun imported = Swtool({"lyrics", "--import", kar}, home.path());
+    ASSERT_EQ(imported.exitCode, 0);
+    EXPECT_TRUE(imported.out.contains(QStringLiteral("title\tTwinkle, Twinkle, Little Star\n")));
+    EXPECT_EQ(imported.out.count(QStringLiteral("syllable\t")), 43);
+
+    // Fewer than nine syllables: the import gives nothing, though the player shows them.
+    const QString tiny = home.filePath(QStringLiteral("tiny.kar"));
+    QByteArray bytes = ReadFileBytes(kar);
+    WriteFileBytes(tiny, bytes.left(bytes.indexOf("/How")));
+    const ToolRun none = Swtool({"lyrics", "--import", tiny}, home.path());
+    EXPECT_EQ(none.exitCode, 1);
+    EXPECT_TRUE(none.out.isEmpty());
+}

@@ -1,0 +1,83 @@
+#include "editor/LyricsImport.h"
+
+#include "core/TextCodec.h"
+#include "lyrics/LyricsBlock.h"
+#include "lyrics/LyricsLoader.h"
+#include "midi/KaraokeWords.h"
+#include "midi/MidiFile.h"
+#include "midi/MidiRead.h"
+#include "tags/MP3Class.h"
+
+namespace {
+
+void ResetEditor(LyricsState& lyrics)
+{
+    lyrics.EditLyrics.assign(1, LyricItem{});
+    lyrics.EditPictures.assign(1, PictureItem{});
+}
+
+// The block from the last start mark through the last end mark followed by CR LF.
+std::optional<QString> ImportBlockText(const QByteArray& bytes, bool polish)
+{
+    static const QByteArray endMark = QByteArrayLiteral("#End Songweaver\r\n");
+    const qsizetype begin = bytes.lastIndexOf("#Songweaver");
+    const qsizetype end = bytes.lastIndexOf(endMark);
+    if (begin < 0 || end < begin)
+        return std::nullopt;
+    return DecodeText(bytes.mid(begin, end + endMark.size() - 2 - begin), polish);
+}
+
+} // namespace
+
+bool ImportLyrics(LyricsState& lyrics, MidiFigures& figures, MP3Class* current, const QString& fileName, bool polish)
+{
+    MP3Class file(polish);
+    file.SetFilename(fileName);
+    file.ReadFile();
+    file.ReadTag();
+    const QByteArray bytes = ReadWholeFile(fileName);
+    if (bytes.contains("#Songweaver")) {
+        const auto block = ImportBlockText(bytes, polish);
+        return block && getMyLyrics(lyrics, *block);
+    }
+    if (file.LyricsExist() && ImportTagLyrics(lyrics, current))
+        return true;
+    return ImportMidiLyrics(lyrics, figures, fileName, polish);
+}
+
+bool ImportTagLyrics(LyricsState& lyrics, MP3Class* current)
+{
+    if (!current)
+        return false;
+    current->ReadTag();
+    const TagLyrics tag = current->LyricsTag();
+    ResetEditor(lyrics);
+    lyrics.EditLyrics[0].Artist = tag.LyricsArtist;
+    lyrics.EditLyrics[0].Title = tag.LyricsTitle;
+    AppendTagLines(lyrics.EditLyrics, tag.Lyrics);
+    return true;
+}
+
+bool ImportMidiLyrics(LyricsState& lyrics, MidiFigures& figures, const QString& fileName, bool polish)
+{
+    const QByteArray bytes = ReadWholeFile(fileName);
+    const auto parsed = ParseMidiFile(bytes);
+    const MidiSongMeasure measure = parsed ? MeasureMidiSong(*parsed) : MidiSongMeasure{};
+    figures.MidiSegmentLength = measure.Quarters * 768;
+    QString title, artist;
+    ReadMidiTitle(bytes, polish, title, artist);
+
+    std::vector<LyricItem> songLyrics(1);
+    ReadMidiWords(bytes, figures, measure.Seconds(), songLyrics, polish);
+    if (songLyrics.size() - 1 < kFewestWordsElements) {
+        ResetEditor(lyrics);
+        return false;
+    }
+    FinishWords(songLyrics);
+    songLyrics[0] = LyricItem{};
+    songLyrics[0].Title = title;
+    songLyrics[0].Artist = artist;
+    lyrics.EditLyrics = std::move(songLyrics);
+    lyrics.EditPictures.assign(1, PictureItem{});
+    return true;
+}

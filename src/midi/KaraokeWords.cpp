@@ -1,0 +1,316 @@
+#include "midi/KaraokeWords.h"
+
+#include "core/TextCodec.h"
+#include "midi/MidiFile.h"
+
+#include <QCoreApplication>
+#include <QProcess>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr double kLeadInSeconds = 2.0;
+constexpr double kWordsOffsetSeconds = 0.7;
+constexpr uint8_t kTextEvent = 0x01;
+constexpr uint8_t kLyricEvent = 0x05;
+constexpr int kConverterWaitMs = 60000;
+
+int ByteAt(const QByteArray& bytes, qsizetype at)
+{
+    return at >= 0 && at < bytes.size() ? uint8_t(bytes[at]) : 0;
+}
+
+double RoundedSeconds(double milliseconds)
+{
+    return std::round(milliseconds) / 1000.0;
+}
+
+QString LeftTrimmed(const QString& text)
+{
+    qsizetype i = 0;
+    while (i < text.size() && text[i].isSpace())
+        ++i;
+    return text.mid(i);
+}
+
+bool IsLineMark(QChar c)
+{
+    return c == u'/' || c == u'\\';
+}
+
+// The delta time behind an event, its length told by where the next 255 stands: in a words
+// track every following event is expected to be a meta event.
+uint32_t DeltaAt(const QByteArray& track, qsizetype at)
+{
+    const int b[4] = {ByteAt(track, at), ByteAt(track, at + 1), ByteAt(track, at + 2), ByteAt(track, at + 3)};
+    int count = 4;
+    if (b[1] == 255)
+        return uint32_t(b[0]);
+    if (b[2] == 255)
+        count = 2;
+    else if (b[3] == 255)
+        count = 3;
+    uint32_t value = 0;
+    for (int i = 0; i < count; ++i)
+        value = (value << 7) | uint32_t(b[i] & 127);
+    return value;
+}
+
+// The line rules of the words: a mark with text closes the line before (the first one makes
+// the lead-in and drops what came before it), a bare mark gives nothing.
+class WordsCollector {
+public:
+    explicit WordsCollector(std::vector<LyricItem>& lyrics) : m_lyrics(lyrics) {}
+
+    void Add(const QString& word, double start)
+    {
+        const QString trimmed = word.trimmed();
+        if (trimmed.size() == 1 && IsLineMark(trimmed[0]))
+            return;
+        if (!trimmed.isEmpty() && IsLineMark(trimmed[0]))
+            StartLine(LeftTrimmed(LeftTrimmed(word).mid(1)), start);
+        else if (!word.isEmpty())
+            m_lyrics.push_back(Syllable(word, start));
+    }
+
+private:
+    static LyricItem Syllable(const QString& text, double start)
+    {
+        LyricItem item;
+        item.Text = text;
+        item.Time = start;
+        return item;
+    }
+
+    void StartLine(const QString& text, double start)
+    {
+        if (m_firstLineSeen) {
+            m_lyrics.back().LineEnd = true;
+            m_lyrics.push_back(Syllable(text, start));
+            return;
+        }
+        if (text.isEmpty())
+            return;
+        m_firstLineSeen = true;
+        m_lyrics.resize(3);
+        m_lyrics[2] = Syllable(text, start);
+        m_lyrics[1] = Syllable(QString(), std::max(0.0, start - kLeadInSeconds));
+        m_lyrics[1].LineEnd = true;
+    }
+
+    std::vector<LyricItem>& m_lyrics;
+    bool m_firstLineSeen = false;
+};
+
+bool WordsUsable(const std::vector<LyricItem>& lyrics, double duration)
+{
+    if (lyrics.size() - 1 < kFewestWordsElements)
+        return false;
+    return duration <= 0 || std::none_of(lyrics.begin() + 1, lyrics.end(),
+                                         [duration](const LyricItem& item) { return item.Time > duration; });
+}
+
+struct TimedText {
+    double start = 0;
+    QString text;
+};
+
+std::vector<TimedText> EventTexts(const MidiTrack& track, uint8_t metaType, double msPerTick, bool polish)
+{
+    std::vector<TimedText> texts;
+    for (const MidiEvent& event : track.Events)
+        if (event.Status == 0xFF && event.MetaType == metaType)
+            texts.push_back({RoundedSeconds(double(event.Tick) * msPerTick), DecodeText(event.Data, polish)});
+    return texts;
+}
+
+// Where the byte reader chose no track, the words are most likely where most texts are.
+const MidiTrack* TrackWithMostTexts(const MidiFile& file)
+{
+    const MidiTrack* best = nullptr;
+    qsizetype bestCount = 0;
+    for (const MidiTrack& track : file.Tracks) {
+        const qsizetype count = std::count_if(track.Events.begin(), track.Events.end(), [](const MidiEvent& e) {
+            return e.Status == 0xFF && e.MetaType == kTextEvent && !e.Data.startsWith('@');
+        });
+        if (count > bestCount) {
+            best = &track;
+            bestCount = count;
+        }
+    }
+    return best;
+}
+
+// Text events read as the byte reader reads them: "@" lines are headers.
+void CollectTextEvents(const std::vector<TimedText>& texts, std::vector<LyricItem>& lyrics)
+{
+    WordsCollector words(lyrics);
+    for (const TimedText& t : texts)
+        if (!t.text.startsWith(u'@'))
+            words.Add(t.text, t.start);
+}
+
+bool IsLineBreak(QChar c)
+{
+    return c == u'\r' || c == u'\n';
+}
+
+// Lyric events as notation programs write them: a line break before (or after) a syllable
+// starts a line, and where syllables end in "-" to join words, the others end a word.
+void CollectLyricEvents(const std::vector<TimedText>& texts, std::vector<LyricItem>& lyrics)
+{
+    const bool hyphenated = std::any_of(texts.begin(), texts.end(),
+                                        [](const TimedText& t) { return t.text.trimmed().endsWith(u'-'); });
+    WordsCollector words(lyrics);
+    bool lineStarts = true;  // the first syllable opens the first line, and so the lead-in
+    for (const TimedText& t : texts) {
+        QString text = t.text;
+        const bool breakBefore = !text.isEmpty() && IsLineBreak(text.front());
+        const bool breakAfter = !text.isEmpty() && IsLineBreak(text.back());
+        text = text.trimmed();
+        if (hyphenated && !text.isEmpty())
+            text = text.endsWith(u'-') ? text.chopped(1) : text + u' ';
+        if (text.isEmpty()) {
+            lineStarts = lineStarts || breakBefore || breakAfter;
+            continue;
+        }
+        if ((lineStarts || breakBefore) && !IsLineMark(text.front()))
+            text.prepend(u'/');
+        words.Add(text, t.start);
+        lineStarts = breakAfter;
+    }
+}
+
+// The bytes to read the words from: what a karaoke converter installed beside the program
+// writes, when there is one and its output is whole, else the song.
+QByteArray WordsFileBytes(const QString& song)
+{
+    const QString converter =
+        QStandardPaths::findExecutable(QStringLiteral("m2k"), {QCoreApplication::applicationDirPath()});
+    const QTemporaryDir work;
+    if (converter.isEmpty() || !work.isValid())
+        return ReadWholeFile(song);
+    const QString output = work.filePath(QStringLiteral("swtmp.tmp"));
+    QProcess process;
+    process.start(converter, {song, output});
+    if (!process.waitForFinished(kConverterWaitMs))
+        process.kill();
+    return ReadWholeFile(AcceptConvertedFile(output, song));
+}
+
+} // namespace
+
+void ResetLyrics(LyricsState& lyrics, std::vector<LyricItem>& songLyrics)
+{
+    songLyrics.assign(1, LyricItem{});
+    lyrics.PlayPictures.resize(1);
+    lyrics.LyricsTitleText.clear();
+}
+
+void GetWords(const QByteArray& track, double msPerTick, bool polish, std::vector<LyricItem>& songLyrics)
+{
+    WordsCollector words(songLyrics);
+    double clock = 0;
+    // Every 255 is taken for an event, also one inside a text or a delta; the search goes on
+    // one byte further, not behind the event.
+    for (qsizetype at = track.indexOf('\xFF'); at >= 0; at = track.indexOf('\xFF', at + 1)) {
+        const int length = ByteAt(track, at + 2);
+        QString word;
+        if (ByteAt(track, at + 1) == kTextEvent && ByteAt(track, at + 3) != '@')
+            word = DecodeText(track.mid(at + 3, length), polish);
+        const double delta = DeltaAt(track, at + 3 + length) * msPerTick;
+        clock += delta;
+        words.Add(word, RoundedSeconds(clock - delta));
+    }
+}
+
+void FinishWords(std::vector<LyricItem>& songLyrics)
+{
+    QString line;
+    size_t lineStart = 1;
+    for (size_t i = 1; i < songLyrics.size(); ++i) {
+        LyricItem& item = songLyrics[i];
+        item.Time += kWordsOffsetSeconds;
+        line += item.Text;
+        if (!item.LineEnd)
+            continue;
+        for (size_t j = lineStart; j <= i; ++j)
+            songLyrics[j].LineText = line;
+        line.clear();
+        lineStart = i + 1;
+    }
+}
+
+WordsOrigin ReadMidiWords(const QByteArray& file, MidiFigures& figures, double songEnd,
+                          std::vector<LyricItem>& songLyrics, bool polish)
+{
+    const int track = ReadFile(file, figures, songLyrics, polish);
+    if (WordsUsable(songLyrics, songEnd))
+        return WordsOrigin::TextBytes;
+    const auto parsed = ParseMidiFile(file);
+    if (!parsed)
+        return WordsOrigin::TextBytes;
+
+    auto tryWords = [&](const std::vector<TimedText>& texts, auto collect) {
+        std::vector<LyricItem> words(1, songLyrics[0]);
+        collect(texts, words);
+        if (!WordsUsable(words, songEnd))
+            return false;
+        songLyrics = std::move(words);
+        return true;
+    };
+    const double msPerTick = figures.MidiMsPerTick;
+    const MidiTrack* textTrack =
+        track >= 0 && size_t(track) < parsed->Tracks.size() ? &parsed->Tracks[size_t(track)] : TrackWithMostTexts(*parsed);
+    if (textTrack && tryWords(EventTexts(*textTrack, kTextEvent, msPerTick, polish), CollectTextEvents))
+        return WordsOrigin::TextEvents;
+    for (const MidiTrack& t : parsed->Tracks) {
+        const std::vector<TimedText> lyrics = EventTexts(t, kLyricEvent, msPerTick, polish);
+        if (lyrics.empty())
+            continue;
+        if (tryWords(lyrics, CollectLyricEvents))
+            return WordsOrigin::LyricEvents;
+        break;
+    }
+    return WordsOrigin::TextBytes;
+}
+
+double MeasureSong(const QByteArray& file, MidiFigures& figures)
+{
+    const auto parsed = ParseMidiFile(file);
+    const MidiSongMeasure measure = parsed ? MeasureMidiSong(*parsed) : MidiSongMeasure{};
+    figures.MidiSegmentLength = measure.Quarters * 768;
+    figures.MidiDuration = measure.Seconds();
+    return figures.MidiDuration;
+}
+
+bool LoadMidiLyrics(LyricsState& lyrics, MidiFigures& figures, const QString& songPath, const LyricsEnvironment& env)
+{
+    if (LoadEmbeddedLyrics(lyrics, songPath, env)) {
+        lyrics.LyricsTitleText = MakeLyricsTitle(lyrics, env.Tags);
+        return true;
+    }
+    std::vector<LyricItem> songLyrics;
+    ResetLyrics(lyrics, songLyrics);
+    const WordsOrigin origin = ReadMidiWords(WordsFileBytes(songPath), figures, figures.MidiDuration, songLyrics, env.Polish);
+    FinishWords(songLyrics);
+
+    lyrics.PlayLyrics = std::move(songLyrics);
+    LyricItem& header = lyrics.PlayLyrics[0];
+    if (env.Tags) {
+        header.Artist = env.Tags->Artist();
+        header.Title = env.Tags->Title();
+    }
+    header.FormatName = origin == WordsOrigin::LyricEvents  ? QStringLiteral("MIDI lyric events")
+                        : origin == WordsOrigin::TextEvents ? QStringLiteral("MIDI text events (parsed)")
+                                                            : QStringLiteral("MIDI text events");
+    BuildPictureOrder(lyrics);
+    lyrics.LongestLine = FindLongestLine(lyrics.PlayLyrics, env.Font);
+    lyrics.LyricsTitleText = MakeLyricsTitle(lyrics, env.Tags);
+    if (env.Refit)
+        env.Refit();
+    return lyrics.PlayLyrics.size() > 1;
+}
