@@ -15,12 +15,12 @@ int PrintMidi(const QStringList& args)
     if (args.size() != 1)
         return 2;
     const QString path = args[0];
-    const QByteArray bytes = ReadWholeFile(path);
     QTextStream err(stderr);
     if (!QFileInfo(path).isFile()) {
         err << "File not found: " << path << '\n';
         return 1;
     }
+    const QByteArray bytes = ReadWholeFile(path);
     if (!bytes.startsWith("MThd")) {
         err << "Not a MIDI file: " << path << '\n';
         return 1;

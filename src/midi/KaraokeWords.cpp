@@ -18,11 +18,6 @@ constexpr uint8_t kTextEvent = 0x01;
 constexpr uint8_t kLyricEvent = 0x05;
 constexpr int kConverterWaitMs = 60000;
 
-int ByteAt(const QByteArray& bytes, qsizetype at)
-{
-    return at >= 0 && at < bytes.size() ? uint8_t(bytes[at]) : 0;
-}
-
 double RoundedSeconds(double milliseconds)
 {
     return std::round(milliseconds) / 1000.0;

@@ -1,6 +1,7 @@
 #include "midi/MidiBytes.h"
 
 #include "midi/KaraokeWords.h"
+#include "midi/MidiFile.h"
 
 #include <QDir>
 #include <QFile>
@@ -8,20 +9,6 @@
 #include <cmath>
 
 namespace {
-
-// Reading past the end of the file gives 0, as the old reader's empty characters did.
-int ByteAt(const QByteArray& bytes, qint64 at)
-{
-    return at >= 0 && at < bytes.size() ? uint8_t(bytes[qsizetype(at)]) : 0;
-}
-
-uint32_t TwoDigitNumber(const QByteArray& bytes, qint64 at, int count)
-{
-    uint32_t value = 0;
-    for (int i = 0; i < count; ++i)
-        value = (value << 8) | uint32_t(ByteAt(bytes, at + i));
-    return value;
-}
 
 constexpr qsizetype kChannelSearchStart = 21;
 constexpr int kTextEventsOfAWordsTrack = 50;
@@ -39,7 +26,7 @@ std::vector<TrackSpan> TrackSpans(const QByteArray& file)
     const uint32_t count = JoinedHexNumber(file, 10, 2);
     qint64 start = kFirstTrack;
     for (uint32_t i = 0; i < count && start < file.size(); ++i) {
-        const qint64 length = TwoDigitNumber(file, start + 4, 4);
+        const qint64 length = BigEndianAt(file, start + 4, 4);
         spans.push_back({start + 8, length});
         start += length + 8;
     }
@@ -66,8 +53,8 @@ void ReadTempo(const QByteArray& file, MidiFigures& figures)
     const qsizetype tempo = file.indexOf(QByteArrayLiteral("\xFF\x51"));
     if (tempo < 0)
         return;
-    figures.MidiTempoMicros = TwoDigitNumber(file, tempo + 3, 3);
-    const double division = TwoDigitNumber(file, 12, 2);
+    figures.MidiTempoMicros = BigEndianAt(file, tempo + 3, 3);
+    const double division = BigEndianAt(file, 12, 2);
     figures.MidiQuarterDivision = division / 4;
     // A division or tempo of 0 was an error the old reader skipped: the figure before stays.
     if (figures.MidiTempoMicros > 0)

@@ -40,14 +40,6 @@ private:
     qsizetype m_end;
 };
 
-uint32_t BigEndian(const QByteArray& bytes, qsizetype at, int count)
-{
-    uint32_t value = 0;
-    for (int i = 0; i < count; ++i)
-        value = (value << 8) | (at + i < bytes.size() ? uint8_t(bytes[at + i]) : 0u);
-    return value;
-}
-
 int DataBytesOf(uint8_t status)
 {
     const int kind = status & 0xF0;
@@ -95,20 +87,33 @@ MidiTrack ReadTrack(TrackReader reader)
 
 } // namespace
 
+int ByteAt(const QByteArray& bytes, qint64 at)
+{
+    return at >= 0 && at < bytes.size() ? uint8_t(bytes[qsizetype(at)]) : 0;
+}
+
+uint32_t BigEndianAt(const QByteArray& bytes, qint64 at, int count)
+{
+    uint32_t value = 0;
+    for (int i = 0; i < count; ++i)
+        value = (value << 8) | uint32_t(ByteAt(bytes, at + i));
+    return value;
+}
+
 std::optional<MidiFile> ParseMidiFile(const QByteArray& bytes)
 {
     if (bytes.size() < 14 || !bytes.startsWith("MThd"))
         return std::nullopt;
-    const uint32_t headerLength = BigEndian(bytes, 4, 4);
-    const int trackCount = int(BigEndian(bytes, 10, 2));
+    const uint32_t headerLength = BigEndianAt(bytes, 4, 4);
+    const int trackCount = int(BigEndianAt(bytes, 10, 2));
     MidiFile file;
-    file.Division = int(BigEndian(bytes, 12, 2));
+    file.Division = int(BigEndianAt(bytes, 12, 2));
     if (file.Division == 0 || (file.Division & 0x8000))
         return std::nullopt;
 
     qsizetype at = 8 + qsizetype(std::min<uint32_t>(headerLength, uint32_t(bytes.size())));
     for (int i = 0; i < trackCount && at + 8 <= bytes.size(); ++i) {
-        const qsizetype length = qsizetype(BigEndian(bytes, at + 4, 4));
+        const qsizetype length = qsizetype(BigEndianAt(bytes, at + 4, 4));
         const qsizetype end = std::min<qsizetype>(bytes.size(), at + 8 + length);
         if (bytes.mid(at, 4) == "MTrk")
             file.Tracks.push_back(ReadTrack(TrackReader(bytes, at + 8, end)));
@@ -131,7 +136,7 @@ MidiSongMeasure MeasureMidiSong(const MidiFile& file)
         }
     }
     measure.Quarters = double(lastTick) / file.Division;
-    const uint32_t micros = firstTempo ? BigEndian(firstTempo->Data, 0, 3) : 0;
+    const uint32_t micros = firstTempo ? BigEndianAt(firstTempo->Data, 0, 3) : 0;
     measure.Bpm = micros > 0 ? 60e6 / micros : kDefaultBpm;
     return measure;
 }

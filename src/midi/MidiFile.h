@@ -24,6 +24,11 @@ struct MidiFile {
     std::vector<MidiTrack> Tracks;
 };
 
+// The byte at `at`, 0 past either end: short files read as if padded with zeros.
+int ByteAt(const QByteArray& bytes, qint64 at);
+// `count` bytes from `at` as one big-endian number, padded the same way.
+uint32_t BigEndianAt(const QByteArray& bytes, qint64 at, int count);
+
 // Nothing when the bytes do not start as a MIDI file or use frame-based timing.
 std::optional<MidiFile> ParseMidiFile(const QByteArray& bytes);
 
