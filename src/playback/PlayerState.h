@@ -6,6 +6,7 @@
 #include "audio/SongSession.h"
 #include "core/CoreState.h"
 #include "lyrics/LyricsData.h"
+#include "midi/MidiBytes.h"
 #include "tags/MP3Class.h"
 
 #include <QString>
@@ -22,6 +23,7 @@ struct PlayerState : CoreState {
     std::unique_ptr<MP3Class> CurrentInfo;       // what was read of the current song
     double CurrentPosition = 0;
     double MidiDuration = 0;
+    MidiFigures Midi;  // what the MIDI readers found; kept from song to song
     float PlaybackRate = 1.0f;
     int16_t PlayingIndex = -1;
 

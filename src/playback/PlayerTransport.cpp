@@ -2,6 +2,7 @@
 
 #include "audio/NullDevice.h"
 #include "audio/SoundDevices.h"
+#include "midi/MidiPlayer.h"
 #include "playback/MediaSession.h"
 #include "playback/PlayerState.h"
 
@@ -17,11 +18,11 @@ QString CommandLineSongPath(const QString& commandLine)
     return path;
 }
 
-std::unique_ptr<SongSession> BuiltInSessions(AudioEngine& engine, bool midi)
+std::unique_ptr<SongSession> BuiltInSessions(PlayerState& state)
 {
-    if (midi)
-        return nullptr;
-    return std::make_unique<MediaSession>(engine);
+    if (state.IsMidi)
+        return std::make_unique<MidiPlayer>(*state.Engine, state.Midi);
+    return std::make_unique<MediaSession>(*state.Engine);
 }
 
 PlayerTransport::PlayerTransport(PlayerState& state, FormProvider& forms, SongList& list, MessageBoxes* messages,
@@ -53,7 +54,7 @@ void PlayerTransport::StartAudio()
 std::unique_ptr<SongSession> PlayerTransport::RenderedSession(const QString& path, bool& failed)
 {
     StartAudio();
-    auto session = m_sessions(*m_state.Engine, m_state.IsMidi);
+    auto session = m_sessions(m_state);
     failed = false;
     if (!session)
         return nullptr;

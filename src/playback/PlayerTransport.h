@@ -4,6 +4,7 @@
 // of Next and Previous over the playlist.
 
 #include "core/Forms.h"
+#include "lyrics/LyricsLoader.h"
 #include "playback/PlaybackTicks.h"
 
 #include <functional>
@@ -23,9 +24,9 @@ QString SongListText(const MP3Class& song);
 
 // Makes the session that plays a kind of song; nullptr where this build has nothing that plays
 // the kind (MIDI songs then load without sound).
-using SessionFactory = std::function<std::unique_ptr<SongSession>(AudioEngine& engine, bool midi)>;
-// Audio files on the engine's FFmpeg file source.
-std::unique_ptr<SongSession> BuiltInSessions(AudioEngine& engine, bool midi);
+using SessionFactory = std::function<std::unique_ptr<SongSession>(PlayerState& state)>;
+// Audio files on the engine's FFmpeg file source, MIDI files on its synthesiser.
+std::unique_ptr<SongSession> BuiltInSessions(PlayerState& state);
 
 class PlayerTransport final : public SongTransport {
 public:
@@ -78,6 +79,8 @@ private:
     void ReportUnplayable();
     void ShowSongLabels();
     void LoadSongLyrics();
+    // The font, code page, tags and refit of the current song for a lyrics load.
+    LyricsEnvironment LyricsEnvironmentOfSong();
     // The playlist for Next and Previous; false when the song stopped or closed instead.
     bool MayWalkList();
     // Tries the rows from `first` towards `last` (either way); true when one opened.

@@ -3,6 +3,7 @@
 
 #include "core/Numbers.h"
 #include "lyrics/LyricsLoader.h"
+#include "midi/KaraokeWords.h"
 #include "playback/MediaSession.h"
 #include "playback/PlayerState.h"
 #include "playback/PlayerTransport.h"
@@ -73,7 +74,7 @@ void PlayerTransport::OpenAudioSong(const QString& path, bool autoplay)
         lyric->ChangeLyrics();
 }
 
-void PlayerTransport::LoadSongLyrics()
+LyricsEnvironment PlayerTransport::LyricsEnvironmentOfSong()
 {
     KaraokeForm* lyric = m_forms.Lyric();
     LyricsEnvironment env;
@@ -86,6 +87,12 @@ void PlayerTransport::LoadSongLyrics()
             lyric->ChangeLyrics();
         }
     };
+    return env;
+}
+
+void PlayerTransport::LoadSongLyrics()
+{
+    const LyricsEnvironment env = LyricsEnvironmentOfSong();
     if (LoadLyrics(m_state.Lyrics, m_state.CurrentFile, env))
         return;
     // A song without lyrics of its own shows what the editor is writing for it.
@@ -111,11 +118,18 @@ void PlayerTransport::OpenMidiSong(const QString& path)
         ReportUnplayable();
         return;
     }
-    if (ControlsForm* midi = m_forms.MidiEq())
-        midi->ChangeMidi(m_state.CurrentInfo->Filename(), 0);
-    ShowSongLabels();
     m_state.EditorFile = m_state.CurrentInfo->Filename();
     m_state.CurrentFile = m_state.EditorFile;
+    // The words of a MIDI song come from the file itself; there is no search.
+    LoadMidiLyrics(m_state.Lyrics, m_state.Midi, path, LyricsEnvironmentOfSong());
+    m_state.MidiDuration = m_state.Midi.MidiDuration;
+    if (ControlsForm* midi = m_forms.MidiEq())
+        midi->ChangeMidi(m_state.CurrentInfo->Filename(), 0);
+    // A MIDI song starts as soon as it is loaded.
+    PlaySong();
+    if (m_state.KaraokeOpen && lyric)
+        lyric->ChangeLyrics();
+    ShowSongLabels();
 }
 
 void PlayerTransport::ShowSongLabels()

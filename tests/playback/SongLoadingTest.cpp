@@ -23,7 +23,7 @@ protected:
     SongLoading()
     {
         LoadDefaults(state, store);
-        StartManualEngine(state);
+        device = &StartManualEngine(state);
         state.KaraokeOpen = true;
     }
     QString Wav(const QString& name) { return WriteRampWav(dir.filePath(name), 48000); }
@@ -41,6 +41,7 @@ protected:
     FakeWindows windows{journal};
     FakeSongList list{journal};
     RecordedMessages messages;
+    ManualDevice* device = nullptr;
     PlayerTransport transport{state, windows, list, &messages};
 };
 
@@ -81,18 +82,42 @@ TEST_F(SongLoading, AMissingFileIsQuietAndAnUnplayableOneIsReported)
     EXPECT_TRUE(state.CurrentFile.isEmpty());
 }
 
-TEST_F(SongLoading, MidiSongsLoadWithTheirLengthLabelsAndTheMidiWindow)
+TEST_F(SongLoading, MidiSongsPlayAsSoonAsLoadedPauseSeekToTheirShareAndEnd)
 {
     const QString kar = CopyFixture(MediaFixture("song.kar"), dir.path());
-    EXPECT_TRUE(transport.OpenSong(kar, true));
+    list.paths = {kar};
+    state.PlayingIndex = 0;
+    EXPECT_TRUE(transport.OpenSong(kar, false));
     EXPECT_TRUE(state.IsMidi);
-    EXPECT_EQ(state.Session, nullptr);
+    ASSERT_NE(state.Session, nullptr);
+    EXPECT_EQ(state.Session->GetState(), SongSession::Running) << "a MIDI song starts when it is loaded";
     EXPECT_DOUBLE_EQ(state.MidiDuration, 4.0);
     EXPECT_EQ(state.CurrentFile, kar);
     EXPECT_EQ(state.EditorFile, kar);
     EXPECT_TRUE(journal.calls.contains("MidiEq.ChangeMidi " + kar + " 0"));
     EXPECT_EQ(windows.player.title, "Silent Night");
     EXPECT_EQ(windows.player.artist, "Franz Gruber");
+    EXPECT_EQ(state.Lyrics.PlayLyrics.size(), 1u) << "a file without words is an empty document";
+    EXPECT_EQ(state.Lyrics.PlayLyrics[0].FormatName, "MIDI text events");
+
+    device->Step(48000);
+    EXPECT_NEAR(state.Session->get_CurrentPosition(), 1.0, 0.002);
+    transport.PauseSong();
+    device->Step(48000);
+    EXPECT_NEAR(state.Session->get_CurrentPosition(), 1.0, 0.002) << "a paused song holds";
+    transport.SeekTo(0.5);
+    EXPECT_DOUBLE_EQ(state.Session->get_CurrentPosition(), 2.0) << "half of the song's ticks";
+    device->Step(4800);
+    EXPECT_DOUBLE_EQ(state.Session->get_CurrentPosition(), 2.0);
+    EXPECT_EQ(state.Session->GetState(), SongSession::Paused);
+
+    transport.PlaySong();
+    device->Step(48000 * 2 + 4800);
+    transport.Ticks().PlaybackTick();
+    EXPECT_DOUBLE_EQ(state.CurrentPosition, 4.0);
+    transport.Ticks().mmTimer();
+    EXPECT_EQ(state.Session->GetState(), SongSession::Stopped) << "a lone list entry stops at its end";
+    EXPECT_DOUBLE_EQ(state.Session->get_CurrentPosition(), 0);
 }
 
 TEST_F(SongLoading, TheCommandLineOpensTheSongBesideALyricsFileOnlyAsMp3)

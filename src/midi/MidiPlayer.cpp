@@ -1,0 +1,197 @@
+#include "midi/MidiPlayer.h"
+
+#include "audio/AudioEngine.h"
+#include "audio/SynthSource.h"
+#include "lyrics/LyricsLoader.h"
+#include "midi/KaraokeWords.h"
+#include "midi/MidiFile.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+// DirectMusic's music time has 768 units to the quarter note; a pause at the very end goes 10
+// of them back, so Play has something left to play.
+constexpr double kMusicTimePerQuarter = 768;
+constexpr double kEndBackOff = 10;
+
+} // namespace
+
+bool SynthSongOf(const QByteArray& file, SynthSong& song)
+{
+    const auto parsed = ParseMidiFile(file);
+    if (!parsed)
+        return false;
+    song = SynthSong{};
+    song.Division = parsed->Division;
+    for (const MidiTrack& track : parsed->Tracks) {
+        song.EndTick = std::max(song.EndTick, track.EndTick);
+        for (const MidiEvent& event : track.Events) {
+            if (event.Status == 0xFF && event.MetaType == 0x51 && event.Data.size() == 3)
+                song.Tempos.push_back({event.Tick, BigEndianAt(event.Data, 0, 3)});
+            else if (event.Status >= 0x80 && event.Status < 0xF0)
+                song.Events.push_back({event.Tick, event.Status, uint8_t(ByteAt(event.Data, 0)),
+                                       uint8_t(ByteAt(event.Data, 1))});
+        }
+    }
+    auto byTick = [](const auto& a, const auto& b) { return a.Tick < b.Tick; };
+    std::stable_sort(song.Events.begin(), song.Events.end(), byTick);
+    std::stable_sort(song.Tempos.begin(), song.Tempos.end(), byTick);
+    if (song.Tempos.empty() || song.Tempos.front().Tick > 0)
+        song.Tempos.insert(song.Tempos.begin(), SynthTempo{0, 500000});
+    return true;
+}
+
+MidiPlayer::MidiPlayer(AudioEngine& engine, MidiFigures& figures, std::string soundFont)
+    : m_engine(engine), m_figures(figures), m_soundFont(std::move(soundFont))
+{
+}
+
+MidiPlayer::~MidiPlayer()
+{
+    if (m_synth)
+        m_engine.RemoveSource(m_synth.get());
+}
+
+bool MidiPlayer::RenderFile(const QString& path)
+{
+    const QByteArray bytes = ReadWholeFile(path);
+    SynthSong song;
+    if (!SynthSongOf(bytes, song)) {
+        m_error = QStringLiteral("not a MIDI file");
+        return false;
+    }
+    std::string error;
+    m_synth = SynthSource::Create(m_soundFont, m_engine.SampleRate(), error);
+    if (!m_synth) {
+        m_error = QString::fromStdString(error);
+        return false;
+    }
+    MeasureSong(bytes, m_figures);
+    m_synth->Load(std::move(song));
+    m_synth->Volume = m_volume;
+    m_synth->Balance = m_balance;
+    if (!m_engine.AddSource(m_synth)) {
+        m_error = QStringLiteral("the engine has no room for another song");
+        m_synth.reset();
+        return false;
+    }
+    m_state = Stopped;
+    return true;
+}
+
+uint64_t MidiPlayer::EndTick() const
+{
+    return m_synth ? m_synth->Song().EndTick : 0;
+}
+
+void MidiPlayer::Run()
+{
+    if (!m_synth)
+        return;
+    const double tick = m_synth->TickAt(m_engine.Now());
+    if (m_synth->Ended() || tick >= double(EndTick())) {
+        const double backOff = kEndBackOff * m_synth->Song().Division / kMusicTimePerQuarter;
+        m_synth->SeekTick(uint64_t(std::max(0.0, double(EndTick()) - backOff)));
+    }
+    m_synth->Run();
+    m_state = Running;
+    SetChannels();
+}
+
+void MidiPlayer::Pause()
+{
+    if (!m_synth)
+        return;
+    m_synth->Hold();
+    m_state = Paused;
+}
+
+void MidiPlayer::Stop()
+{
+    if (!m_synth)
+        return;
+    m_synth->Hold();
+    m_synth->SeekTick(0);
+    m_state = Stopped;
+}
+
+double MidiPlayer::get_Duration() const
+{
+    return m_figures.MidiDuration;
+}
+
+double MidiPlayer::get_CurrentPosition() const
+{
+    if (!m_synth || EndTick() == 0)
+        return 0;
+    return m_synth->TickAt(m_engine.Now()) / double(EndTick()) * m_figures.MidiDuration;
+}
+
+void MidiPlayer::put_CurrentPosition(double seconds)
+{
+    if (m_figures.MidiDuration > 0)
+        SetMidiPosition(seconds / m_figures.MidiDuration);
+}
+
+void MidiPlayer::SetMidiPosition(double fraction)
+{
+    if (!m_synth)
+        return;
+    const int kept = m_state;
+    m_synth->SeekTick(uint64_t(std::clamp(fraction, 0.0, 1.0) * double(EndTick())));
+    if (kept == Running)
+        Run();
+}
+
+void MidiPlayer::SetChannels()
+{
+    for (size_t c = 0; c < m_figures.ChannelTable.size(); ++c) {
+        const ChannelRecord& record = m_figures.ChannelTable[c];
+        if (record.Channel != -1 && record.VolumeChanged)
+            m_synth->SendController(int(c), 7, record.Volume);
+    }
+}
+
+void MidiPlayer::SetTranspose(int semitones)
+{
+    if (m_synth)
+        m_synth->SetTranspose(semitones);
+}
+
+void MidiPlayer::SetChannelVolume(int channel, int value)
+{
+    if (!m_synth || channel < 0 || channel > 15)
+        return;
+    m_synth->SendController(channel, 7, value);
+    ChannelRecord& record = m_figures.ChannelTable[size_t(channel)];
+    record.Volume = int16_t(value);
+    record.VolumeChanged = true;
+}
+
+void MidiPlayer::SetChannelBalance(int channel, int value)
+{
+    if (m_synth && channel >= 0 && channel <= 15)
+        m_synth->SendController(channel, 10, value);
+}
+
+void MidiPlayer::put_Rate(double rate)
+{
+    if (m_synth)
+        m_synth->SetTempoFactor(rate);
+}
+
+void MidiPlayer::put_Volume(int hundredthsDb)
+{
+    m_volume = std::clamp(hundredthsDb, -10000, 0);
+    if (m_synth)
+        m_synth->Volume = m_volume;
+}
+
+void MidiPlayer::put_Balance(int hundredthsDb)
+{
+    m_balance = std::clamp(hundredthsDb, -10000, 10000);
+    if (m_synth)
+        m_synth->Balance = m_balance;
+}

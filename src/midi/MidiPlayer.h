@@ -1,0 +1,70 @@
+#pragma once
+// A MIDI song on the engine: the second kind of song session. The file is read by the event
+// parser into the synthesiser's sequencer; its length, tempo figures and channel table come
+// from the readers of the old program, so lyrics and clock stay on the scale they always had.
+
+#include "audio/SongSession.h"
+#include "midi/MidiBytes.h"
+
+#include <memory>
+#include <string>
+
+class AudioEngine;
+class SynthSource;
+
+class MidiPlayer final : public SongSession {
+public:
+    // `figures` outlive the player: the next song keeps what this one leaves where it has none.
+    MidiPlayer(AudioEngine& engine, MidiFigures& figures, std::string soundFont = {});
+    ~MidiPlayer() override;
+
+    // OpenMusic: measures the song, reads its figures and channels, and loads it, stopped at 0.
+    bool RenderFile(const QString& path) override;
+    QString ErrorText() const override { return m_error; }
+
+    // PlayMidi: from where the song stands (10 units back from the very end), then SetChannels.
+    void Run() override;
+    // PauseMidi.
+    void Pause() override;
+    // StopMidi: back to 0, ready.
+    void Stop() override;
+    int GetState() const override { return m_state; }
+
+    // GetMidiDuration.
+    double get_Duration() const override;
+    // MidiTime: the heard tick's share of the song's ticks, times its duration.
+    double get_CurrentPosition() const override;
+    // SetMidiPosition with the share of the duration.
+    void put_CurrentPosition(double seconds) override;
+    // The master tempo: 1 the song's own, 2 twice as fast.
+    void put_Rate(double rate) override;
+    void put_Volume(int hundredthsDb) override;
+    int get_Volume() const override { return m_volume; }
+    void put_Balance(int hundredthsDb) override;
+
+    // SetMidiPosition(Fraction): the share of the song to go on from, in the state it was in.
+    void SetMidiPosition(double fraction);
+    // Moved faders are sent again after every start; transpose is not among them.
+    void SetChannels();
+    // Semitones for the melodic channels.
+    void SetTranspose(int semitones);
+    // A channel strip's volume (controller 7), kept for SetChannels, and its balance (controller 10).
+    void SetChannelVolume(int channel, int value);
+    void SetChannelBalance(int channel, int value);
+
+private:
+    uint64_t EndTick() const;
+
+    AudioEngine& m_engine;
+    MidiFigures& m_figures;
+    std::string m_soundFont;
+    std::shared_ptr<SynthSource> m_synth;
+    QString m_error;
+    int m_state = Stopped;
+    int m_volume = 0;
+    int m_balance = 0;
+};
+
+// The song of a MIDI file for the sequencer: its channel events and tempo changes in tick order.
+struct SynthSong;
+bool SynthSongOf(const QByteArray& file, SynthSong& song);
