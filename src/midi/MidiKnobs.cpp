@@ -1,0 +1,40 @@
+#include "midi/MidiKnobs.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr int kKnobTop = 86;
+constexpr int kKnobBottom = 150;
+
+} // namespace
+
+int KnobValue(int top)
+{
+    return (std::clamp(top, kKnobTop, kKnobBottom) - kKnobTop) * 2;
+}
+
+QString KnobLabel(int v)
+{
+    if (v > 70)
+        return u'+' + QString::number(int(std::floor((v - 64) / 64.0 * 10)));
+    if (v >= 58)
+        return QStringLiteral("0");
+    return u'-' + QString::number(int(std::floor((64 - v) / 64.0 * 10)));
+}
+
+int TransposeSemitones(int v)
+{
+    return int(std::floor((24.0 / 127 * v - 12) / 2)) * 2;
+}
+
+double MasterTempo(int v)
+{
+    return std::floor(30.0 / 127 * v) * 2 / 30;
+}
+
+double AudioRateOfKnob(int top)
+{
+    return (std::clamp(top, kKnobTop, kKnobBottom) - kKnobTop) / 64.0 * 2;
+}
