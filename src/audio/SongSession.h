@@ -14,6 +14,9 @@ public:
     // Opens the file, stopped at 0; false (and ErrorText) when it cannot be played.
     virtual bool RenderFile(const QString& path) = 0;
     virtual QString ErrorText() const = 0;
+    // True when RenderFile failed because no song of this kind can play (a synthesiser without
+    // its SoundFont), not because of the file; ErrorText then says so to the user.
+    virtual bool KindUnavailable() const { return false; }
 
     virtual void Run() = 0;
     virtual void Pause() = 0;

@@ -140,6 +140,7 @@ std::vector<ThemeClass::Setting> ThemeClass::Settings()
         boolean("fit font to window", LyricsFitFont, true),
         boolean("scroll title", Scroll, true),
         text("fullscreen monitor", Monitor, QStringLiteral("Monitor 1 (primary)")),
+        text("sound font", SoundFont, QString()),
     };
 }
 

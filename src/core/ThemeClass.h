@@ -85,6 +85,7 @@ public:
     bool LyricsFitFont{};
     bool Scroll{};
     QString Monitor;
+    QString SoundFont;  // the SoundFont of MIDI songs; empty for the one the system installs
     // Not persisted.
     QString LyricsPath;
 

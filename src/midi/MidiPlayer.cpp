@@ -65,7 +65,8 @@ bool MidiPlayer::RenderFile(const QString& path)
     std::string error;
     m_synth = SynthSource::Create(m_soundFont, m_engine.SampleRate(), error);
     if (!m_synth) {
-        m_error = QString::fromStdString(error);
+        m_error = QStringLiteral("MIDI songs cannot be played: %1.").arg(QString::fromStdString(error));
+        m_noSynth = true;
         return false;
     }
     MeasureSong(bytes, m_figures);

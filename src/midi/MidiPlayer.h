@@ -21,6 +21,7 @@ public:
     // OpenMusic: measures the song, reads its figures and channels, and loads it, stopped at 0.
     bool RenderFile(const QString& path) override;
     QString ErrorText() const override { return m_error; }
+    bool KindUnavailable() const override { return m_noSynth; }
 
     // PlayMidi: from where the song stands (10 units back from the very end), then SetChannels.
     void Run() override;
@@ -60,6 +61,7 @@ private:
     std::string m_soundFont;
     std::shared_ptr<SynthSource> m_synth;
     QString m_error;
+    bool m_noSynth = false;
     int m_state = Stopped;
     int m_volume = 0;
     int m_balance = 0;

@@ -6,6 +6,7 @@
 #include "playback/MediaSession.h"
 #include "playback/PlayerState.h"
 
+#include <QFile>
 #include <QFileInfo>
 #include <QTextStream>
 #include <cmath>
@@ -20,8 +21,10 @@ QString CommandLineSongPath(const QString& commandLine)
 
 std::unique_ptr<SongSession> BuiltInSessions(PlayerState& state)
 {
-    if (state.IsMidi)
-        return std::make_unique<MidiPlayer>(*state.Engine, state.Midi);
+    if (state.IsMidi) {
+        const QString soundFont = state.Theme ? state.Theme->SoundFont : QString();
+        return std::make_unique<MidiPlayer>(*state.Engine, state.Midi, QFile::encodeName(soundFont).toStdString());
+    }
     return std::make_unique<MediaSession>(*state.Engine);
 }
 
@@ -61,6 +64,7 @@ std::unique_ptr<SongSession> PlayerTransport::RenderedSession(const QString& pat
     session->put_Rate(m_state.PlaybackRate);
     if (!session->RenderFile(ShortPath(path))) {
         failed = true;
+        m_unavailableKind = session->KindUnavailable() ? session->ErrorText() : QString();
         return nullptr;
     }
     return session;

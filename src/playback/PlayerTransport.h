@@ -93,4 +93,6 @@ private:
     SessionFactory m_sessions;
     PlaybackTicks m_ticks;
     bool m_opening = false;
+    QString m_unavailableKind;  // the message of a session that could play no song of its kind
+    bool m_unavailableReported = false;
 };

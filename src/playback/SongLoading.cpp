@@ -45,8 +45,16 @@ bool PlayerTransport::OpenSong(const QString& path, bool autoplay)
 void PlayerTransport::ReportUnplayable()
 {
     CloseSong();
-    if (m_messages)
-        m_messages->Critical(m_state.Language.GetText(QStringLiteral("ErrorAudioRead")));
+    if (!m_messages)
+        return;
+    // What keeps a whole kind of song from playing is named once; after that such songs are
+    // refused like any other that cannot play.
+    if (!m_unavailableKind.isEmpty() && !m_unavailableReported) {
+        m_unavailableReported = true;
+        m_messages->Critical(m_unavailableKind);
+        return;
+    }
+    m_messages->Critical(m_state.Language.GetText(QStringLiteral("ErrorAudioRead")));
 }
 
 void PlayerTransport::OpenAudioSong(const QString& path, bool autoplay)

@@ -58,6 +58,7 @@ TEST(ThemeClass, FirstRunGivesEveryDefault)
     EXPECT_FALSE(t.LyricsFontBold);
     EXPECT_FALSE(t.LyricsFontItalic);
     EXPECT_EQ(t.LyricsFontCharset, 238);
+    EXPECT_EQ(t.SoundFont, "") << "the system's General MIDI SoundFont";
     EXPECT_EQ(t.LyricsOutlineWidth, 2);
     EXPECT_EQ(t.LyricsBackColor, 65 + 78 * 256 + 123 * 65536);
     EXPECT_EQ(t.LyricsPicPath(), "default");
@@ -216,10 +217,10 @@ TEST(ThemeClass, SaveWritesEveryKeyOnceOnTopFirstRecordDeviceLast)
     Loaded loaded(store);
     loaded.theme.Save();
 
-    ASSERT_EQ(store.writes.size(), 42);
+    ASSERT_EQ(store.writes.size(), 43);
     EXPECT_EQ(store.writes.first(), "on top");
     EXPECT_EQ(store.writes.last(), "record device");
-    EXPECT_EQ(QSet<QString>(store.writes.begin(), store.writes.end()).size(), 42);
+    EXPECT_EQ(QSet<QString>(store.writes.begin(), store.writes.end()).size(), 43);
     EXPECT_EQ(store.values[QStringLiteral("karaoke font color")], QString::number(RGB(125, 140, 189)));
     EXPECT_EQ(store.values[QStringLiteral("karaoke outline color")], "0,0,0,0");
     EXPECT_EQ(store.values[QStringLiteral("fit font to window")], "1");
@@ -227,5 +228,5 @@ TEST(ThemeClass, SaveWritesEveryKeyOnceOnTopFirstRecordDeviceLast)
     const auto stored = loaded.theme.StoredValues();
     EXPECT_EQ(stored.front().first, "karaoke window");
     EXPECT_EQ(stored[2].first, "record device");
-    EXPECT_EQ(stored.back().first, "fullscreen monitor");
+    EXPECT_EQ(stored.back().first, "sound font");
 }

@@ -186,3 +186,21 @@ TEST_F(SongLoading, AOneSongListKeepsItsSongOnNextAndRestartsItOnPrevious)
     EXPECT_EQ(list.paths.size(), before);
     EXPECT_NE(state.Session, nullptr) << "with the editor open the song only stops";
 }
+
+TEST_F(SongLoading, AMissingSoundFontIsNamedOnceAndMidiSongsAreThenRefused)
+{
+    state.Theme->SoundFont = dir.filePath("gone.sf2");
+    const QString kar = CopyFixture(MediaFixture("song.kar"), dir.path());
+    transport.OpenSong(kar, false);
+    EXPECT_EQ(state.Session, nullptr);
+    ASSERT_EQ(messages.shown.size(), 1);
+    EXPECT_TRUE(messages.shown[0].startsWith(QStringLiteral("MIDI songs cannot be played: ")));
+    EXPECT_TRUE(messages.shown[0].contains(dir.filePath("gone.sf2")));
+
+    transport.OpenSong(kar, false);
+    ASSERT_EQ(messages.shown.size(), 2);
+    EXPECT_EQ(messages.shown[1], state.Language.GetText(QStringLiteral("ErrorAudioRead")));
+
+    transport.OpenSong(Wav("audio.wav"), true);
+    EXPECT_NE(state.Session, nullptr) << "audio songs play on";
+}
