@@ -273,13 +273,17 @@ WordsOrigin ReadMidiWords(const QByteArray& file, MidiFigures& figures, double s
     return WordsOrigin::TextBytes;
 }
 
-double MeasureSong(const QByteArray& file, MidiFigures& figures)
+double StoreSongLength(const MidiSongMeasure& measure, MidiFigures& figures)
 {
-    const auto parsed = ParseMidiFile(file);
-    const MidiSongMeasure measure = parsed ? MeasureMidiSong(*parsed) : MidiSongMeasure{};
     figures.MidiSegmentLength = measure.Quarters * 768;
     figures.MidiDuration = measure.Seconds();
     return figures.MidiDuration;
+}
+
+double MeasureSong(const QByteArray& file, MidiFigures& figures)
+{
+    const auto parsed = ParseMidiFile(file);
+    return StoreSongLength(parsed ? MeasureMidiSong(*parsed) : MidiSongMeasure{}, figures);
 }
 
 bool LoadMidiLyrics(LyricsState& lyrics, MidiFigures& figures, const QString& songPath, const LyricsEnvironment& env)

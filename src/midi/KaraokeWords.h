@@ -33,6 +33,9 @@ WordsOrigin ReadMidiWords(const QByteArray& file, MidiFigures& figures, double s
 // The length of the song into MidiSegmentLength and MidiDuration, as the synthesiser would
 // announce it: the last event at the tempo of the first tempo event. Returns the seconds.
 double MeasureSong(const QByteArray& file, MidiFigures& figures);
+// The same from a song already parsed and measured.
+struct MidiSongMeasure;
+double StoreSongLength(const MidiSongMeasure& measure, MidiFigures& figures);
 
 // The lyrics the player shows for a MIDI song: the block inside it when its sibling ".lrs"
 // exists, else its words, finished, with the artist and title of its tags. False without any.

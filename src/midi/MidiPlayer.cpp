@@ -18,14 +18,11 @@ constexpr double kEndBackOff = 10;
 
 } // namespace
 
-bool SynthSongOf(const QByteArray& file, SynthSong& song)
+SynthSong SynthSongOf(const MidiFile& file)
 {
-    const auto parsed = ParseMidiFile(file);
-    if (!parsed)
-        return false;
-    song = SynthSong{};
-    song.Division = parsed->Division;
-    for (const MidiTrack& track : parsed->Tracks) {
+    SynthSong song;
+    song.Division = file.Division;
+    for (const MidiTrack& track : file.Tracks) {
         song.EndTick = std::max(song.EndTick, track.EndTick);
         for (const MidiEvent& event : track.Events) {
             if (event.Status == 0xFF && event.MetaType == 0x51 && event.Data.size() == 3)
@@ -40,7 +37,7 @@ bool SynthSongOf(const QByteArray& file, SynthSong& song)
     std::stable_sort(song.Tempos.begin(), song.Tempos.end(), byTick);
     if (song.Tempos.empty() || song.Tempos.front().Tick > 0)
         song.Tempos.insert(song.Tempos.begin(), SynthTempo{0, 500000});
-    return true;
+    return song;
 }
 
 MidiPlayer::MidiPlayer(AudioEngine& engine, MidiFigures& figures, std::string soundFont)
@@ -56,9 +53,8 @@ MidiPlayer::~MidiPlayer()
 
 bool MidiPlayer::RenderFile(const QString& path)
 {
-    const QByteArray bytes = ReadWholeFile(path);
-    SynthSong song;
-    if (!SynthSongOf(bytes, song)) {
+    const auto parsed = ParseMidiFile(ReadWholeFile(path));
+    if (!parsed) {
         m_error = QStringLiteral("not a MIDI file");
         return false;
     }
@@ -69,8 +65,8 @@ bool MidiPlayer::RenderFile(const QString& path)
         m_noSynth = true;
         return false;
     }
-    MeasureSong(bytes, m_figures);
-    m_synth->Load(std::move(song));
+    StoreSongLength(MeasureMidiSong(*parsed), m_figures);
+    m_synth->Load(SynthSongOf(*parsed));
     m_synth->Volume = m_volume;
     m_synth->Balance = m_balance;
     if (!m_engine.AddSource(m_synth)) {

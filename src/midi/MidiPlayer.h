@@ -67,6 +67,8 @@ private:
     int m_balance = 0;
 };
 
-// The song of a MIDI file for the sequencer: its channel events and tempo changes in tick order.
+// The song of a parsed MIDI file for the sequencer: its channel events and tempo changes in
+// tick order.
+struct MidiFile;
 struct SynthSong;
-bool SynthSongOf(const QByteArray& file, SynthSong& song);
+SynthSong SynthSongOf(const MidiFile& file);
