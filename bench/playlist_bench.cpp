@@ -37,6 +37,7 @@ public:
     ControlsForm* MidiEq() override { return nullptr; }
     PlaylistForm& LoadUserList() override { return *list; }
     KaraokeForm& LoadLyric() override { std::abort(); }
+    ControlsForm& LoadMidiEq() override { std::abort(); }
     std::vector<Form*> LoadedForms() override { return {}; }
     PlaylistForm* list = nullptr;
 

@@ -3,7 +3,9 @@
 #include "app/AppState.h"
 #include "playback/PlayerCommands.h"
 #include "playback/PlayerTransport.h"
+#include "core/WindowPosition.h"
 #include "ui/karaoke/LyricWindow.h"
+#include "ui/midi/MidiEq.h"
 #include "ui/player/PlayerServices.h"
 #include "ui/player/PlayerWindow.h"
 #include "ui/playlist/UserList.h"
@@ -75,4 +77,24 @@ PlaylistForm& AppWindows::LoadUserList()
         m_loaded.push_back(m_userList.get());
     }
     return *m_userList;
+}
+
+ControlsForm* AppWindows::MidiEq()
+{
+    return m_midiEq.get();
+}
+
+ControlsForm& AppWindows::LoadMidiEq()
+{
+    if (!m_midiEq) {
+        m_midiEq = std::make_unique<::MidiEq>(m_state, m_store, m_docking);
+        if (const auto saved = ReadWindowPosition(m_store, QStringLiteral("eq position")))
+            m_midiEq->move(saved->topLeft());
+        else
+            m_midiEq->move(DefaultControlsPlace(Player().Geometry(), m_midiEq->size()));
+        if (m_state.IsMidi)
+            m_midiEq->ChangeMidi(m_state.CurrentFile, 0);
+        m_loaded.push_back(m_midiEq.get());
+    }
+    return *m_midiEq;
 }

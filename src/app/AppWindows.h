@@ -17,6 +17,7 @@ class PlayerTransport;
 class PlayerWindow;
 class SettingsStore;
 class UserList;
+class MidiEq;
 
 // The song's position as the karaoke window reads it: the session's, whatever plays the song.
 class SessionPosition final : public SongPosition {
@@ -45,10 +46,10 @@ public:
     PlaylistForm* UserList() override;
     KaraokeForm* Lyric() override;
     LyricWindow* LyricWidget() { return m_lyric.get(); }
-    // This build has no MIDI window yet.
-    ControlsForm* MidiEq() override { return nullptr; }
+    ControlsForm* MidiEq() override;
     PlaylistForm& LoadUserList() override;
     KaraokeForm& LoadLyric() override;
+    ControlsForm& LoadMidiEq() override;
     std::vector<Form*> LoadedForms() override { return m_loaded; }
 
 private:
@@ -59,6 +60,7 @@ private:
     std::unique_ptr<PlayerWindow> m_player;
     std::unique_ptr<LyricWindow> m_lyric;
     std::unique_ptr<::UserList> m_userList;
+    std::unique_ptr<::MidiEq> m_midiEq;
     PlayerTransport* m_transport = nullptr;
     PlayerCommands* m_commands = nullptr;
     std::vector<Form*> m_loaded;

@@ -33,6 +33,8 @@ bool Application::Main(const QString& commandLine)
     m_state.Theme->ApplyOnTop = [this](bool flag) {
         if (PlaylistForm* list = m_forms.UserList())
             list->SetTopMost(flag);
+        if (ControlsForm* controls = m_forms.MidiEq())
+            controls->SetTopMost(flag);
         m_forms.Player().SetTopMost(flag);
     };
     m_state.Language.LoadLanguage(m_platform.store);
@@ -74,6 +76,8 @@ void Application::RestoreWindowPositions()
         m_state.PlaylistOpen = true;
     }
 
+    if (m_state.ControlsOpen)
+        m_forms.LoadMidiEq();
     PlaylistForm& list = m_forms.LoadUserList();
     if (const auto saved = ReadWindowPosition(m_platform.store, QStringLiteral("userlist position")))
         list.SetGeometry(*saved);

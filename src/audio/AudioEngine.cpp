@@ -8,7 +8,7 @@ float GainOfHundredthsDb(int level)
 {
     if (level <= -10000)
         return 0;
-    return std::pow(10.0f, float(std::min(level, 0)) / 2000.0f);
+    return std::pow(10.0f, float(std::min(level, kLoudestHundredthsDb)) / 2000.0f);
 }
 
 AudioEngine::AudioEngine(std::unique_ptr<AudioDevice> device)

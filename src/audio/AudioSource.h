@@ -13,12 +13,14 @@ public:
     // Overwrites `frames` interleaved stereo frames. Real-time: no locks, no allocation, no I/O.
     virtual void Render(float* out, int frames, const BufferTiming& timing) noexcept = 0;
 
-    // Hundredths of a decibel: 0 full level, -10000 silence.
+    // Hundredths of a decibel: 0 full level, -10000 silence; a quiet source may be lifted above 0.
     std::atomic<int> Volume{0};
     // -10000 (right silent) to 10000 (left silent), hundredths of a decibel on the weaker side.
     std::atomic<int> Balance{0};
     std::atomic<bool> Muted{false};
 };
 
-// Linear gain of a level in hundredths of a decibel; -10000 and below is exact silence.
+// Linear gain of a level in hundredths of a decibel; -10000 and below is exact silence, and no
+// level lifts a signal by more than 20 dB.
+constexpr int kLoudestHundredthsDb = 2000;
 float GainOfHundredthsDb(int level);

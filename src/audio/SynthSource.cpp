@@ -96,6 +96,7 @@ void SynthSource::Load(SynthSong song)
     m_tempoIndex = 0;
     m_transpose = 0;
     m_tempoFactor = 1;
+    m_mutedChannels = 0;
     m_rtRunning = false;
     m_sounding = {};
     m_running = false;
@@ -147,6 +148,12 @@ void SynthSource::SetTempoFactor(double factor)
     Send({Kind::Tempo, 0, 0, 0, std::max(factor, 0.0)});
 }
 
+void SynthSource::SetChannelMute(int channel, bool muted)
+{
+    if (channel >= 0 && channel < 16)
+        Send({Kind::Mute, channel, muted ? 1 : 0});
+}
+
 double SynthSource::TickAt(double now) const
 {
     if (const int64_t pending = m_pendingSeek.load(std::memory_order_relaxed); pending >= 0)
@@ -193,6 +200,8 @@ void SynthSource::Dispatch(const SynthEvent& e) noexcept
     switch (e.Status & 0xF0) {
     case 0x90:
         if (e.Data2 > 0) {
+            if (m_mutedChannels & (1u << channel))
+                break;
             const int played = channel == kDrumChannel ? key : std::clamp(key + m_transpose, 0, 127);
             sounding = int8_t(played + 1);
             fluid_synth_noteon(synth, channel, played, e.Data2);
@@ -268,6 +277,15 @@ void SynthSource::Apply(const Command& command) noexcept
         break;
     case Kind::Tempo:
         m_tempoFactor = command.x;
+        break;
+    case Kind::Mute:
+        if (command.a) {
+            m_mutedChannels = uint16_t(m_mutedChannels | (1u << command.channel));
+            fluid_synth_all_sounds_off(m_synth->synth.get(), command.channel);
+            m_sounding[size_t(command.channel)] = {};
+        } else {
+            m_mutedChannels = uint16_t(m_mutedChannels & ~(1u << command.channel));
+        }
         break;
     }
 }

@@ -59,6 +59,9 @@ public:
     void SetTranspose(int semitones);
     // 1 the song's own tempo, 2 twice as fast.
     void SetTempoFactor(double factor);
+    // A muted channel (0 to 15) starts no notes and stops those it sounds; it stays muted
+    // through seeks until the next song.
+    void SetChannelMute(int channel, bool muted);
 
     // The song tick heard at device time `now`: never past the last rendered buffer.
     double TickAt(double now) const;
@@ -70,7 +73,7 @@ public:
 
 private:
     struct Synth;
-    enum class Kind : uint8_t { Run, Hold, Seek, Controller, Transpose, Tempo };
+    enum class Kind : uint8_t { Run, Hold, Seek, Controller, Transpose, Tempo, Mute };
     struct Command {
         Kind kind = Kind::Run;
         int channel = 0;
@@ -100,6 +103,7 @@ private:
     size_t m_tempoIndex = 0;
     int m_transpose = 0;
     double m_tempoFactor = 1;
+    uint16_t m_mutedChannels = 0;
     bool m_rtRunning = false;
     int64_t m_appliedSeek = -1;  // the seek this buffer carried out
     std::array<std::array<int8_t, 128>, 16> m_sounding{};  // the key each note-on sounded, + 1

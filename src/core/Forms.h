@@ -89,6 +89,7 @@ public:
     // Loads the window when it is not loaded yet.
     virtual PlaylistForm& LoadUserList() = 0;
     virtual KaraokeForm& LoadLyric() = 0;
+    virtual ControlsForm& LoadMidiEq() = 0;
     // The loaded windows in the order they were loaded.
     virtual std::vector<Form*> LoadedForms() = 0;
 };

@@ -79,3 +79,10 @@ QPoint DefaultPlaylistPlace(const QRect& player)
 {
     return QPoint(player.left(), player.top() + player.height());
 }
+
+QPoint DefaultControlsPlace(const QRect& player, const QSize& size)
+{
+    if (player.top() - size.height() >= 0)
+        return QPoint(player.left(), player.top() - size.height());
+    return QPoint(player.left() + player.width(), player.top());
+}

@@ -28,3 +28,6 @@ void WritePlayerPosition(SettingsStore& store, const PlayerPosition& position);
 QPoint DefaultPlayerPlace(const QRect& screen, const QSize& size);
 // Where the playlist goes on a first run: right under the main window, its left edge aligned.
 QPoint DefaultPlaylistPlace(const QRect& player);
+// Where the MIDI window goes the first time it opens: right above the main window, or beside it
+// when the main window stands at the top of the screen.
+QPoint DefaultControlsPlace(const QRect& player, const QSize& size);

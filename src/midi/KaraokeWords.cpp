@@ -277,6 +277,8 @@ double StoreSongLength(const MidiSongMeasure& measure, MidiFigures& figures)
 {
     figures.MidiSegmentLength = measure.Quarters * 768;
     figures.MidiDuration = measure.Seconds();
+    figures.BeatsPerMeasure = measure.BeatsPerMeasure;
+    figures.Beat = measure.Beat;
     return figures.MidiDuration;
 }
 

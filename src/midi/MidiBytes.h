@@ -31,6 +31,8 @@ struct MidiFigures {
     double MidiMsPerTick = 0;
     double MidiSegmentLength = 0;  // in music time, 768 per quarter note
     double MidiDuration = 0;       // seconds
+    int BeatsPerMeasure = 4;       // the time signature a little way into the song
+    int Beat = 4;
     std::array<ChannelRecord, 16> ChannelTable;
 };
 

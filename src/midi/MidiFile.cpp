@@ -124,16 +124,28 @@ std::optional<MidiFile> ParseMidiFile(const QByteArray& bytes)
 
 MidiSongMeasure MeasureMidiSong(const MidiFile& file)
 {
+    // The time signature is read where the old synthesiser asked for it: 2000 units of its music
+    // time, 768 to the quarter, into the song.
+    const double signatureTick = 2000.0 / 768 * file.Division;
     MidiSongMeasure measure;
     uint64_t lastTick = 0;
     const MidiEvent* firstTempo = nullptr;
+    const MidiEvent* signature = nullptr;
     for (const MidiTrack& track : file.Tracks) {
         lastTick = std::max(lastTick, track.EndTick);
         for (const MidiEvent& event : track.Events) {
             const bool tempo = event.Status == 0xFF && event.MetaType == 0x51 && event.Data.size() == 3;
             if (tempo && (!firstTempo || event.Tick < firstTempo->Tick))
                 firstTempo = &event;
+            const bool timeSignature = event.Status == 0xFF && event.MetaType == 0x58 && event.Data.size() >= 2
+                                       && ByteAt(event.Data, 0) > 0 && ByteAt(event.Data, 1) < 8;
+            if (timeSignature && double(event.Tick) <= signatureTick && (!signature || event.Tick >= signature->Tick))
+                signature = &event;
         }
+    }
+    if (signature) {
+        measure.BeatsPerMeasure = ByteAt(signature->Data, 0);
+        measure.Beat = 1 << ByteAt(signature->Data, 1);
     }
     measure.Quarters = double(lastTick) / file.Division;
     const uint32_t micros = firstTempo ? BigEndianAt(firstTempo->Data, 0, 3) : 0;

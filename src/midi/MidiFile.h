@@ -33,10 +33,13 @@ uint32_t BigEndianAt(const QByteArray& bytes, qint64 at, int count);
 std::optional<MidiFile> ParseMidiFile(const QByteArray& bytes);
 
 // The figures a synthesiser announces for a song: its length in quarter notes (the last event
-// of any track) and the tempo at its start (the first tempo event, 120 when there is none).
+// of any track), the tempo at its start (the first tempo event, 120 when there is none) and the
+// time signature a little way in (4/4 when there is none).
 struct MidiSongMeasure {
     double Quarters = 0;
     double Bpm = 120;
+    int BeatsPerMeasure = 4;
+    int Beat = 4;
     double Seconds() const { return Bpm > 0 ? Quarters * 60.0 / Bpm : 0.0; }
 };
 MidiSongMeasure MeasureMidiSong(const MidiFile& file);

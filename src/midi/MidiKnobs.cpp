@@ -38,3 +38,26 @@ double AudioRateOfKnob(int top)
 {
     return (std::clamp(top, kKnobTop, kKnobBottom) - kKnobTop) / 64.0 * 2;
 }
+
+int SongPanOfBalance(int value)
+{
+    return int(std::clamp(value, 0, 2 * kBalanceCentre) / 20000.0 * 127);
+}
+
+int MediaBalanceOfKnob(int value)
+{
+    return (std::clamp(value, 0, 2 * kBalanceCentre) - kBalanceCentre) / 2;
+}
+
+int MidiVolumeOfSlider(double value)
+{
+    return int(std::lround(std::clamp(value, 0.0, 1.0) * 100 * 42 - 3000));
+}
+
+QString BalanceText(int value, int centre)
+{
+    if (value == centre || centre <= 0)
+        return QStringLiteral("C");
+    const long share = std::lround(std::abs(value - centre) * 100.0 / centre);
+    return (value < centre ? QStringLiteral("L %1") : QStringLiteral("R %1")).arg(share);
+}

@@ -1,6 +1,7 @@
 #pragma once
-// The transpose and tempo knobs of the MIDI window: a knob top from 86 to 150 (118 the centre)
-// gives V from 0 to 128, and V gives the label, the semitones and the master tempo.
+// The knobs of the MIDI window as numbers. The transpose and tempo knobs: a knob top from 86 to
+// 150 (118 the centre) gives V from 0 to 128, and V gives the label, the semitones and the master
+// tempo. The whole-song balance runs from 0 to 20000, 10000 the centre.
 
 #include <QString>
 
@@ -18,3 +19,18 @@ double MasterTempo(int v);
 
 // An audio song's rate from the same knob: 0 to 2.
 double AudioRateOfKnob(int top);
+
+constexpr int kKnobCentre = 118;
+constexpr int kBalanceCentre = 10000;
+
+// The pan sent to every channel of a MIDI song for a whole-song balance.
+int SongPanOfBalance(int value);
+// An audio song's balance in hundredths of a decibel for the same knob.
+int MediaBalanceOfKnob(int value);
+
+// The level of a MIDI song for the volume slider (0 to 1), hundredths of a decibel: the slider in
+// percent times 42, less 3000, so the top of the slider lifts the synthesiser by 12 dB.
+int MidiVolumeOfSlider(double value);
+
+// A balance for people: "C" at the centre, else "L" or "R" and the share of the way out in percent.
+QString BalanceText(int value, int centre);

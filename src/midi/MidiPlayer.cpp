@@ -149,6 +149,8 @@ void MidiPlayer::SetChannels()
         if (record.Channel != -1 && record.VolumeChanged)
             m_synth->SendController(int(c), 7, record.Volume);
     }
+    // The whole-song balance is a knob of the window, not a move on one channel: it holds too.
+    SendSongPan();
 }
 
 void MidiPlayer::SetTranspose(int semitones)
@@ -173,6 +175,26 @@ void MidiPlayer::SetChannelBalance(int channel, int value)
         m_synth->SendController(channel, 10, value);
 }
 
+void MidiPlayer::SetChannelMute(int channel, bool muted)
+{
+    if (m_synth)
+        m_synth->SetChannelMute(channel, muted);
+}
+
+void MidiPlayer::SetSongPan(int pan)
+{
+    m_songPan = std::clamp(pan, 0, 127);
+    SendSongPan();
+}
+
+void MidiPlayer::SendSongPan()
+{
+    if (!m_synth || m_songPan < 0)
+        return;
+    for (int channel = 0; channel < 16; ++channel)
+        m_synth->SendController(channel, 10, m_songPan);
+}
+
 void MidiPlayer::put_Rate(double rate)
 {
     if (m_synth)
@@ -181,7 +203,7 @@ void MidiPlayer::put_Rate(double rate)
 
 void MidiPlayer::put_Volume(int hundredthsDb)
 {
-    m_volume = std::clamp(hundredthsDb, -10000, 0);
+    m_volume = std::clamp(hundredthsDb, -10000, kLoudestHundredthsDb);
     if (m_synth)
         m_synth->Volume = m_volume;
 }

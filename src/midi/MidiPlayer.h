@@ -45,16 +45,22 @@ public:
 
     // SetMidiPosition(Fraction): the share of the song to go on from, in the state it was in.
     void SetMidiPosition(double fraction);
-    // Moved faders are sent again after every start; transpose is not among them.
+    // Moved faders and the whole-song balance are sent again after every start; transpose and
+    // the strips' balance are not.
     void SetChannels();
     // Semitones for the melodic channels.
     void SetTranspose(int semitones);
     // A channel strip's volume (controller 7), kept for SetChannels, and its balance (controller 10).
     void SetChannelVolume(int channel, int value);
     void SetChannelBalance(int channel, int value);
+    void SetChannelMute(int channel, bool muted);
+    // The whole-song balance: one pan for all 16 channels.
+    void SetSongPan(int pan);
+    bool SongLoaded() const { return m_synth != nullptr; }
 
 private:
     uint64_t EndTick() const;
+    void SendSongPan();
 
     AudioEngine& m_engine;
     MidiFigures& m_figures;
@@ -65,6 +71,7 @@ private:
     int m_state = Stopped;
     int m_volume = 0;
     int m_balance = 0;
+    int m_songPan = -1;  // none until the whole-song balance is turned
 };
 
 // The song of a parsed MIDI file for the sequencer: its channel events and tempo changes in

@@ -20,7 +20,7 @@ const char* const kButtonKeys[] = {nullptr,           "Previous", "Play",   "Pau
 bool CommandNotBuiltYet(const QString& key)
 {
     static const std::set<QString> kNotBuiltYet = {
-        QStringLiteral("Preferences"), QStringLiteral("Controls"),  QStringLiteral("SwitchMicrophone"),
+        QStringLiteral("Preferences"), QStringLiteral("SwitchMicrophone"),
         QStringLiteral("Record"),      QStringLiteral("YourVoice"), QStringLiteral("Editor"),
         QStringLiteral("About"),       QStringLiteral("FileInfo"),  QStringLiteral("MnuHelp"),
     };
@@ -66,6 +66,9 @@ void PlayerCommands::ButtonAction(int button)
         break;
     case 8:
         OpenFileDialog();
+        break;
+    case 9:
+        ToggleControls();
         break;
     case 10:
         TogglePlaylist();
@@ -122,6 +125,16 @@ void PlayerCommands::TogglePlaylist()
         list.Show();
     else
         list.Hide();
+}
+
+void PlayerCommands::ToggleControls()
+{
+    ControlsForm& controls = m_forms.LoadMidiEq();
+    m_state.ControlsOpen = !m_state.ControlsOpen;
+    if (m_state.ControlsOpen)
+        controls.Show();
+    else
+        controls.Hide();
 }
 
 void PlayerCommands::SwapTimeStyle()

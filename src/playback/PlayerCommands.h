@@ -55,6 +55,7 @@ public:
 private:
     void ToggleKaraoke();
     void TogglePlaylist();
+    void ToggleControls();
     void SwapTimeStyle();
     void ToggleMute();
 

@@ -25,6 +25,7 @@ struct PlayerState : CoreState {
     double MidiDuration = 0;
     MidiFigures Midi;  // what the MIDI readers found; kept from song to song
     float PlaybackRate = 1.0f;
+    int SongBalance = 10000;  // the whole-song balance knob, 0 to 20000; every song gets it
     int16_t PlayingIndex = -1;
 
     LyricsState Lyrics;

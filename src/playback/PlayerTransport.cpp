@@ -2,7 +2,9 @@
 
 #include "audio/NullDevice.h"
 #include "audio/SoundDevices.h"
+#include "midi/MidiKnobs.h"
 #include "midi/MidiPlayer.h"
+#include "playback/MidiControls.h"
 #include "playback/MediaSession.h"
 #include "playback/PlayerState.h"
 
@@ -75,8 +77,11 @@ bool PlayerTransport::CreateGraph(const QString& path)
     m_state.Session.reset();
     bool failed = false;
     m_state.Session = RenderedSession(path, failed);
-    if (m_state.Session)
+    if (m_state.Session) {
         m_state.Session->put_Volume(GetVolume());
+        if (m_state.SongBalance != kBalanceCentre)
+            ApplySongBalance(m_state, m_state.SongBalance);
+    }
     return !failed;
 }
 
@@ -180,13 +185,19 @@ void PlayerTransport::SeekTo(double fraction)
 
 int16_t PlayerTransport::GetVolume() const
 {
-    return m_state.Session ? VolumeOfSlider(m_forms.Player().VolumeValue()) : int16_t(0);
+    return m_state.Session ? SessionVolume(m_forms.Player().VolumeValue()) : int16_t(0);
+}
+
+int16_t PlayerTransport::SessionVolume(double sliderValue) const
+{
+    // A MIDI song has a level law of its own, as the synthesiser's line had in the sound card's mixer.
+    return m_state.IsMidi ? int16_t(MidiVolumeOfSlider(sliderValue)) : VolumeOfSlider(sliderValue);
 }
 
 void PlayerTransport::VolumeMoved(double sliderValue)
 {
     if (m_state.Session)
-        m_state.Session->put_Volume(VolumeOfSlider(sliderValue));
+        m_state.Session->put_Volume(SessionVolume(sliderValue));
 }
 
 void PlayerTransport::SetMuted(bool muted)

@@ -49,6 +49,8 @@ public:
     void SeekTo(double fraction);
     // The volume slider's value in hundredths of a decibel; 0 without a session.
     int16_t GetVolume() const;
+    // The level of the song that plays for a reading of the volume slider.
+    int16_t SessionVolume(double sliderValue) const;
     void VolumeMoved(double sliderValue);
     void SetMuted(bool muted);
     // Lets `rewrite` change the file while no session holds it; a session on that file comes

@@ -138,6 +138,9 @@ void PlayerTransport::OpenMidiSong(const QString& path)
     if (m_state.KaraokeOpen && lyric)
         lyric->ChangeLyrics();
     ShowSongLabels();
+    // The label of the bit rate shows the time signature, under the word "Tempo".
+    Player().SetQualityLabels(QStringLiteral("Tempo: %1/%2").arg(m_state.Midi.BeatsPerMeasure).arg(m_state.Midi.Beat),
+                              QString());
 }
 
 void PlayerTransport::ShowSongLabels()

@@ -53,9 +53,10 @@ TEST_F(Commands, WithoutASystemTrayMinimisingMinimisesTheWindows)
 
 TEST_F(Commands, CommandsWithoutTheirWindowsAreInertAndNotHandled)
 {
-    for (const char* key : {"Preferences", "Controls", "SwitchMicrophone", "Record", "YourVoice", "Editor"})
+    for (const char* key : {"Preferences", "SwitchMicrophone", "Record", "YourVoice", "Editor"})
         EXPECT_TRUE(CommandNotBuiltYet(QString::fromLatin1(key))) << key;
     EXPECT_FALSE(CommandNotBuiltYet("KaraokeWindow"));
+    EXPECT_FALSE(CommandNotBuiltYet("Controls"));
     EXPECT_FALSE(commands.KeyDown(Qt::Key_M, {}));
     EXPECT_FALSE(commands.KeyDown(Qt::Key_E, Qt::ControlModifier));
     EXPECT_FALSE(commands.KeyDown(Qt::Key_3, Qt::AltModifier));
@@ -64,6 +65,20 @@ TEST_F(Commands, CommandsWithoutTheirWindowsAreInertAndNotHandled)
     commands.ButtonAction(7);
     EXPECT_FALSE(state.EditorOpen);
     EXPECT_EQ(journal.calls, QStringList{"Lyric.Unload"}) << "only Ctrl+K did something";
+}
+
+TEST_F(Commands, ButtonNineLoadsAndTogglesTheMidiWindowWhileTheMenusControlItemStaysInert)
+{
+    FakeWindows fresh(journal, false);
+    PlayerCommands own(state, fresh, transport, tray, dialogs);
+    own.MenuCommand("Control");
+    EXPECT_EQ(fresh.MidiEq(), nullptr) << "the menu item has never reached the window";
+    own.ButtonAction(9);
+    ASSERT_NE(fresh.MidiEq(), nullptr);
+    EXPECT_TRUE(state.ControlsOpen);
+    own.ButtonAction(9);
+    EXPECT_FALSE(state.ControlsOpen);
+    EXPECT_EQ(journal.calls, (QStringList{"MidiEq.Show", "MidiEq.Hide"}));
 }
 
 TEST_F(Commands, TheOpenDialogIsRefusedWhileEditingAndItsFilesBecomeThePlaylist)

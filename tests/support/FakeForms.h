@@ -167,6 +167,7 @@ public:
     ControlsForm* MidiEq() override { return Loaded(&midiEq) ? &midiEq : nullptr; }
     PlaylistForm& LoadUserList() override { return Load(userList); }
     KaraokeForm& LoadLyric() override { return Load(lyric); }
+    ControlsForm& LoadMidiEq() override { return Load(midiEq); }
     std::vector<Form*> LoadedForms() override { return m_loaded; }
 
     FakePlayer player;

@@ -7,18 +7,20 @@
 
 class SessionWindows final : public FormProvider {
 public:
-    SessionWindows(CoreState& state, Journal& j) : player(state, store, docking), userList(j), lyric(j) {}
+    SessionWindows(CoreState& state, Journal& j) : player(state, store, docking), userList(j), lyric(j), midiEq(j) {}
     PlayerForm& Player() override { return player; }
     PlaylistForm* UserList() override { return &userList; }
     KaraokeForm* Lyric() override { return &lyric; }
-    ControlsForm* MidiEq() override { return nullptr; }
+    ControlsForm* MidiEq() override { return &midiEq; }
     PlaylistForm& LoadUserList() override { return userList; }
     KaraokeForm& LoadLyric() override { return lyric; }
-    std::vector<Form*> LoadedForms() override { return {&player, &userList, &lyric}; }
+    ControlsForm& LoadMidiEq() override { return midiEq; }
+    std::vector<Form*> LoadedForms() override { return {&player, &userList, &lyric, &midiEq}; }
 
     MemoryStore store;
     Docking docking;
     PlayerWindow player;
     FakePlaylistWindow userList;
     FakeKaraoke lyric;
+    FakeControls midiEq;
 };

@@ -5,6 +5,7 @@
 #include "playback/PlayerTransport.h"
 #include "ui/kit/Desktop.h"
 #include "ui/kit/Docking.h"
+#include "ui/kit/Palette.h"
 
 #include <QContextMenuEvent>
 #include <QFileDialog>
@@ -22,13 +23,6 @@ constexpr int kMargin = 8;
 // The foot buttons stand at these x offsets; the last is 30 wide, the others 27.
 constexpr std::array<int, 5> kFootX{36, 82, 128, 174, 286};
 const char* const kFootCaptions[5] = {"Add", "Rem", "Sort", "List", "Info"};
-
-const QColor kBodyTop(0x2f, 0x3a, 0x72);
-const QColor kBodyBottom(0x11, 0x16, 0x2f);
-const QColor kEdge(0x4d, 0x5a, 0x9c);
-const QColor kWell(0x0b, 0x10, 0x27);
-const QColor kCaptionText(0x8e, 0xa0, 0xe6);
-const QColor kButtonText(0xcf, 0xd9, 0xff);
 
 } // namespace
 
@@ -205,31 +199,10 @@ void UserList::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    QLinearGradient body(0, 0, 0, height());
-    body.setColorAt(0, kBodyTop);
-    body.setColorAt(1, kBodyBottom);
-    painter.setBrush(body);
-    painter.setPen(QPen(kEdge, 1));
-    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), 12, 12);
-
-    QFont caption = font();
-    caption.setPixelSize(9);
-    caption.setBold(true);
-    caption.setLetterSpacing(QFont::AbsoluteSpacing, 2);
-    painter.setFont(caption);
-    painter.setPen(kCaptionText);
-    painter.drawText(QRect(19, 0, width() - 60, kCaption), Qt::AlignLeft | Qt::AlignVCenter,
-                     Text("UserList").toUpper());
-    painter.setBrush(QColor(0x5a, 0x2a, 0x44));
-    painter.setPen(QColor(0xa0, 0x4f, 0x74));
-    painter.drawEllipse(QPointF(width() - 18, 11), 6, 6);
-    painter.setPen(QPen(QColor(0xff, 0xd6, 0xe4), 1.4));
-    painter.drawLine(QPointF(width() - 20.4, 8.6), QPointF(width() - 15.6, 13.4));
-    painter.drawLine(QPointF(width() - 15.6, 8.6), QPointF(width() - 20.4, 13.4));
-
-    painter.setBrush(kWell);
-    painter.setPen(QColor(0x2c, 0x36, 0x70));
-    painter.drawRoundedRect(QRectF(kMargin, kCaption, width() - 2 * kMargin, height() - kCaption - kFoot), 7, 7);
+    PaintWindowBody(painter, rect());
+    PaintCaption(painter, QRectF(19, 0, width() - 60, kCaption), Text("UserList"));
+    PaintCloseButton(painter, QPointF(width() - 18, 11));
+    PaintWell(painter, QRectF(kMargin, kCaption, width() - 2 * kMargin, height() - kCaption - kFoot));
 
     QFont foot = font();
     foot.setPixelSize(10);
@@ -237,13 +210,8 @@ void UserList::paintEvent(QPaintEvent*)
     painter.setFont(foot);
     for (int i = 0; i < 5; ++i) {
         const QRect box = FootButton(i);
-        QLinearGradient face(box.topLeft(), box.bottomLeft());
-        face.setColorAt(0, QColor(0x3a, 0x45, 0x80));
-        face.setColorAt(1, QColor(0x22, 0x2a, 0x52));
-        painter.setBrush(face);
-        painter.setPen(QColor(0x4d, 0x5a, 0x9c));
-        painter.drawRoundedRect(QRectF(box).adjusted(0.5, 0.5, -0.5, -0.5), 5, 5);
-        painter.setPen(kButtonText);
+        PaintButtonFace(painter, box, 5, false);
+        painter.setPen(Palette::ButtonText);
         painter.drawText(box, Qt::AlignCenter, QString::fromLatin1(kFootCaptions[i]));
     }
 }

@@ -1,0 +1,403 @@
+#include "ui/midi/MidiEq.h"
+
+#include "core/WindowPosition.h"
+#include "midi/MidiBytes.h"
+#include "midi/MidiKnobs.h"
+#include "playback/MidiControls.h"
+#include "playback/PlayerState.h"
+#include "ui/kit/Desktop.h"
+#include "ui/kit/Docking.h"
+#include "ui/midi/MidiEqLayout.h"
+
+#include <QCloseEvent>
+#include <QMouseEvent>
+#include <QWheelEvent>
+#include <algorithm>
+#include <cmath>
+
+using namespace MidiEqLayout;
+
+namespace {
+
+constexpr int kDrumChannel = 9;
+constexpr int kPercussionPatch = 128;
+constexpr int kMaxControllerValue = 127;
+constexpr int kKnobTop = 86;
+constexpr int kKnobBottom = 150;
+// A whole-song balance drag: pixels for the knob's full turn.
+constexpr double kBalanceDragPixels = 160;
+
+int FaderValueAt(double y)
+{
+    const double share = (kFaderBottom - y) / (kFaderBottom - kFaderTop);
+    return std::clamp(int(std::lround(share * kMaxControllerValue)), 0, kMaxControllerValue);
+}
+
+// The knobs read upwards: the top of the travel is the largest value.
+int KnobTopAt(double y)
+{
+    const int drawnTop = int(std::lround(y - kKnobHeight / 2));
+    return std::clamp(kKnobTop + kKnobBottom - drawnTop, kKnobTop, kKnobBottom);
+}
+
+} // namespace
+
+MidiEq::MidiEq(PlayerState& state, SettingsStore& store, Docking& docking)
+    : m_state(state), m_store(store), m_docking(docking)
+{
+    setObjectName(QStringLiteral("MidiEq"));
+    setWindowTitle(QStringLiteral("Songweaver ") + Text("Controls"));
+    setWindowFlags(Qt::Window | Qt::FramelessWindowHint);
+    setAttribute(Qt::WA_TranslucentBackground);
+    setMouseTracking(true);
+    setFixedSize(kWidth, kHeight);
+    ZeroVariables();
+}
+
+MidiEq::~MidiEq() = default;
+
+QString MidiEq::Text(const char* key) const
+{
+    return DisplayText(m_state.Language.GetText(QString::fromLatin1(key)));
+}
+
+// ---- The form ---------------------------------------------------------------------------------
+
+void MidiEq::Show()
+{
+    m_docking.Register(this);
+    show();
+}
+
+void MidiEq::Hide()
+{
+    hide();
+}
+
+void MidiEq::SetTopMost(bool flag)
+{
+    ::SetTopMost(*this, flag);
+}
+
+void MidiEq::Unload()
+{
+    WriteWindowPosition(m_store, QStringLiteral("eq position"), geometry());
+    m_docking.Unregister(this);
+    hide();
+}
+
+void MidiEq::closeEvent(QCloseEvent* event)
+{
+    event->ignore();
+    Hide();
+    m_state.ControlsOpen = false;
+}
+
+void MidiEq::ZeroVariables()
+{
+    for (Strip& strip : m_strips)
+        strip = Strip{};
+    ResetKnobs();
+}
+
+void MidiEq::ResetKnobs()
+{
+    m_transposeTop = kKnobCentre;
+    m_tempoTop = kKnobCentre;
+    update();
+}
+
+void MidiEq::CloseDevice()
+{
+    ZeroVariables();
+    m_face = Face::Strips;
+    update();
+}
+
+void MidiEq::ChangeMidi(const QString&, int)
+{
+    for (int channel = 0; channel < kChannels; ++channel) {
+        const ChannelRecord& record = m_state.Midi.ChannelTable[size_t(channel)];
+        Strip& strip = m_strips[size_t(channel)];
+        strip = Strip{};
+        if (record.Channel == -1)
+            continue;
+        strip.enabled = true;
+        strip.volume = std::clamp<int>(record.Volume, 0, kMaxControllerValue);
+        // The reader passes over a pan of 0, so 0 here means the file set none: the synthesiser
+        // plays such a channel in the middle.
+        strip.balance = record.Pan > 0 ? std::clamp<int>(record.Pan, 0, kMaxControllerValue) : 64;
+        strip.patch = channel == kDrumChannel ? kPercussionPatch : record.Patch;
+    }
+    ResetKnobs();
+}
+
+// ---- The controls -------------------------------------------------------------------------------
+
+void MidiEq::MoveVolume(int channel, int value)
+{
+    Strip& strip = m_strips[size_t(channel)];
+    if (!strip.enabled)
+        return;
+    strip.volume = std::clamp(value, 0, kMaxControllerValue);
+    ApplyChannelVolume(m_state, channel, strip.volume);
+    update();
+}
+
+void MidiEq::MoveBalance(int channel, int value)
+{
+    Strip& strip = m_strips[size_t(channel)];
+    if (!strip.enabled)
+        return;
+    strip.balance = std::clamp(value, 0, kMaxControllerValue);
+    ApplyChannelBalance(m_state, channel, strip.balance);
+    update();
+}
+
+void MidiEq::ToggleMute(int channel)
+{
+    Strip& strip = m_strips[size_t(channel)];
+    if (!strip.enabled)
+        return;
+    strip.muted = !strip.muted;
+    ApplyChannelMute(m_state, channel, strip.muted);
+    update();
+}
+
+void MidiEq::MoveTranspose(int top)
+{
+    m_transposeTop = std::clamp(top, kKnobTop, kKnobBottom);
+    ApplyTranspose(m_state, m_transposeTop);
+    update();
+}
+
+void MidiEq::MoveTempo(int top)
+{
+    m_tempoTop = std::clamp(top, kKnobTop, kKnobBottom);
+    ApplyTempo(m_state, m_tempoTop);
+    update();
+}
+
+void MidiEq::MoveSongBalance(int value)
+{
+    ApplySongBalance(m_state, std::clamp(value, 0, 2 * kBalanceCentre));
+    update();
+}
+
+void MidiEq::Switch()
+{
+    m_face = m_face == Face::Strips ? Face::Equaliser : Face::Strips;
+    update();
+}
+
+QString MidiEq::ToneLabel() const
+{
+    return KnobLabel(KnobValue(m_transposeTop));
+}
+
+QString MidiEq::TempoLabel() const
+{
+    return KnobLabel(KnobValue(m_tempoTop));
+}
+
+QString MidiEq::StripText(int channel) const
+{
+    const Strip& strip = m_strips[size_t(channel)];
+    const QString number = QString::number(channel + 1);
+    if (!strip.enabled)
+        return number + QStringLiteral("  \u2014");
+    QString text = number + QStringLiteral("  ") + GetPatch(strip.patch) + QStringLiteral("   vol %1   pan %2")
+                                                                               .arg(strip.volume)
+                                                                               .arg(BalanceText(strip.balance, 64));
+    if (strip.muted)
+        text += QStringLiteral("   muted");
+    return text;
+}
+
+// ---- The mouse ----------------------------------------------------------------------------------
+
+MidiEq::Hit MidiEq::HitAt(QPointF at) const
+{
+    if (kSwitcher.contains(at))
+        return {Part::Switcher};
+    if (QRectF(kClose.x() - 7, kClose.y() - 7, 14, 14).contains(at))
+        return {Part::Close};
+    if (KnobTrack(kToneX).adjusted(-4, -4, 4, 4).contains(at))
+        return {Part::Tone};
+    if (KnobTrack(kTempoX).adjusted(-4, -4, 4, 4).contains(at))
+        return {Part::Tempo};
+    if (m_face == Face::Equaliser) {
+        const QPointF d = at - kBalanceKnob;
+        if (std::hypot(d.x(), d.y()) <= kBalanceRadius + 6)
+            return {Part::SongBalance};
+        return {Part::Window};
+    }
+    for (int channel = 0; channel < kChannels; ++channel) {
+        if (!StripBox(channel).contains(at))
+            continue;
+        if (!m_strips[size_t(channel)].enabled)
+            return {Part::Window};
+        if (MuteBox(channel).contains(at))
+            return {Part::Mute, channel};
+        if (FaderBox(channel).contains(at))
+            return {Part::Volume, channel};
+        if (PanBox(channel).contains(at))
+            return {Part::Pan, channel};
+    }
+    return {Part::Window};
+}
+
+void MidiEq::mousePressEvent(QMouseEvent* event)
+{
+    if (event->button() != Qt::LeftButton)
+        return;
+    const QPointF at = event->position();
+    const Hit hit = HitAt(at);
+    m_drag = {};
+    switch (hit.part) {
+    case Part::Switcher:
+        Switch();
+        return;
+    case Part::Close:
+        close();
+        return;
+    case Part::Mute:
+        ToggleMute(hit.channel);
+        return;
+    case Part::Window:
+        m_drag = hit;
+        m_windowOffset = event->globalPosition().toPoint() - pos();
+        return;
+    case Part::Pan:
+        m_dragStartValue = m_strips[size_t(hit.channel)].balance;
+        break;
+    case Part::SongBalance:
+        m_dragStartValue = m_state.SongBalance;
+        break;
+    default:
+        break;
+    }
+    m_drag = hit;
+    m_dragStart = at;
+    DragTo(at);
+}
+
+void MidiEq::DragTo(QPointF at)
+{
+    // Round knobs turn with the mouse moving right or up, as on a mixing desk.
+    const double turned = (at.x() - m_dragStart.x()) - (at.y() - m_dragStart.y());
+    switch (m_drag.part) {
+    case Part::Volume:
+        MoveVolume(m_drag.channel, FaderValueAt(at.y()));
+        break;
+    case Part::Pan:
+        MoveBalance(m_drag.channel, m_dragStartValue + int(std::lround(turned)));
+        break;
+    case Part::Tone:
+        MoveTranspose(KnobTopAt(at.y()));
+        break;
+    case Part::Tempo:
+        MoveTempo(KnobTopAt(at.y()));
+        break;
+    case Part::SongBalance:
+        MoveSongBalance(m_dragStartValue + int(std::lround(turned / kBalanceDragPixels * 2 * kBalanceCentre)));
+        break;
+    default:
+        break;
+    }
+}
+
+void MidiEq::mouseMoveEvent(QMouseEvent* event)
+{
+    const QPointF at = event->position();
+    if (m_drag.part == Part::Window) {
+        move(event->globalPosition().toPoint() - m_windowOffset);
+        return;
+    }
+    if (m_drag.part != Part::None) {
+        DragTo(at);
+        return;
+    }
+    const bool switcherHover = kSwitcher.contains(at);
+    int hoverChannel = -1;
+    for (int channel = 0; channel < kChannels && m_face == Face::Strips; ++channel)
+        if (StripBox(channel).contains(at))
+            hoverChannel = channel;
+    if (switcherHover != m_switcherHover || hoverChannel != m_hoverChannel) {
+        m_switcherHover = switcherHover;
+        m_hoverChannel = hoverChannel;
+        update();
+    }
+}
+
+void MidiEq::mouseReleaseEvent(QMouseEvent*)
+{
+    m_drag = {};
+}
+
+void MidiEq::leaveEvent(QEvent*)
+{
+    m_switcherHover = false;
+    m_hoverChannel = -1;
+    update();
+}
+
+void MidiEq::ResetControl(const Hit& hit)
+{
+    switch (hit.part) {
+    case Part::Pan:
+        MoveBalance(hit.channel, 64);
+        break;
+    case Part::Tone:
+        MoveTranspose(kKnobCentre);
+        break;
+    case Part::Tempo:
+        MoveTempo(kKnobCentre);
+        break;
+    case Part::SongBalance:
+        MoveSongBalance(kBalanceCentre);
+        break;
+    default:
+        break;
+    }
+}
+
+void MidiEq::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    const Hit hit = HitAt(event->position());
+    if (hit.part == Part::Mute)
+        ToggleMute(hit.channel);
+    else
+        ResetControl(hit);
+}
+
+void MidiEq::Nudge(const Hit& hit, int steps)
+{
+    switch (hit.part) {
+    case Part::Volume:
+        MoveVolume(hit.channel, m_strips[size_t(hit.channel)].volume + 4 * steps);
+        break;
+    case Part::Pan:
+        MoveBalance(hit.channel, m_strips[size_t(hit.channel)].balance + 4 * steps);
+        break;
+    case Part::Tone:
+        MoveTranspose(m_transposeTop + steps);
+        break;
+    case Part::Tempo:
+        MoveTempo(m_tempoTop + steps);
+        break;
+    case Part::SongBalance:
+        MoveSongBalance(m_state.SongBalance + 500 * steps);
+        break;
+    default:
+        break;
+    }
+}
+
+void MidiEq::wheelEvent(QWheelEvent* event)
+{
+    const int steps = event->angleDelta().y() / 120;
+    if (steps != 0)
+        Nudge(HitAt(event->position()), steps);
+    event->accept();
+}

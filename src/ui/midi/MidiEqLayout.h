@@ -1,0 +1,48 @@
+#pragma once
+// Where the parts of the MIDI window stand, in logical pixels. The window is as wide as the main
+// window, so the two dock edge to edge.
+
+#include <QPointF>
+#include <QRectF>
+
+namespace MidiEqLayout {
+
+constexpr int kWidth = 360;
+constexpr int kHeight = 178;
+constexpr int kChannels = 16;
+
+// The caption row: the switch between the two faces and the close button.
+constexpr QRectF kSwitcher{275, 4, 54, 15};
+constexpr QPointF kClose{342, 11};
+
+// The left face: 16 strips, 15 pixels each, and the display naming the strip under the mouse.
+constexpr QRectF kStripWell{8, 24, 248, 132};
+constexpr QRectF kStripDisplay{8, 159, 248, 14};
+constexpr double kStripLeft = 12;
+constexpr double kStripWidth = 15;
+constexpr double kMuteY = 44;
+constexpr double kFaderTop = 54;
+constexpr double kFaderBottom = 132;
+constexpr double kPanY = 145;
+
+inline double StripCentre(int channel) { return kStripLeft + kStripWidth * channel + kStripWidth / 2; }
+inline QRectF StripBox(int channel) { return {kStripLeft + kStripWidth * channel, kStripWell.top(), kStripWidth, kStripWell.height()}; }
+inline QRectF MuteBox(int channel) { return {kStripLeft + kStripWidth * channel, kMuteY - 6, kStripWidth, 12}; }
+inline QRectF FaderBox(int channel) { return {kStripLeft + kStripWidth * channel, kFaderTop - 4, kStripWidth, kFaderBottom - kFaderTop + 8}; }
+inline QRectF PanBox(int channel) { return {kStripLeft + kStripWidth * channel, kPanY - 8, kStripWidth, 16}; }
+
+// The right panel: the transpose and tempo knobs, whose tops travel from 86 to 150.
+constexpr QRectF kKnobWell{262, 24, 90, 149};
+constexpr double kToneX = 284;
+constexpr double kTempoX = 330;
+constexpr double kKnobTravelTop = 86;
+constexpr double kKnobTravelBottom = 150;
+constexpr double kKnobHeight = 10;
+constexpr double kKnobWidth = 22;
+inline QRectF KnobTrack(double x) { return {x - kKnobWidth / 2, kKnobTravelTop, kKnobWidth, kKnobTravelBottom - kKnobTravelTop + kKnobHeight}; }
+
+// The equaliser face: the whole-song balance knob.
+constexpr QPointF kBalanceKnob{132, 90};
+constexpr double kBalanceRadius = 27;
+
+} // namespace MidiEqLayout
