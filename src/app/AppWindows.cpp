@@ -92,8 +92,6 @@ ControlsForm& AppWindows::LoadMidiEq()
             m_midiEq->move(saved->topLeft());
         else
             m_midiEq->move(DefaultControlsPlace(Player().Geometry(), m_midiEq->size()));
-        if (m_state.IsMidi)
-            m_midiEq->ChangeMidi(m_state.CurrentFile, 0);
         m_loaded.push_back(m_midiEq.get());
     }
     return *m_midiEq;

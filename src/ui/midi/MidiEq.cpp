@@ -52,6 +52,9 @@ MidiEq::MidiEq(PlayerState& state, SettingsStore& store, Docking& docking)
     setMouseTracking(true);
     setFixedSize(kWidth, kHeight);
     ZeroVariables();
+    // Opened while a MIDI song plays, the window shows that song's channels.
+    if (m_state.IsMidi)
+        ChangeMidi(m_state.CurrentFile, 0);
 }
 
 MidiEq::~MidiEq() = default;
