@@ -8,7 +8,7 @@ struct LyricsEnvironment;
 
 // swtool lyrics FILE [--editor | --import] [--write OUT]
 int PrintLyrics(const QStringList& args);
-// swtool midi FILE
+// swtool midi FILE [--wav OUT.wav [--seconds N] [--transpose S] [--tempo F] [--mute CH]...]
 int PrintMidi(const QStringList& args);
 // swtool probe FILE
 int PrintProbe(const QStringList& args);

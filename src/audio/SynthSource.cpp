@@ -10,6 +10,7 @@ namespace {
 
 constexpr int kChunkFrames = 64;
 constexpr int kDrumChannel = 9;
+constexpr double kSynthGain = 0.4;
 
 void IgnoreFluidLog(int, const char*, void*) {}
 
@@ -63,6 +64,9 @@ std::shared_ptr<SynthSource> SynthSource::Create(const std::string& soundFont, i
     }
     fluid_settings_setnum(synth->settings.get(), "synth.sample-rate", sampleRate);
     fluid_settings_setint(synth->settings.get(), "synth.threadsafe-api", 0);
+    // Twice FluidSynth's default: a General MIDI song then peaks near where a mastered
+    // recording does once the volume slider's MIDI lift is on it.
+    fluid_settings_setnum(synth->settings.get(), "synth.gain", kSynthGain);
     synth->synth.reset(new_fluid_synth(synth->settings.get()));
     if (!synth->synth) {
         error = "FluidSynth cannot start";

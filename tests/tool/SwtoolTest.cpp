@@ -218,6 +218,74 @@ TEST(Swtool, MidiPrintsTheFiguresAndChannelsOfTheDemoKaraokeFile)
     EXPECT_TRUE(notMidi.err.contains(QStringLiteral("Not a MIDI file")));
 }
 
+namespace {
+
+struct WavFacts {
+    quint32 rate = 0;
+    int channels = 0;
+    int bits = 0;
+    double seconds = 0;
+    int peak = 0;
+};
+
+WavFacts ReadWav(const QString& path)
+{
+    const QByteArray bytes = ReadFileBytes(path);
+    WavFacts facts;
+    if (bytes.size() < 44 || !bytes.startsWith("RIFF") || bytes.mid(8, 8) != "WAVEfmt " || bytes.mid(36, 4) != "data")
+        return facts;
+    auto number = [&bytes](int at, int count) {
+        quint32 value = 0;
+        for (int i = count - 1; i >= 0; --i)
+            value = value << 8 | quint8(bytes[at + i]);
+        return value;
+    };
+    facts.channels = int(number(22, 2));
+    facts.rate = number(24, 4);
+    facts.bits = int(number(34, 2));
+    const quint32 data = number(40, 4);
+    facts.seconds = double(data) / 4 / facts.rate;
+    for (qsizetype at = 44; at + 1 < bytes.size(); at += 2)
+        facts.peak = std::max(facts.peak, std::abs(int(qint16(number(int(at), 2)))));
+    return facts;
+}
+
+} // namespace
+
+TEST(Swtool, MidiRendersTheSongAsThePlayerSoundsIt)
+{
+    QTemporaryDir home;
+    const QString kar = MediaFixture("song.kar");
+    const QString whole = home.filePath("whole.wav");
+    const ToolRun run = Swtool({"midi", kar, "--wav", whole}, home.path());
+    ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
+    EXPECT_EQ(run.out, whole + "\t" + QString::number(ReadWav(whole).seconds, 'f', 3) + " s\ttempo 1.0000\n");
+    const WavFacts facts = ReadWav(whole);
+    EXPECT_EQ(facts.rate, 44100u);
+    EXPECT_EQ(facts.channels, 2);
+    EXPECT_EQ(facts.bits, 16);
+    EXPECT_NEAR(facts.seconds, 4.0, 512.0 / 44100) << "eight quarters at 120 beats a minute";
+    EXPECT_GT(facts.peak, 1000);
+
+    const QString fast = home.filePath("fast.wav");
+    ASSERT_EQ(Swtool({"midi", kar, "--wav", fast, "--tempo", "2"}, home.path()).exitCode, 0);
+    EXPECT_NEAR(ReadWav(fast).seconds, 2.0, 512.0 / 44100) << "twice the tempo, half the length";
+
+    const QString start = home.filePath("start.wav");
+    ASSERT_EQ(Swtool({"midi", kar, "--wav", start, "--seconds", "1"}, home.path()).exitCode, 0);
+    EXPECT_DOUBLE_EQ(ReadWav(start).seconds, 1.0);
+
+    const QString muted = home.filePath("muted.wav");
+    ASSERT_EQ(Swtool({"midi", kar, "--wav", muted, "--mute", "1"}, home.path()).exitCode, 0);
+    EXPECT_EQ(ReadWav(muted).peak, 0) << "the song's only channel muted";
+
+    const ToolRun odd = Swtool({"midi", kar, "--wav", home.filePath("odd.wav"), "--transpose", "3"}, home.path());
+    EXPECT_EQ(odd.exitCode, 1);
+    EXPECT_TRUE(odd.err.contains("even semitones"));
+    EXPECT_FALSE(QFile::exists(home.filePath("odd.wav")));
+    EXPECT_EQ(Swtool({"midi", kar, "--wav", home.filePath("x.wav"), "--mute", "17"}, home.path()).exitCode, 2);
+}
+
 TEST(Swtool, LyricsOfAKaraokeFileForThePlayerAndTheImport)
 {
     QTemporaryDir home;
