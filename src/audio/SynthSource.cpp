@@ -107,7 +107,9 @@ void SynthSource::Load(SynthSong song)
     m_ended = m_song.EndTick == 0;
     m_pendingSeek = -1;
     m_appliedSeek = -1;
-    Publish(0, 0, 0, 0);
+    m_runFrom = 0;
+    m_lastRunning = false;
+    Publish(0, 0, 0, 0, 0);
 }
 
 void SynthSource::Send(const Command& command)
@@ -166,6 +168,7 @@ double SynthSource::TickAt(double now) const
         const uint32_t before = m_sequence.load(std::memory_order_acquire);
         if (before & 1u)
             continue;
+        const double floor = m_anchorFloor.load(std::memory_order_relaxed);
         const double start = m_anchorStart.load(std::memory_order_relaxed);
         const double end = m_anchorEnd.load(std::memory_order_relaxed);
         const double heardAt = m_anchorHeardAt.load(std::memory_order_relaxed);
@@ -173,15 +176,17 @@ double SynthSource::TickAt(double now) const
         std::atomic_thread_fence(std::memory_order_acquire);
         if (m_sequence.load(std::memory_order_relaxed) != before)
             continue;
-        return std::clamp(start + (now - heardAt) * rate, start, end);
+        return std::clamp(start + (now - heardAt) * rate, std::min(floor, start), end);
     }
 }
 
-void SynthSource::Publish(double startTick, double endTick, double heardAt, double ticksPerSecond) noexcept
+void SynthSource::Publish(double floorTick, double startTick, double endTick, double heardAt,
+                          double ticksPerSecond) noexcept
 {
     const uint32_t sequence = m_sequence.load(std::memory_order_relaxed);
     m_sequence.store(sequence + 1, std::memory_order_relaxed);
     std::atomic_thread_fence(std::memory_order_release);
+    m_anchorFloor.store(floorTick, std::memory_order_relaxed);
     m_anchorStart.store(startTick, std::memory_order_relaxed);
     m_anchorEnd.store(endTick, std::memory_order_relaxed);
     m_anchorHeardAt.store(heardAt, std::memory_order_relaxed);
@@ -272,6 +277,7 @@ void SynthSource::Apply(const Command& command) noexcept
     case Kind::Seek:
         ChaseTo(command.tick);
         m_appliedSeek = int64_t(command.tick);
+        m_runFrom = double(command.tick);
         break;
     case Kind::Controller:
         fluid_synth_cc(m_synth->synth.get(), command.channel, command.a, command.b);
@@ -302,6 +308,9 @@ void SynthSource::Render(float* out, int frames, const BufferTiming& timing) noe
 
     const double startTick = m_tick;
     const double ticksPerSecond = TicksPerFrame() * m_sampleRate;
+    if (m_rtRunning && !m_lastRunning)
+        m_runFrom = startTick;
+    m_lastRunning = m_rtRunning;
     fluid_synth_t* synth = m_synth->synth.get();
     for (int done = 0; done < frames;) {
         const int n = std::min(kChunkFrames, frames - done);
@@ -318,7 +327,7 @@ void SynthSource::Render(float* out, int frames, const BufferTiming& timing) noe
     }
     if (m_rtRunning && m_tick >= double(m_song.EndTick))
         m_ended.store(true, std::memory_order_relaxed);
-    Publish(startTick, m_tick, timing.heardAt, m_rtRunning ? ticksPerSecond : 0);
+    Publish(m_runFrom, startTick, m_tick, timing.heardAt, m_rtRunning ? ticksPerSecond : 0);
     if (m_appliedSeek >= 0) {
         int64_t expected = m_appliedSeek;
         m_pendingSeek.compare_exchange_strong(expected, -1, std::memory_order_relaxed);

@@ -90,7 +90,7 @@ private:
     void ChaseTo(uint64_t tick) noexcept;
     void Dispatch(const SynthEvent& event) noexcept;
     double TicksPerFrame() const noexcept;
-    void Publish(double startTick, double endTick, double heardAt, double ticksPerSecond) noexcept;
+    void Publish(double floorTick, double startTick, double endTick, double heardAt, double ticksPerSecond) noexcept;
 
     const int m_sampleRate;
     std::unique_ptr<Synth> m_synth;
@@ -106,13 +106,17 @@ private:
     uint16_t m_mutedChannels = 0;
     bool m_rtRunning = false;
     int64_t m_appliedSeek = -1;  // the seek this buffer carried out
+    double m_runFrom = 0;        // where the sound that plays without a break began: a start or a seek
+    bool m_lastRunning = false;
     std::array<std::array<int8_t, 128>, 16> m_sounding{};  // the key each note-on sounded, + 1
 
     std::atomic<int64_t> m_pendingSeek{-1};  // a seek the callback has not played from yet
     std::atomic<bool> m_running{false};
     std::atomic<bool> m_ended{false};
-    // What the last buffer played, published under a sequence count.
+    // What the last buffer played, published under a sequence count. Until that buffer is heard,
+    // the earlier ones play: the heard tick is found backwards from it, down to where they began.
     std::atomic<uint32_t> m_sequence{0};
+    std::atomic<double> m_anchorFloor{0};
     std::atomic<double> m_anchorStart{0};
     std::atomic<double> m_anchorEnd{0};
     std::atomic<double> m_anchorHeardAt{0};

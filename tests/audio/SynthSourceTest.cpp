@@ -123,6 +123,32 @@ TEST(SynthSource, TheTempoFactorShortensTheSongAndSeeksLandOnTheirTick)
     EXPECT_DOUBLE_EQ(synth->TickAt(0), 1920) << "a seek past the end stops at the end";
 }
 
+TEST(SynthSource, BehindADeviceLatencyTheHeardTickIsTheOneOfTheEarlierBuffers)
+{
+    auto synth = NewSynth();
+    ASSERT_NE(synth, nullptr);
+    synth->Load(HeldNote(0, 0, 60, 1920));
+    synth->Run();
+    // Each buffer is rendered 50 ms before it is heard, as a sound card's queue makes it.
+    const double latency = 0.05, period = 480.0 / kRate;
+    std::vector<float> buffer(480 * 2);
+    for (int k = 0; k < 20; ++k)
+        synth->Render(buffer.data(), 480, BufferTiming{k * period + latency});
+    // Twenty buffers were rendered, but only what was heard by now counts: 960 ticks a second.
+    const double now = 19 * period + latency - 0.004;
+    EXPECT_NEAR(synth->TickAt(now), (now - latency) * 960, 1e-6);
+
+    synth->Hold();
+    synth->Render(buffer.data(), 480, BufferTiming{20 * period + latency});
+    const double held = synth->TickAt(20 * period + latency);
+    synth->Run();
+    synth->Render(buffer.data(), 480, BufferTiming{21 * period + latency});
+    EXPECT_DOUBLE_EQ(synth->TickAt(21 * period), held) << "a song that goes on never goes back";
+    synth->SeekTick(1500);
+    synth->Render(buffer.data(), 480, BufferTiming{22 * period + latency});
+    EXPECT_DOUBLE_EQ(synth->TickAt(22 * period), 1500) << "nor before where a seek put it";
+}
+
 TEST(SynthSource, AMissingSoundFontIsNamed)
 {
     QTemporaryDir dir;
