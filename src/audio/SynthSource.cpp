@@ -3,6 +3,7 @@
 #include <fluidsynth.h>
 
 #include <algorithm>
+#include <cmath>
 #include <filesystem>
 #include <mutex>
 
@@ -242,6 +243,23 @@ void SynthSource::Dispatch(const SynthEvent& e) noexcept
     }
 }
 
+// FluidSynth is called once for as many of its 64-frame blocks as pass before the next event or
+// tempo change is due, so an event sounds at most one block late and a quiet stretch of the song
+// costs one call.
+int SynthSource::SpanFrames(int left) const noexcept
+{
+    double next = double(m_song.EndTick);
+    if (m_next < m_song.Events.size())
+        next = std::min(next, double(m_song.Events[m_next].Tick));
+    if (m_tempoIndex + 1 < m_song.Tempos.size())
+        next = std::min(next, double(m_song.Tempos[m_tempoIndex + 1].Tick));
+    const double perFrame = TicksPerFrame();
+    if (perFrame <= 0)
+        return left;
+    const double blocks = std::ceil(std::max((next - m_tick) / perFrame, 1.0) / kChunkFrames);
+    return int(std::min(double(left), blocks * kChunkFrames));
+}
+
 // A seek silences what sounds and sets programs, controllers and bends as they stand at the
 // target, so the song goes on with the right instruments.
 void SynthSource::ChaseTo(uint64_t tick) noexcept
@@ -313,8 +331,9 @@ void SynthSource::Render(float* out, int frames, const BufferTiming& timing) noe
     m_lastRunning = m_rtRunning;
     fluid_synth_t* synth = m_synth->synth.get();
     for (int done = 0; done < frames;) {
-        const int n = std::min(kChunkFrames, frames - done);
-        if (m_rtRunning && m_tick < double(m_song.EndTick)) {
+        const bool playing = m_rtRunning && m_tick < double(m_song.EndTick);
+        const int n = playing ? SpanFrames(frames - done) : frames - done;
+        if (playing) {
             while (m_next < m_song.Events.size() && double(m_song.Events[m_next].Tick) <= m_tick)
                 Dispatch(m_song.Events[m_next++]);
             while (m_tempoIndex + 1 < m_song.Tempos.size() && double(m_song.Tempos[m_tempoIndex + 1].Tick) <= m_tick)

@@ -90,6 +90,7 @@ private:
     void ChaseTo(uint64_t tick) noexcept;
     void Dispatch(const SynthEvent& event) noexcept;
     double TicksPerFrame() const noexcept;
+    int SpanFrames(int left) const noexcept;
     void Publish(double floorTick, double startTick, double endTick, double heardAt, double ticksPerSecond) noexcept;
 
     const int m_sampleRate;

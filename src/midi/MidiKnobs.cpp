@@ -3,13 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-namespace {
-
-constexpr int kKnobTop = 86;
-constexpr int kKnobBottom = 150;
-
-} // namespace
-
 int KnobValue(int top)
 {
     return (std::clamp(top, kKnobTop, kKnobBottom) - kKnobTop) * 2;

@@ -5,6 +5,11 @@
 
 #include <QString>
 
+constexpr int kKnobTop = 86;
+constexpr int kKnobBottom = 150;
+constexpr int kKnobCentre = 118;
+constexpr int kBalanceCentre = 10000;
+
 // V of a knob whose top stands at `top`, clamped to the knob's travel.
 int KnobValue(int top);
 
@@ -19,9 +24,6 @@ double MasterTempo(int v);
 
 // An audio song's rate from the same knob: 0 to 2.
 double AudioRateOfKnob(int top);
-
-constexpr int kKnobCentre = 118;
-constexpr int kBalanceCentre = 10000;
 
 // The pan sent to every channel of a MIDI song for a whole-song balance.
 int SongPanOfBalance(int value);

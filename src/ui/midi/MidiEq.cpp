@@ -22,8 +22,6 @@ namespace {
 constexpr int kDrumChannel = 9;
 constexpr int kPercussionPatch = 128;
 constexpr int kMaxControllerValue = 127;
-constexpr int kKnobTop = 86;
-constexpr int kKnobBottom = 150;
 // A whole-song balance drag: pixels for the knob's full turn.
 constexpr double kBalanceDragPixels = 160;
 

@@ -2,6 +2,8 @@
 // Where the parts of the MIDI window stand, in logical pixels. The window is as wide as the main
 // window, so the two dock edge to edge.
 
+#include "midi/MidiKnobs.h"
+
 #include <QPointF>
 #include <QRectF>
 
@@ -35,8 +37,8 @@ inline QRectF PanBox(int channel) { return {kStripLeft + kStripWidth * channel, 
 constexpr QRectF kKnobWell{262, 24, 90, 149};
 constexpr double kToneX = 284;
 constexpr double kTempoX = 330;
-constexpr double kKnobTravelTop = 86;
-constexpr double kKnobTravelBottom = 150;
+constexpr double kKnobTravelTop = kKnobTop;
+constexpr double kKnobTravelBottom = kKnobBottom;
 constexpr double kKnobHeight = 10;
 constexpr double kKnobWidth = 22;
 inline QRectF KnobTrack(double x) { return {x - kKnobWidth / 2, kKnobTravelTop, kKnobWidth, kKnobTravelBottom - kKnobTravelTop + kKnobHeight}; }
