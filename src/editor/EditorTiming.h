@@ -1,0 +1,61 @@
+#pragma once
+// The timing side of the editor: a tap stamps the selected row with the moment it is sung and
+// moves on to the next, a held key corrects one stamp by growing steps, and what changes shows
+// on the karaoke display at once when the lyrics belong to the song that plays.
+
+#include "editor/EditorDocument.h"
+
+#include <optional>
+
+// The song that plays, as the editor's timing sees it.
+class EditorSong {
+public:
+    virtual ~EditorSong() = default;
+    // Seconds into the song that plays; nothing when no song plays.
+    virtual std::optional<double> Position() const = 0;
+    // A song is open: an audio session exists or a MIDI song is loaded.
+    virtual bool SongOpen() const = 0;
+    // The lyrics in the editor are those of the song that plays.
+    virtual bool IsCurrentSong() const = 0;
+};
+
+class EditorTiming {
+public:
+    EditorTiming(EditorDocument& document, LyricsState& lyrics, EditorSong& song)
+        : m_document(document), m_lyrics(lyrics), m_song(song)
+    {
+    }
+
+    // Stamps row `selected` (row 1 when none is) with the song's position less the reaction.
+    // Returns the row to select next: the following one, or the same when it is the last; 0 when
+    // nothing was stamped.
+    int CaptureLine(int selected);
+
+    // The time the spin control shows, in seconds.
+    double Correct() const { return m_correct; }
+    // The spin control moved by hand or by the timer: the row under correction, else the
+    // selected row, takes the value.
+    void SetCorrect(double seconds, int selectedRow);
+
+    // Starts a held correction of `row`; false when refused (no row, or down from 0).
+    bool StartCorrection(int row, bool up);
+    bool Correcting() const { return m_correctIndex > 0; }
+    // One tick of the held key.
+    void CorrectionTick();
+    // The key is up: returns the row to select again.
+    int StopCorrection();
+
+    // The karaoke display takes the editor's lyrics while a song is open.
+    void ShowOnDisplay();
+
+private:
+    void ShowEntryOnDisplay(int row);
+
+    EditorDocument& m_document;
+    LyricsState& m_lyrics;
+    EditorSong& m_song;
+    double m_correct = 0;
+    int m_correctIndex = 0;
+    int m_correctTicks = 0;
+    bool m_correctUp = true;
+};
