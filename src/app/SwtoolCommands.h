@@ -10,6 +10,10 @@ struct LyricsEnvironment;
 int PrintLyrics(const QStringList& args);
 // swtool midi FILE [--wav OUT.wav [--seconds N] [--transpose S] [--tempo F] [--mute CH]...]
 int PrintMidi(const QStringList& args);
+// swtool split TEXTFILE: the rows Split makes of a text.
+int PrintSplit(const QStringList& args);
+// swtool merge LYRICS: the text Merge makes of a song's (or a ".lrs" file's) lyrics.
+int PrintMerge(const QStringList& args);
 // swtool probe FILE
 int PrintProbe(const QStringList& args);
 // swtool render SONG --at SECONDS ... | --video DIR --fps N --from A --to B

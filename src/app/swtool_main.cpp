@@ -25,6 +25,8 @@ const char* const kUsage =
     "                        the song as the player sounds it, with the SoundFont of the settings:\n"
     "                        even semitones from -12 to 12, the tempo in fifteenths up to 2,\n"
     "                        channels 1 to 16; prints the file, its length and the tempo used\n"
+    "  split TEXTFILE        the editor's rows of a text: row<TAB>time<TAB>text<TAB>break (1 or 0)\n"
+    "  merge LYRICS          the editor's text of a song's (or a .lrs file's) lyrics\n"
     "  probe FILE            what the program reads of an audio file: kind, length, tags, texts\n"
     "  render SONG --at SECONDS -o OUT.png [--size WxH] [--mode N] [--scale F] [--fullscreen]\n"
     "  render SONG --video DIR --fps N --from A --to B [--size WxH] [--mode N] [--scale F]\n"
@@ -84,6 +86,14 @@ int main(int argc, char* argv[])
     }
     if (command == QLatin1String("midi")) {
         const int result = PrintMidi(args);
+        return result == 2 ? Usage() : result;
+    }
+    if (command == QLatin1String("split")) {
+        const int result = PrintSplit(args);
+        return result == 2 ? Usage() : result;
+    }
+    if (command == QLatin1String("merge")) {
+        const int result = PrintMerge(args);
         return result == 2 ? Usage() : result;
     }
     if (command == QLatin1String("playlist")) {

@@ -286,6 +286,27 @@ TEST(Swtool, MidiRendersTheSongAsThePlayerSoundsIt)
     EXPECT_EQ(Swtool({"midi", kar, "--wav", home.filePath("x.wav"), "--mute", "17"}, home.path()).exitCode, 2);
 }
 
+TEST(Swtool, SplitAndMergeAreTheEditorsTextCommands)
+{
+    QTemporaryDir home;
+    const QString text = home.filePath("words.txt");
+    WriteFileBytes(text, "Row, row,  row\r\n\r\nyour boat\r\n");
+    const ToolRun split = Swtool({"split", text}, home.path());
+    ASSERT_EQ(split.exitCode, 0) << split.err.toStdString();
+    EXPECT_EQ(split.out, "1\t0\tRow, \t0\n2\t0\trow, \t0\n3\t0\trow \t1\n4\t0\tyour \t0\n5\t0\tboat \t1\n");
+
+    const QString big = home.filePath("big.txt");
+    WriteFileBytes(big, QByteArray(500001, 'a'));
+    const ToolRun refused = Swtool({"split", big}, home.path());
+    EXPECT_EQ(refused.exitCode, 1);
+    EXPECT_TRUE(refused.err.endsWith("The file cannot be greater than 600 kB.\n")) << refused.err.toStdString();
+
+    const ToolRun merge = Swtool({"merge", SourcePath("resources/demo/rowboat.lrs")}, home.path());
+    ASSERT_EQ(merge.exitCode, 0) << merge.err.toStdString();
+    EXPECT_TRUE(merge.out.startsWith("Row, row, row your boat,\r\n")) << merge.out.toStdString();
+    EXPECT_EQ(Swtool({"merge", home.filePath("gone.lrs")}, home.path()).exitCode, 1);
+}
+
 TEST(Swtool, LyricsOfAKaraokeFileForThePlayerAndTheImport)
 {
     QTemporaryDir home;

@@ -1,0 +1,72 @@
+// swtool split and merge: the editor's two text commands for batch work.
+
+#include "app/SwtoolCommands.h"
+#include "core/Language.h"
+#include "core/SettingsStore.h"
+#include "core/ThemeClass.h"
+#include "editor/EditorDocument.h"
+#include "editor/EditorFiles.h"
+#include "lyrics/LyricsLoader.h"
+#include "tags/MP3Class.h"
+
+#include <QFileInfo>
+#include <QTextStream>
+
+namespace {
+
+int Refuse(const QString& message)
+{
+    QTextStream(stderr) << message << '\n';
+    return 1;
+}
+
+} // namespace
+
+int PrintSplit(const QStringList& args)
+{
+    if (args.size() != 1)
+        return 2;
+    const QString& path = args[0];
+    if (!QFileInfo(path).isFile())
+        return Refuse(QStringLiteral("File not found: %1").arg(path));
+    QSettingsStore store;
+    LanguageTable language;
+    language.LoadLanguage(store);
+    if (FileTooLarge(path, kTextFileLimit))
+        return Refuse(language.GetText(QStringLiteral("ErrorFilesize")));
+
+    LyricsState lyrics;
+    EditorDocument document(lyrics);
+    document.Split(ReadTextFile(path, language.IsPolish));
+    QTextStream out(stdout);
+    for (int row = 1; row <= document.Count(); ++row)
+        out << row << '\t' << document.TimeText(row) << '\t' << document.Entry(row).Text << '\t'
+            << (document.Entry(row).LineEnd ? 1 : 0) << '\n';
+    return 0;
+}
+
+int PrintMerge(const QStringList& args)
+{
+    if (args.size() != 1)
+        return 2;
+    const QString& path = args[0];
+    if (!QFileInfo(path).isFile())
+        return Refuse(QStringLiteral("File not found: %1").arg(path));
+    QSettingsStore store;
+    std::vector<MonitorRecord> monitors;
+    const ThemeClass theme(store, ThemeEnvironment::FromSystem(), monitors);
+    LanguageTable language;
+    language.LoadLanguage(store);
+    MP3Class song(language.IsPolish);
+    song.SetFilename(path);
+    song.ReadFile();
+
+    // The editor takes the lyrics the player shows for the song.
+    LyricsState lyrics;
+    if (const QString error = LoadPlayerLyrics(lyrics, path, {theme.LyricsFontFace(), language.IsPolish, &song, {}});
+        !error.isEmpty())
+        return Refuse(error);
+    lyrics.EditLyrics = lyrics.PlayLyrics;
+    QTextStream(stdout) << EditorDocument(lyrics).Merge();
+    return 0;
+}
