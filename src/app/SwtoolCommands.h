@@ -14,6 +14,8 @@ int PrintMidi(const QStringList& args);
 int PrintSplit(const QStringList& args);
 // swtool merge LYRICS: the text Merge makes of a song's (or a ".lrs" file's) lyrics.
 int PrintMerge(const QStringList& args);
+// swtool embed SONG LYRICS.lrs: the lyrics stored in the song as the editor's Save stores them.
+int EmbedLyrics(const QStringList& args);
 // swtool probe FILE
 int PrintProbe(const QStringList& args);
 // swtool render SONG --at SECONDS ... | --video DIR --fps N --from A --to B

@@ -1,4 +1,4 @@
-// swtool split and merge: the editor's two text commands for batch work.
+// swtool split, merge and embed: the editor's text commands and its Save, for batch work.
 
 #include "app/SwtoolCommands.h"
 #include "core/Language.h"
@@ -6,7 +6,9 @@
 #include "core/ThemeClass.h"
 #include "editor/EditorDocument.h"
 #include "editor/EditorFiles.h"
+#include "lyrics/LyricsBlock.h"
 #include "lyrics/LyricsLoader.h"
+#include "tags/LyricsEmbedding.h"
 #include "tags/MP3Class.h"
 
 #include <QFileInfo>
@@ -68,5 +70,42 @@ int PrintMerge(const QStringList& args)
         return Refuse(error);
     lyrics.EditLyrics = lyrics.PlayLyrics;
     QTextStream(stdout) << EditorDocument(lyrics).Merge();
+    return 0;
+}
+
+int EmbedLyrics(const QStringList& args)
+{
+    if (args.size() != 2)
+        return 2;
+    const QString& song = args[0];
+    const QString& lrs = args[1];
+    if (!QFileInfo(song).isFile())
+        return Refuse(QStringLiteral("File not found: %1").arg(song));
+    if (!QFileInfo(lrs).isFile())
+        return Refuse(QStringLiteral("File not found: %1").arg(lrs));
+    QSettingsStore store;
+    LanguageTable language;
+    language.LoadLanguage(store);
+    if (FileTooLarge(lrs, kLyricsFileLimit))
+        return Refuse(language.GetText(QStringLiteral("ErrorFilesize")));
+
+    LyricsState lyrics;
+    QString refusal;
+    const auto keep = [&refusal](const QString& message) { refusal = message; };
+    if (!ParseEditorLyrics(lyrics, ReadTextFile(lrs, language.IsPolish), keep))
+        return Refuse(refusal);
+
+    // As the editor saves into the song that plays: a MIDI song by the MIDI player, any other
+    // by its media session.
+    SaveMP3Host host;
+    host.MidiActive = IsMidiName(song);
+    host.MediaOpen = !host.MidiActive;
+    host.Polish = language.IsPolish;
+    host.Text = [&language](const char* key) { return language.GetText(QString::fromLatin1(key)); };
+    host.Critical = keep;
+    host.Information = keep;
+    host.WaitCursor = [](bool) {};
+    if (SaveMP3(song, lyrics.EditLyrics, lyrics.EditPictures, host) != SaveMP3Result::Saved)
+        return Refuse(refusal);
     return 0;
 }

@@ -27,6 +27,7 @@ const char* const kUsage =
     "                        channels 1 to 16; prints the file, its length and the tempo used\n"
     "  split TEXTFILE        the editor's rows of a text: row<TAB>time<TAB>text<TAB>break (1 or 0)\n"
     "  merge LYRICS          the editor's text of a song's (or a .lrs file's) lyrics\n"
+    "  embed SONG LYRICS.lrs the lyrics stored in the song file as the editor's Save stores them\n"
     "  probe FILE            what the program reads of an audio file: kind, length, tags, texts\n"
     "  render SONG --at SECONDS -o OUT.png [--size WxH] [--mode N] [--scale F] [--fullscreen]\n"
     "  render SONG --video DIR --fps N --from A --to B [--size WxH] [--mode N] [--scale F]\n"
@@ -94,6 +95,10 @@ int main(int argc, char* argv[])
     }
     if (command == QLatin1String("merge")) {
         const int result = PrintMerge(args);
+        return result == 2 ? Usage() : result;
+    }
+    if (command == QLatin1String("embed")) {
+        const int result = EmbedLyrics(args);
         return result == 2 ? Usage() : result;
     }
     if (command == QLatin1String("playlist")) {

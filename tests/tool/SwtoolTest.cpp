@@ -307,6 +307,30 @@ TEST(Swtool, SplitAndMergeAreTheEditorsTextCommands)
     EXPECT_EQ(Swtool({"merge", home.filePath("gone.lrs")}, home.path()).exitCode, 1);
 }
 
+TEST(Swtool, EmbedStoresTheLyricsAsTheEditorsSaveDoes)
+{
+    QTemporaryDir home;
+    const QString lrs = SourcePath("resources/demo/rowboat.lrs");
+    const QString mp3 = CopyFixture(MediaFixture("id3v1.mp3"), home.path(), "song.mp3");
+    const QByteArray tag = ReadFileBytes(mp3).right(128);
+    for (int save = 0; save < 2; ++save)
+        ASSERT_EQ(Swtool({"embed", mp3, lrs}, home.path()).exitCode, 0);
+    const QByteArray saved = ReadFileBytes(mp3);
+    EXPECT_EQ(saved.right(128), tag) << "the ID3v1 tag stays last";
+    EXPECT_EQ(saved.count("#Songweaver"), 1) << "an audio file holds one block";
+    const ToolRun read = Swtool({"lyrics", mp3}, home.path());
+    EXPECT_TRUE(read.out.startsWith("format\tSongweaver (internal)\n")) << read.out.toStdString();
+
+    const QString kar = CopyFixture(MediaFixture("song.kar"), home.path(), "song.kar");
+    for (int save = 0; save < 2; ++save)
+        ASSERT_EQ(Swtool({"embed", kar, lrs}, home.path()).exitCode, 0);
+    EXPECT_EQ(ReadFileBytes(kar).count("#Songweaver"), 2) << "a MIDI file keeps every block it was given";
+
+    const ToolRun notLyrics = Swtool({"embed", mp3, MediaFixture("not-audio.txt")}, home.path());
+    EXPECT_EQ(notLyrics.exitCode, 1);
+    EXPECT_TRUE(notLyrics.err.endsWith("Lyrics format doesn't seem to be valid.\n"));
+}
+
 TEST(Swtool, LyricsOfAKaraokeFileForThePlayerAndTheImport)
 {
     QTemporaryDir home;
