@@ -25,18 +25,7 @@ protected:
 
     MediaSession* Session() { return dynamic_cast<MediaSession*>(state.Session.get()); }
 
-    // Plays `seconds` on the manual device in 10 ms steps, each once the decoder has the step's
-    // audio ready (or a second has passed, at the end of the file), so a busy machine plays alike.
-    void Play(double seconds)
-    {
-        for (int i = 0; i < int(seconds * 100 + 0.5); ++i) {
-            const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(1);
-            while (Session() && Session()->GetState() == 2 && Session()->SecondsBuffered() < 0.01
-                   && std::chrono::steady_clock::now() < deadline)
-                std::this_thread::sleep_for(std::chrono::milliseconds(1));
-            device->Step(kRate / 100, kRate / 100);
-        }
-    }
+    void Play(double seconds) { PlayDecoded(*device, state, seconds); }
 
     // A sound card keeps calling while the song stands; that is when audio a seek made stale
     // goes back to the decoder.
