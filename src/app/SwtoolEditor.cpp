@@ -13,6 +13,7 @@
 
 #include <QFileInfo>
 #include <QTextStream>
+#include <optional>
 
 namespace {
 
@@ -22,24 +23,37 @@ int Refuse(const QString& message)
     return 1;
 }
 
+// The text of a file as the editor opens it: nothing, with the refusal printed, for a missing
+// file or one over the command's limit.
+std::optional<QString> OpenedText(const QString& path, qint64 limit, const LanguageTable& language)
+{
+    if (!QFileInfo(path).isFile()) {
+        Refuse(QStringLiteral("File not found: %1").arg(path));
+        return std::nullopt;
+    }
+    if (FileTooLarge(path, limit)) {
+        Refuse(language.GetText(QStringLiteral("ErrorFilesize")));
+        return std::nullopt;
+    }
+    return ReadTextFile(path, language.IsPolish);
+}
+
 } // namespace
 
 int PrintSplit(const QStringList& args)
 {
     if (args.size() != 1)
         return 2;
-    const QString& path = args[0];
-    if (!QFileInfo(path).isFile())
-        return Refuse(QStringLiteral("File not found: %1").arg(path));
     QSettingsStore store;
     LanguageTable language;
     language.LoadLanguage(store);
-    if (FileTooLarge(path, kTextFileLimit))
-        return Refuse(language.GetText(QStringLiteral("ErrorFilesize")));
+    const std::optional<QString> text = OpenedText(args[0], kTextFileLimit, language);
+    if (!text)
+        return 1;
 
     LyricsState lyrics;
     EditorDocument document(lyrics);
-    document.Split(ReadTextFile(path, language.IsPolish));
+    document.Split(*text);
     QTextStream out(stdout);
     for (int row = 1; row <= document.Count(); ++row)
         out << row << '\t' << document.TimeText(row) << '\t' << document.Entry(row).Text << '\t'
@@ -81,18 +95,17 @@ int EmbedLyrics(const QStringList& args)
     const QString& lrs = args[1];
     if (!QFileInfo(song).isFile())
         return Refuse(QStringLiteral("File not found: %1").arg(song));
-    if (!QFileInfo(lrs).isFile())
-        return Refuse(QStringLiteral("File not found: %1").arg(lrs));
     QSettingsStore store;
     LanguageTable language;
     language.LoadLanguage(store);
-    if (FileTooLarge(lrs, kLyricsFileLimit))
-        return Refuse(language.GetText(QStringLiteral("ErrorFilesize")));
+    const std::optional<QString> text = OpenedText(lrs, kLyricsFileLimit, language);
+    if (!text)
+        return 1;
 
     LyricsState lyrics;
     QString refusal;
     const auto keep = [&refusal](const QString& message) { refusal = message; };
-    if (!ParseEditorLyrics(lyrics, ReadTextFile(lrs, language.IsPolish), keep))
+    if (!ParseEditorLyrics(lyrics, *text, keep))
         return Refuse(refusal);
 
     // As the editor saves into the song that plays: a MIDI song by the MIDI player, any other

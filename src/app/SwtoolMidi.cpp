@@ -129,7 +129,7 @@ int PrintMidi(const QStringList& args)
     for (int c = 0; c < 16; ++c) {
         const ChannelRecord& r = figures.ChannelTable[size_t(c)];
         out << "channel\t" << c << '\t' << r.Channel << '\t' << r.Patch << '\t' << r.Volume << '\t' << r.Pan << '\t'
-            << r.State << '\t' << (r.Channel == -1 ? QString() : GetPatch(c == 9 ? 128 : r.Patch)) << '\n';
+            << r.State << '\t' << (r.Channel == -1 ? QString() : ChannelInstrument(c, r.Patch)) << '\n';
     }
     return 0;
 }

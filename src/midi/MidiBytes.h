@@ -52,6 +52,8 @@ int ReadFile(const QByteArray& file, MidiFigures& figures, std::vector<LyricItem
 
 // The name of General MIDI program 0 to 127, "Percussion" for 128, empty otherwise.
 QString GetPatch(int index);
+// What plays on a channel (0 to 15) with that patch: "Percussion" on the drum channel, index 9.
+QString ChannelInstrument(int channel, int patch);
 
 // The 411 bytes of the file that walks channel 0 through all 128 programs.
 QByteArray FileTempBytes();

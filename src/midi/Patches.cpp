@@ -36,3 +36,8 @@ QString GetPatch(int index)
         return QString::fromLatin1(kPrograms[size_t(index)]);
     return index == 128 ? QStringLiteral("Percussion") : QString();
 }
+
+QString ChannelInstrument(int channel, int patch)
+{
+    return GetPatch(channel == 9 ? 128 : patch);
+}

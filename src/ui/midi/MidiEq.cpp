@@ -19,8 +19,6 @@ using namespace MidiEqLayout;
 
 namespace {
 
-constexpr int kDrumChannel = 9;
-constexpr int kPercussionPatch = 128;
 constexpr int kMaxControllerValue = 127;
 // A whole-song balance drag: pixels for the knob's full turn.
 constexpr double kBalanceDragPixels = 160;
@@ -128,7 +126,7 @@ void MidiEq::ChangeMidi(const QString&, int)
         // The reader passes over a pan of 0, so 0 here means the file set none: the synthesiser
         // plays such a channel in the middle.
         strip.balance = record.Pan > 0 ? std::clamp<int>(record.Pan, 0, kMaxControllerValue) : 64;
-        strip.patch = channel == kDrumChannel ? kPercussionPatch : record.Patch;
+        strip.patch = record.Patch;
     }
     ResetKnobs();
 }
@@ -207,7 +205,7 @@ QString MidiEq::StripText(int channel) const
     const QString number = QString::number(channel + 1);
     if (!strip.enabled)
         return number + QStringLiteral("  \u2014");
-    QString text = number + QStringLiteral("  ") + GetPatch(strip.patch) + QStringLiteral("   vol %1   pan %2")
+    QString text = number + QStringLiteral("  ") + ChannelInstrument(channel, strip.patch) + QStringLiteral("   vol %1   pan %2")
                                                                                .arg(strip.volume)
                                                                                .arg(BalanceText(strip.balance, 64));
     if (strip.muted)
