@@ -35,9 +35,11 @@ public:
     PlaylistForm* UserList() override { return list; }
     KaraokeForm* Lyric() override { return nullptr; }
     ControlsForm* MidiEq() override { return nullptr; }
+    EditorForm* Editor() override { return nullptr; }
     PlaylistForm& LoadUserList() override { return *list; }
     KaraokeForm& LoadLyric() override { std::abort(); }
     ControlsForm& LoadMidiEq() override { std::abort(); }
+    EditorForm& LoadEditor() override { std::abort(); }
     std::vector<Form*> LoadedForms() override { return {}; }
     PlaylistForm* list = nullptr;
 

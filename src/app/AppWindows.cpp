@@ -4,6 +4,8 @@
 #include "playback/PlayerCommands.h"
 #include "playback/PlayerTransport.h"
 #include "core/WindowPosition.h"
+#include "ui/editor/Editor.h"
+#include "ui/editor/EditorDialogs.h"
 #include "ui/karaoke/LyricWindow.h"
 #include "ui/midi/MidiEq.h"
 #include "ui/player/PlayerServices.h"
@@ -95,4 +97,19 @@ ControlsForm& AppWindows::LoadMidiEq()
         m_loaded.push_back(m_midiEq.get());
     }
     return *m_midiEq;
+}
+
+EditorForm* AppWindows::Editor()
+{
+    return m_editor.get();
+}
+
+EditorForm& AppWindows::LoadEditor()
+{
+    if (!m_editor) {
+        m_editorDialogs = std::make_unique<WidgetEditorDialogs>();
+        m_editor = std::make_unique<::Editor>(m_state, m_store, *this, *m_transport, *m_commands, *m_editorDialogs);
+        m_loaded.push_back(m_editor.get());
+    }
+    return *m_editor;
 }

@@ -18,6 +18,8 @@ class PlayerWindow;
 class SettingsStore;
 class UserList;
 class MidiEq;
+class Editor;
+class WidgetEditorDialogs;
 
 // The song's position as the karaoke window reads it: the session's, whatever plays the song.
 class SessionPosition final : public SongPosition {
@@ -47,9 +49,12 @@ public:
     KaraokeForm* Lyric() override;
     LyricWindow* LyricWidget() { return m_lyric.get(); }
     ControlsForm* MidiEq() override;
+    EditorForm* Editor() override;
+    ::Editor* EditorWidget() { return m_editor.get(); }
     PlaylistForm& LoadUserList() override;
     KaraokeForm& LoadLyric() override;
     ControlsForm& LoadMidiEq() override;
+    EditorForm& LoadEditor() override;
     std::vector<Form*> LoadedForms() override { return m_loaded; }
 
 private:
@@ -61,6 +66,8 @@ private:
     std::unique_ptr<LyricWindow> m_lyric;
     std::unique_ptr<::UserList> m_userList;
     std::unique_ptr<::MidiEq> m_midiEq;
+    std::unique_ptr<WidgetEditorDialogs> m_editorDialogs;
+    std::unique_ptr<::Editor> m_editor;
     PlayerTransport* m_transport = nullptr;
     PlayerCommands* m_commands = nullptr;
     std::vector<Form*> m_loaded;

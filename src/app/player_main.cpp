@@ -23,6 +23,7 @@ int main(int argc, char* argv[])
     QApplication qapp(argc, argv);
     QCoreApplication::setOrganizationName(QStringLiteral("Tonehaven"));
     QCoreApplication::setApplicationName(QStringLiteral("Songweaver"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(SONGWEAVER_VERSION));
     QGuiApplication::setApplicationDisplayName(QStringLiteral("Songweaver"));
     QGuiApplication::setDesktopFileName(QStringLiteral("songweaver"));
     QApplication::setQuitOnLastWindowClosed(false);

@@ -77,6 +77,13 @@ public:
     virtual void ChangeMidi(const QString& file, int mode) = 0;
 };
 
+// The lyrics editor.
+class EditorForm : public Form {
+public:
+    // The window comes up: its place, and the lyrics of the song that plays when it has any.
+    virtual void Open() = 0;
+};
+
 class FormProvider {
 public:
     virtual ~FormProvider() = default;
@@ -86,10 +93,12 @@ public:
     virtual PlaylistForm* UserList() = 0;
     virtual KaraokeForm* Lyric() = 0;
     virtual ControlsForm* MidiEq() = 0;
+    virtual EditorForm* Editor() = 0;
     // Loads the window when it is not loaded yet.
     virtual PlaylistForm& LoadUserList() = 0;
     virtual KaraokeForm& LoadLyric() = 0;
     virtual ControlsForm& LoadMidiEq() = 0;
+    virtual EditorForm& LoadEditor() = 0;
     // The loaded windows in the order they were loaded.
     virtual std::vector<Form*> LoadedForms() = 0;
 };

@@ -4,6 +4,7 @@
 #include "core/TextCodec.h"
 
 #include <QFile>
+#include <QRegularExpression>
 
 namespace {
 const QString kCrLf = QStringLiteral("\r\n");
@@ -51,4 +52,13 @@ QString LanguageTable::GetText(const QString& key) const
     if (caret >= 0)
         text[caret] = u'&';
     return text;
+}
+
+QString DialogFilter(const QString& languageText, const QString& patterns)
+{
+    QString description = languageText.section(u'|', 0, 0);
+    static const QRegularExpression ownPatterns(QStringLiteral("\\s*\\([^()]*\\)\\s*$"));
+    description.remove(ownPatterns);
+    const QString list = u'(' + patterns.split(u';', Qt::SkipEmptyParts).join(u' ') + u')';
+    return (description.trimmed() + u' ' + list).trimmed();
 }

@@ -23,3 +23,7 @@ public:
     // The key of every "Key->Text" row, in table order, repeats included.
     QStringList Keys() const;
 };
+
+// A file dialog's filter: the description that a language text holds (up to any "|", without
+// its own pattern list) and the command's patterns ("*.lrs", "*.mp3;*.ogg;"), as Qt lists them.
+QString DialogFilter(const QString& languageText, const QString& patterns);

@@ -92,6 +92,15 @@ bool LoadLyrics(LyricsState& lyrics, const QString& songPath, const LyricsEnviro
     return true;
 }
 
+void FinishShownLyrics(LyricsState& lyrics, const LyricsEnvironment& env)
+{
+    BuildPictureOrder(lyrics);
+    lyrics.LongestLine = FindLongestLine(lyrics.PlayLyrics, env.Font);
+    lyrics.LyricsTitleText = MakeLyricsTitle(lyrics, env.Tags);
+    if (env.Refit)
+        env.Refit();
+}
+
 bool LoadEmbeddedLyrics(LyricsState& lyrics, const QString& songPath, const LyricsEnvironment& env)
 {
     // The sibling file is asked for but the song itself is read: MIDI import counts on this order.

@@ -19,6 +19,10 @@ QString LyricsPathOf(const QString& songPath);
 // the song stops the search. False when no lyrics were found.
 bool LoadLyrics(LyricsState& lyrics, const QString& songPath, const LyricsEnvironment& env);
 
+// What follows every load, for lyrics put on the display by other means (the editor's): the
+// picture order, the longest line and the title, then the refit.
+void FinishShownLyrics(LyricsState& lyrics, const LyricsEnvironment& env);
+
 // The block inside a MIDI song; asks first that the sibling ".lrs" file exists.
 bool LoadEmbeddedLyrics(LyricsState& lyrics, const QString& songPath, const LyricsEnvironment& env);
 

@@ -21,7 +21,7 @@ bool CommandNotBuiltYet(const QString& key)
 {
     static const std::set<QString> kNotBuiltYet = {
         QStringLiteral("Preferences"), QStringLiteral("SwitchMicrophone"),
-        QStringLiteral("Record"),      QStringLiteral("YourVoice"), QStringLiteral("Editor"),
+        QStringLiteral("Record"),      QStringLiteral("YourVoice"),
         QStringLiteral("About"),       QStringLiteral("FileInfo"),  QStringLiteral("MnuHelp"),
     };
     return kNotBuiltYet.count(key) > 0;
@@ -73,6 +73,10 @@ void PlayerCommands::ButtonAction(int button)
     case 10:
         TogglePlaylist();
         break;
+    case 14:
+        if (!recording)
+            ToggleEditor();
+        break;
     case 15:
         ToggleKaraoke();
         break;
@@ -87,16 +91,21 @@ void PlayerCommands::ToggleMute()
 
 void PlayerCommands::OpenFileDialog()
 {
-    if (m_state.Recording || m_state.EditorOpen)
-        return;
+    if (!m_state.Recording && !m_state.EditorOpen)
+        ChooseAndOpenFiles();
+}
+
+bool PlayerCommands::ChooseAndOpenFiles()
+{
     const QString title = QStringLiteral("SWV: ") + m_state.Language.GetText(QStringLiteral("DialogAddFiles"));
     const QString filter = m_state.Language.GetText(QStringLiteral("FilterOpenAudio"))
                            + QStringLiteral(" (*.wav *.mp3 *.mpc *.ape *.ogg *.mid *.midi *.kar)");
     const QStringList files = m_dialogs.OpenFileNames(title, m_state.Theme->MusicPath, filter);
     if (files.isEmpty())
-        return;
+        return false;
     m_state.Theme->MusicPath = QFileInfo(files.first()).absolutePath();
     m_transport.OpenFiles(files);
+    return true;
 }
 
 void PlayerCommands::ToggleKaraoke()
@@ -125,6 +134,19 @@ void PlayerCommands::TogglePlaylist()
         list.Show();
     else
         list.Hide();
+}
+
+void PlayerCommands::ToggleEditor()
+{
+    if (m_state.EditorOpen) {
+        if (EditorForm* editor = m_forms.Editor())
+            editor->Unload();
+        m_state.EditorOpen = false;
+        return;
+    }
+    EditorForm& editor = m_forms.LoadEditor();
+    m_state.EditorOpen = true;
+    editor.Open();
 }
 
 void PlayerCommands::ToggleControls()
@@ -212,8 +234,10 @@ bool PlayerCommands::KeyDown(int key, Qt::KeyboardModifiers modifiers)
         ToggleKaraoke();
         return true;
     }
-    if (key == Qt::Key_E && ctrl)
-        return !CommandNotBuiltYet(QStringLiteral("Editor"));
+    if (key == Qt::Key_E && ctrl) {
+        ButtonAction(14);
+        return true;
+    }
     if (key == Qt::Key_T && ctrl) {
         SwapTimeStyle();
         return true;

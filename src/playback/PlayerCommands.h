@@ -46,6 +46,8 @@ public:
     bool KeyDown(int key, Qt::KeyboardModifiers modifiers);
     // The player's "Open file(s)" command.
     void OpenFileDialog();
+    // The open dialog and the load behind that command, whatever window asks; false when cancelled.
+    bool ChooseAndOpenFiles();
 
     void MinimizeToTray();
     void RestoreFromTray();
@@ -56,6 +58,7 @@ private:
     void ToggleKaraoke();
     void TogglePlaylist();
     void ToggleControls();
+    void ToggleEditor();
     void SwapTimeStyle();
     void ToggleMute();
 

@@ -175,7 +175,15 @@ void PlayerTransport::SeekTo(double fraction)
     if (!session)
         return;
     const double duration = m_state.IsMidi ? m_state.MidiDuration : session->get_Duration();
-    session->put_CurrentPosition(duration * fraction);
+    SeekToSeconds(duration * fraction);
+}
+
+void PlayerTransport::SeekToSeconds(double seconds)
+{
+    SongSession* session = m_state.Session.get();
+    if (!session)
+        return;
+    session->put_CurrentPosition(seconds);
     if (m_state.VoiceControl && m_state.VoicePlaying)
         m_state.VoiceControl->put_CurrentPosition(session->get_CurrentPosition());
     KaraokeForm* lyric = m_forms.Lyric();

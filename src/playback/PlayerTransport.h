@@ -47,6 +47,8 @@ public:
     void CloseSong();
     // The progress slider moved by hand to `fraction` of the song.
     void SeekTo(double fraction);
+    // A jump to `seconds` of the song; the voice that plays along and the lyrics follow.
+    void SeekToSeconds(double seconds);
     // The volume slider's value in hundredths of a decibel; 0 without a session.
     int16_t GetVolume() const;
     // The level of the song that plays for a reading of the volume slider.
@@ -60,6 +62,8 @@ public:
     // Loads a song: the old one closed, the file read, its session, labels and lyrics. False
     // only when the file does not exist, or while another song is still being opened.
     bool OpenSong(const QString& path, bool autoplay);
+    // The font, code page, tags and refit of the current song for a lyrics load.
+    LyricsEnvironment LyricsEnvironmentOfSong();
     // Marks the playlist row as playing, then opens and plays its song.
     void fnChangeSong(int index);
     // Next and Previous over the playlist.
@@ -81,8 +85,6 @@ private:
     void ReportUnplayable();
     void ShowSongLabels();
     void LoadSongLyrics();
-    // The font, code page, tags and refit of the current song for a lyrics load.
-    LyricsEnvironment LyricsEnvironmentOfSong();
     // The playlist for Next and Previous; false when the song stopped or closed instead.
     bool MayWalkList();
     // Tries the rows from `first` towards `last` (either way); true when one opened.

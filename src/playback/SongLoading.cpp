@@ -107,9 +107,7 @@ void PlayerTransport::LoadSongLyrics()
     if (m_state.EditorOpen && m_state.EditorFile == m_state.CurrentFile && m_state.Lyrics.EditLyrics.size() > 1) {
         m_state.Lyrics.PlayLyrics = m_state.Lyrics.EditLyrics;
         m_state.Lyrics.PlayPictures = m_state.Lyrics.EditPictures;
-        BuildPictureOrder(m_state.Lyrics);
-        m_state.Lyrics.LongestLine = FindLongestLine(m_state.Lyrics.PlayLyrics, env.Font);
-        m_state.Lyrics.LyricsTitleText = MakeLyricsTitle(m_state.Lyrics, env.Tags);
+        FinishShownLyrics(m_state.Lyrics, env);
     }
 }
 

@@ -90,3 +90,12 @@ TEST(Language, ShippedTablesKeepTheirRowsAndQuirks)
     EXPECT_EQ(polish.GetText(QStringLiteral("OutlineColor1")), "Kolor obrysu 1");
     EXPECT_EQ(polish.GetText(QStringLiteral("Fullscreen")), QString::fromUtf8("Pełny ekran"));
 }
+
+TEST(Language, DialogFiltersTakeTheTextsDescriptionAndTheCommandsPatterns)
+{
+    EXPECT_EQ(DialogFilter("Lyrics files (*.lrs)|*.lrs|All files (*.*)|*.*", "*.lrs"), "Lyrics files (*.lrs)");
+    EXPECT_EQ(DialogFilter("Karaoke files (*.kar;*.mid)|*.kar;*.mid", "*.mp3;*.ogg;*.wav;*.kar;*.mid;"),
+              "Karaoke files (*.mp3 *.ogg *.wav *.kar *.mid)");
+    EXPECT_EQ(DialogFilter("Text files", "*.txt"), "Text files (*.txt)");
+    EXPECT_EQ(DialogFilter("", "*.txt"), "(*.txt)");
+}

@@ -53,18 +53,37 @@ TEST_F(Commands, WithoutASystemTrayMinimisingMinimisesTheWindows)
 
 TEST_F(Commands, CommandsWithoutTheirWindowsAreInertAndNotHandled)
 {
-    for (const char* key : {"Preferences", "SwitchMicrophone", "Record", "YourVoice", "Editor"})
+    for (const char* key : {"Preferences", "SwitchMicrophone", "Record", "YourVoice"})
         EXPECT_TRUE(CommandNotBuiltYet(QString::fromLatin1(key))) << key;
     EXPECT_FALSE(CommandNotBuiltYet("KaraokeWindow"));
     EXPECT_FALSE(CommandNotBuiltYet("Controls"));
+    EXPECT_FALSE(CommandNotBuiltYet("Editor"));
     EXPECT_FALSE(commands.KeyDown(Qt::Key_M, {}));
-    EXPECT_FALSE(commands.KeyDown(Qt::Key_E, Qt::ControlModifier));
     EXPECT_FALSE(commands.KeyDown(Qt::Key_3, Qt::AltModifier));
     EXPECT_TRUE(commands.KeyDown(Qt::Key_K, Qt::ControlModifier));
-    commands.ButtonAction(14);
     commands.ButtonAction(7);
-    EXPECT_FALSE(state.EditorOpen);
     EXPECT_EQ(journal.calls, QStringList{"Lyric.Unload"}) << "only Ctrl+K did something";
+}
+
+TEST_F(Commands, ButtonFourteenAndCtrlEOpenAndUnloadTheEditorButNotWhileRecording)
+{
+    FakeWindows fresh(journal, false);
+    PlayerCommands own(state, fresh, transport, tray, dialogs);
+    state.Recording = true;
+    EXPECT_TRUE(own.KeyDown(Qt::Key_E, Qt::ControlModifier));
+    own.ButtonAction(14);
+    EXPECT_EQ(fresh.Editor(), nullptr);
+    EXPECT_FALSE(state.EditorOpen);
+
+    state.Recording = false;
+    own.ButtonAction(14);
+    ASSERT_NE(fresh.Editor(), nullptr);
+    EXPECT_TRUE(state.EditorOpen);
+    own.KeyDown(Qt::Key_E, Qt::ControlModifier);
+    EXPECT_FALSE(state.EditorOpen);
+    own.MenuCommand("Editor");
+    EXPECT_TRUE(state.EditorOpen);
+    EXPECT_EQ(journal.calls, (QStringList{"Editor.Open", "Editor.Unload", "Editor.Open"}));
 }
 
 TEST_F(Commands, ButtonNineLoadsAndTogglesTheMidiWindowWhileTheMenusControlItemStaysInert)

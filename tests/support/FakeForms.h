@@ -151,13 +151,20 @@ public:
     void ChangeMidi(const QString& file, int mode) override { Log(QStringLiteral("ChangeMidi %1 %2").arg(file).arg(mode)); }
 };
 
+class FakeEditor final : public EditorForm, FakeForm {
+public:
+    explicit FakeEditor(Journal& j) : FakeForm(j, QStringLiteral("Editor")) {}
+    FAKE_FORM_BASICS
+    void Open() override { Log(QStringLiteral("Open")); }
+};
+
 // Every window of the program; each is loaded by its Load call, or from the start.
 class FakeWindows final : public FormProvider {
 public:
-    explicit FakeWindows(Journal& j, bool allLoaded = true) : player(j), userList(j), lyric(j), midiEq(j)
+    explicit FakeWindows(Journal& j, bool allLoaded = true) : player(j), userList(j), lyric(j), midiEq(j), editor(j)
     {
         if (allLoaded)
-            m_loaded = {&player, &userList, &lyric, &midiEq};
+            m_loaded = {&player, &userList, &lyric, &midiEq, &editor};
         else
             m_loaded = {&player};
     }
@@ -165,15 +172,18 @@ public:
     PlaylistForm* UserList() override { return Loaded(&userList) ? &userList : nullptr; }
     KaraokeForm* Lyric() override { return Loaded(&lyric) ? &lyric : nullptr; }
     ControlsForm* MidiEq() override { return Loaded(&midiEq) ? &midiEq : nullptr; }
+    EditorForm* Editor() override { return Loaded(&editor) ? &editor : nullptr; }
     PlaylistForm& LoadUserList() override { return Load(userList); }
     KaraokeForm& LoadLyric() override { return Load(lyric); }
     ControlsForm& LoadMidiEq() override { return Load(midiEq); }
+    EditorForm& LoadEditor() override { return Load(editor); }
     std::vector<Form*> LoadedForms() override { return m_loaded; }
 
     FakePlayer player;
     FakePlaylistWindow userList;
     FakeKaraoke lyric;
     FakeControls midiEq;
+    FakeEditor editor;
 
 private:
     bool Loaded(Form* form) const { return std::find(m_loaded.begin(), m_loaded.end(), form) != m_loaded.end(); }

@@ -7,15 +7,17 @@
 
 class SessionWindows final : public FormProvider {
 public:
-    SessionWindows(CoreState& state, Journal& j) : player(state, store, docking), userList(j), lyric(j), midiEq(j) {}
+    SessionWindows(CoreState& state, Journal& j) : player(state, store, docking), userList(j), lyric(j), midiEq(j), editor(j) {}
     PlayerForm& Player() override { return player; }
     PlaylistForm* UserList() override { return &userList; }
     KaraokeForm* Lyric() override { return &lyric; }
     ControlsForm* MidiEq() override { return &midiEq; }
+    EditorForm* Editor() override { return &editor; }
     PlaylistForm& LoadUserList() override { return userList; }
     KaraokeForm& LoadLyric() override { return lyric; }
     ControlsForm& LoadMidiEq() override { return midiEq; }
-    std::vector<Form*> LoadedForms() override { return {&player, &userList, &lyric, &midiEq}; }
+    EditorForm& LoadEditor() override { return editor; }
+    std::vector<Form*> LoadedForms() override { return {&player, &userList, &lyric, &midiEq, &editor}; }
 
     MemoryStore store;
     Docking docking;
@@ -23,4 +25,5 @@ public:
     FakePlaylistWindow userList;
     FakeKaraoke lyric;
     FakeControls midiEq;
+    FakeEditor editor;
 };

@@ -2,6 +2,7 @@
 
 #include <QLinearGradient>
 #include <QPainter>
+#include <QPalette>
 
 void PaintWindowBody(QPainter& painter, const QRectF& rect)
 {
@@ -49,4 +50,33 @@ void PaintButtonFace(QPainter& painter, const QRectF& rect, qreal radius, bool h
     painter.setBrush(face);
     painter.setPen(hover ? QColor(0x8f, 0xa3, 0xf2) : Palette::Edge);
     painter.drawRoundedRect(rect.adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
+}
+
+QPalette ControlsPalette()
+{
+    QPalette palette;
+    const QColor text(0xe4, 0xe9, 0xff);
+    const QColor muted(0x7c, 0x86, 0xb4);
+    palette.setColor(QPalette::Window, QColor(0x1b, 0x22, 0x47));
+    palette.setColor(QPalette::WindowText, Palette::ButtonText);
+    palette.setColor(QPalette::Base, Palette::Well);
+    palette.setColor(QPalette::AlternateBase, QColor(0x13, 0x19, 0x38));
+    palette.setColor(QPalette::Text, text);
+    palette.setColor(QPalette::Button, Palette::FaceTop);
+    palette.setColor(QPalette::ButtonText, Palette::ButtonText);
+    palette.setColor(QPalette::Highlight, QColor(0x4a, 0x5c, 0xc0));
+    palette.setColor(QPalette::HighlightedText, Qt::white);
+    palette.setColor(QPalette::ToolTipBase, Palette::FaceBottom);
+    palette.setColor(QPalette::ToolTipText, text);
+    palette.setColor(QPalette::PlaceholderText, muted);
+    palette.setColor(QPalette::Light, Palette::HoverTop);
+    palette.setColor(QPalette::Midlight, Palette::Edge);
+    palette.setColor(QPalette::Mid, Palette::WellEdge);
+    palette.setColor(QPalette::Dark, Palette::BodyBottom);
+    palette.setColor(QPalette::Shadow, QColor(0x05, 0x07, 0x12));
+    palette.setColor(QPalette::BrightText, Palette::LitAmber);
+    palette.setColor(QPalette::Link, Palette::LitBlue);
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        palette.setColor(QPalette::Disabled, role, muted);
+    return palette;
 }

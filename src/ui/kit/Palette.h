@@ -7,6 +7,7 @@
 #include <QString>
 
 class QPainter;
+class QPalette;
 
 namespace Palette {
 
@@ -39,3 +40,7 @@ void PaintCloseButton(QPainter& painter, QPointF centre);
 void PaintWell(QPainter& painter, const QRectF& rect, qreal radius = 7);
 // A raised face of a button, lit when the mouse is over it.
 void PaintButtonFace(QPainter& painter, const QRectF& rect, qreal radius, bool hover);
+
+// The palette of the windows built of standard controls (the editor and its dialogs), in the
+// colours of the painted ones.
+QPalette ControlsPalette();

@@ -1,0 +1,811 @@
+#include "ui/editor/Editor.h"
+
+#include "core/SettingsStore.h"
+#include "core/WindowPosition.h"
+#include "lyrics/LyricsLoader.h"
+#include "playback/PlayerCommands.h"
+#include "playback/PlayerState.h"
+#include "playback/PlayerTransport.h"
+#include "ui/editor/EditorDialogs.h"
+#include "ui/editor/LyricsTable.h"
+#include "ui/editor/TimeSpin.h"
+#include "ui/kit/Desktop.h"
+#include "ui/kit/Palette.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QCloseEvent>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QMenuBar>
+#include <QPainter>
+#include <QPainterPath>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QScreen>
+#include <QSplitter>
+#include <QStatusBar>
+#include <QToolBar>
+#include <QVBoxLayout>
+
+namespace {
+
+// The smallest the window may be: 8505 by 4800 twips.
+constexpr QSize kMinimumSize(567, 320);
+constexpr QSize kFirstSize(780, 520);
+// A held correction key repeats about as fast as a keyboard does.
+constexpr int kCorrectIntervalMs = 33;
+// The words of MIDI songs are stamped 0.7 s late on import; a row's seek goes back by as much.
+constexpr double kMidiLeadIn = 0.7;
+
+// The key left of 1: "`" on most layouts, and by its place on the keyboard on any other.
+bool IsCaptureKey(const QKeyEvent* event)
+{
+    constexpr quint32 kTildeKeyScanCode = 49;
+    return event->key() == Qt::Key_QuoteLeft || event->key() == Qt::Key_AsciiTilde
+           || event->nativeScanCode() == kTildeKeyScanCode;
+}
+
+bool IsKeypad(const QKeyEvent* event, int key)
+{
+    return event->key() == key && (event->modifiers() & Qt::KeypadModifier);
+}
+
+enum class Glyph { Play, Pause, Stop, Delete, Insert, AddNew };
+
+void PaintGlyph(QPainter& painter, Glyph glyph)
+{
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(Palette::ButtonText);
+    switch (glyph) {
+    case Glyph::Play: {
+        QPainterPath triangle;
+        triangle.moveTo(4, 2.5);
+        triangle.lineTo(13.5, 8);
+        triangle.lineTo(4, 13.5);
+        triangle.closeSubpath();
+        painter.setBrush(Palette::LitGreen);
+        painter.drawPath(triangle);
+        break;
+    }
+    case Glyph::Pause:
+        painter.setBrush(Palette::LitAmber);
+        painter.drawRoundedRect(QRectF(3.5, 3, 3.2, 10), 1, 1);
+        painter.drawRoundedRect(QRectF(9.3, 3, 3.2, 10), 1, 1);
+        break;
+    case Glyph::Stop:
+        painter.setBrush(Palette::LitRed);
+        painter.drawRoundedRect(QRectF(3.5, 3.5, 9, 9), 1.5, 1.5);
+        break;
+    case Glyph::Delete:
+        painter.setPen(QPen(Palette::LitRed, 2.2, Qt::SolidLine, Qt::RoundCap));
+        painter.drawLine(QPointF(4, 4), QPointF(12, 12));
+        painter.drawLine(QPointF(12, 4), QPointF(4, 12));
+        break;
+    case Glyph::Insert:
+        painter.setPen(QPen(Palette::LitBlue, 1.6, Qt::SolidLine, Qt::RoundCap));
+        painter.drawLine(QPointF(7, 11.5), QPointF(14, 11.5));
+        painter.drawLine(QPointF(7, 14), QPointF(14, 14));
+        painter.setPen(QPen(Palette::LitGreen, 2, Qt::SolidLine, Qt::RoundCap));
+        painter.drawLine(QPointF(5, 2), QPointF(5, 9));
+        painter.drawLine(QPointF(1.5, 5.5), QPointF(8.5, 5.5));
+        break;
+    case Glyph::AddNew:
+        painter.setPen(QPen(Palette::LitBlue, 1.6, Qt::SolidLine, Qt::RoundCap));
+        painter.drawLine(QPointF(2, 2.5), QPointF(9, 2.5));
+        painter.drawLine(QPointF(2, 5), QPointF(9, 5));
+        painter.setPen(QPen(Palette::LitGreen, 2, Qt::SolidLine, Qt::RoundCap));
+        painter.drawLine(QPointF(11, 7.5), QPointF(11, 14.5));
+        painter.drawLine(QPointF(7.5, 11), QPointF(14.5, 11));
+        break;
+    }
+}
+
+// Drawn at 1x and 2x, so it is sharp on either kind of screen.
+QIcon GlyphIcon(Glyph glyph)
+{
+    QIcon icon;
+    for (const qreal ratio : {1.0, 2.0}) {
+        QPixmap pixmap(QSize(16, 16) * ratio);
+        pixmap.setDevicePixelRatio(ratio);
+        pixmap.fill(Qt::transparent);
+        QPainter painter(&pixmap);
+        PaintGlyph(painter, glyph);
+        painter.end();
+        icon.addPixmap(pixmap);
+    }
+    return icon;
+}
+
+} // namespace
+
+std::optional<double> PlayingSong::Position() const
+{
+    if (!m_state.Session)
+        return std::nullopt;
+    return m_state.Session->get_CurrentPosition();
+}
+
+bool PlayingSong::SongOpen() const
+{
+    return m_state.SongOpen();
+}
+
+bool PlayingSong::IsCurrentSong() const
+{
+    return !m_state.EditorFile.isEmpty() && m_state.EditorFile == m_state.CurrentFile;
+}
+
+Editor::Editor(PlayerState& state, SettingsStore& store, FormProvider& forms, PlayerTransport& transport,
+               PlayerCommands& commands, EditorDialogs& dialogs)
+    : m_state(state), m_store(store), m_forms(forms), m_transport(transport), m_commands(commands),
+      m_dialogs(dialogs), m_document(state.Lyrics), m_song(state), m_timing(m_document, state.Lyrics, m_song)
+{
+    setObjectName(QStringLiteral("Editor"));
+    setPalette(ControlsPalette());
+    setAutoFillBackground(true);
+    setMinimumSize(kMinimumSize);
+    resize(kFirstSize);
+
+    BuildWindow();
+    BuildMenus();
+    BuildToolBar();
+    ApplyLanguage();
+    WatchKeys();
+
+    m_correctTimer.setInterval(kCorrectIntervalMs);
+    connect(&m_correctTimer, &QTimer::timeout, this, [this] { CorrectionTick(); });
+    m_actionTimer.setSingleShot(true);
+    m_actionTimer.setInterval(0);
+    connect(&m_actionTimer, &QTimer::timeout, this, [this] {
+        const QString tag = std::exchange(m_actionTag, QString());
+        if (tag == u"SaveMP3")
+            SaveIntoSong();
+    });
+}
+
+Editor::~Editor() = default;
+
+QString Editor::Text(const char* key) const
+{
+    return DisplayText(m_state.Language.GetText(QString::fromLatin1(key)));
+}
+
+// ---- The window ---------------------------------------------------------------------------------
+
+void Editor::BuildWindow()
+{
+    auto* splitter = new QSplitter(Qt::Horizontal, this);
+    splitter->setChildrenCollapsible(false);
+
+    auto* listSide = new QWidget(splitter);
+    auto* listLayout = new QVBoxLayout(listSide);
+    listLayout->setContentsMargins(8, 8, 4, 8);
+    listLayout->setSpacing(8);
+    m_list = new LyricsList(listSide);
+    m_model = new LyricsTableModel(
+        m_document,
+        [this](int column) {
+            static const char* const kHeaders[] = {"HeaderTime", "HeaderText", "LineBreak"};
+            return Text(kHeaders[column]);
+        },
+        this);
+    m_model->TextEdited = [this](int row, const QString& text) { TextEdited(row, text); };
+    m_list->setModel(m_model);
+    m_list->horizontalHeader()->setSectionResizeMode(LyricsTableModel::TimeColumn, QHeaderView::ResizeToContents);
+    m_list->horizontalHeader()->setSectionResizeMode(LyricsTableModel::TextColumn, QHeaderView::Stretch);
+    m_list->horizontalHeader()->setSectionResizeMode(LyricsTableModel::BreakColumn, QHeaderView::ResizeToContents);
+    m_list->KeyDown = [this](QKeyEvent* event) { return ListKeyDown(event); };
+    m_list->KeyUp = [this](QKeyEvent* event) { return ListKeyUp(event); };
+    m_list->RowChosen = [this] { RowChosen(); };
+    listLayout->addWidget(m_list, 1);
+    listLayout->addWidget(BuildTimingBar());
+
+    auto* textSide = new QWidget(splitter);
+    auto* textLayout = new QVBoxLayout(textSide);
+    textLayout->setContentsMargins(4, 8, 8, 8);
+    textLayout->setSpacing(4);
+    m_lyricsHeading = new QLabel(textSide);
+    m_lyricsHeading->setObjectName(QStringLiteral("HeaderEditor"));
+    QFont heading = m_lyricsHeading->font();
+    heading.setBold(true);
+    m_lyricsHeading->setFont(heading);
+    m_lyrics = new QPlainTextEdit(textSide);
+    m_lyrics->setObjectName(QStringLiteral("Lyrics"));
+    m_lyrics->setTabChangesFocus(true);
+    // Each line of the text is a line on the karaoke screen; a wrapped line would hide that.
+    m_lyrics->setLineWrapMode(QPlainTextEdit::NoWrap);
+    textLayout->addWidget(m_lyricsHeading);
+    textLayout->addWidget(m_lyrics, 1);
+
+    splitter->addWidget(listSide);
+    splitter->addWidget(textSide);
+    splitter->setStretchFactor(0, 3);
+    splitter->setStretchFactor(1, 2);
+    setCentralWidget(splitter);
+
+    m_fileLabel = new QLabel(this);
+    m_fileLabel->setObjectName(QStringLiteral("Status1"));
+    m_countLabel = new QLabel(this);
+    statusBar()->addWidget(m_fileLabel, 1);
+    statusBar()->addPermanentWidget(m_countLabel);
+}
+
+QWidget* Editor::BuildTimingBar()
+{
+    auto* bar = new QWidget(this);
+    auto* layout = new QHBoxLayout(bar);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(6);
+
+    m_correct = new TimeSpin(bar);
+    m_correct->setMinimumWidth(110);
+    m_correct->ArrowDown = [this](bool up) { GetKey(up ? 38 : 40); };
+    m_correct->ArrowUp = [this] { EndCorrection(); };
+    connect(m_correct, &QDoubleSpinBox::valueChanged, this, [this](double value) { CorrectEdited(value); });
+
+    m_break = new QCheckBox(bar);
+    m_break->setObjectName(QStringLiteral("chBreak"));
+    connect(m_break, &QCheckBox::clicked, this, [this](bool checked) { BreakClicked(checked); });
+
+    m_offset = new QDoubleSpinBox(bar);
+    m_offset->setObjectName(QStringLiteral("Offst"));
+    m_offset->setDecimals(3);
+    m_offset->setRange(-600, 600);
+    m_offset->setSingleStep(0.1);
+    m_offset->setSuffix(QStringLiteral(" s"));
+    m_doOff = new QPushButton(bar);
+    m_doOff->setObjectName(QStringLiteral("DoOff"));
+    connect(m_doOff, &QPushButton::clicked, this, [this] { DoOff(); });
+
+    m_capture = new QPushButton(bar);
+    m_capture->setObjectName(QStringLiteral("Capture"));
+    m_capture->setMinimumWidth(110);
+    m_capture->setFocusPolicy(Qt::NoFocus);
+    QFont bold = m_capture->font();
+    bold.setBold(true);
+    m_capture->setFont(bold);
+    connect(m_capture, &QPushButton::clicked, this, [this] { CaptureLine(); });
+
+    layout->addWidget(m_correct);
+    layout->addWidget(m_break);
+    layout->addSpacing(10);
+    layout->addWidget(m_offset);
+    layout->addWidget(m_doOff);
+    layout->addStretch(1);
+    layout->addWidget(m_capture);
+    return bar;
+}
+
+void Editor::BuildMenus()
+{
+    struct Item {
+        const char* key;  // nullptr for a separator
+        bool built = true;
+    };
+    // By position, separators counted: the places the old menus had.
+    const std::vector<std::pair<const char*, std::vector<Item>>> menus = {
+        {"MenuFile",
+         {{"MenuNew"}, {"MenuFileOpen"}, {"MenuLyricsOpen"}, {"MenuLyricsImport"}, {nullptr}, {"MenuSave"},
+          {"MenuSaveAs"}, {nullptr}, {"MenuTextOpen"}, {"MenuTextSave"}, {nullptr}, {"MenuPrint", false},
+          {"MenuUpdate"}, {nullptr}, {"MenuExit"}}},
+        {"MenuEdit",
+         {{"MenuCut"}, {"MenuCopy"}, {"MenuPaste"}, {"MenuDelete"}, {"MenuSelectAll"}, {"MenuRemoveAll"}}},
+        {"MenuKaraoke",
+         {{"MenuDetails", false}, {nullptr}, {"MenuSplitText"}, {"MenuMergeText"}, {nullptr}, {"MenuInsert"},
+          {"MenuAddNew"}, {nullptr}, {"MenuClear"}}},
+        {"MenuHelp", {{"MenuTutorial"}, {"MenuSupport", false}, {"MenuVersion"}, {nullptr}, {"MenuAbout", false}}},
+    };
+    for (const auto& [name, items] : menus) {
+        QMenu* menu = menuBar()->addMenu(QString());
+        menu->setObjectName(QString::fromLatin1(name));
+        m_menus[QString::fromLatin1(name)] = menu;
+        for (const Item& item : items) {
+            if (!item.key) {
+                menu->addSeparator();
+                continue;
+            }
+            const QString key = QString::fromLatin1(item.key);
+            QAction* action = menu->addAction(QString());
+            action->setData(key);
+            // Windows of later work: the item is there, greyed until its window exists.
+            action->setEnabled(item.built);
+            connect(action, &QAction::triggered, this, [this, key] { Command(key); });
+            m_actions[key] = action;
+        }
+    }
+}
+
+void Editor::BuildToolBar()
+{
+    QToolBar* tools = addToolBar(QString());
+    tools->setObjectName(QStringLiteral("eBTN"));
+    tools->setMovable(false);
+    tools->setIconSize(QSize(16, 16));
+    tools->setToolButtonStyle(Qt::ToolButtonIconOnly);
+    // The buttons by their old index: 1 to 3 the player's, 5 to 7 the list's.
+    const std::vector<std::tuple<int, Glyph, const char*>> buttons = {
+        {1, Glyph::Play, "Play"},         {2, Glyph::Pause, "Pause"},   {3, Glyph::Stop, "Stop"},
+        {5, Glyph::Delete, "MenuDelete"}, {6, Glyph::Insert, "MenuInsert"}, {7, Glyph::AddNew, "MenuAddNew"},
+    };
+    for (const auto& [index, glyph, key] : buttons) {
+        if (index == 5)
+            tools->addSeparator();
+        QAction* action = tools->addAction(GlyphIcon(glyph), QString());
+        action->setObjectName(QStringLiteral("eBTN%1").arg(index));
+        action->setData(QString::fromLatin1(key));
+        const int button = index;
+        connect(action, &QAction::triggered, this, [this, button] {
+            switch (button) {
+            case 1: m_commands.ButtonAction(2); break;
+            case 2: m_commands.ButtonAction(3); break;
+            case 3: m_commands.ButtonAction(4); break;
+            case 5: DeleteRows(); break;
+            case 6: InsertRow(); break;
+            default: AddNewRow(); break;
+            }
+        });
+    }
+}
+
+void Editor::ApplyLanguage()
+{
+    setWindowTitle(Text("EditorCaption"));
+    for (auto& [name, menu] : m_menus)
+        menu->setTitle(Text(name.toLatin1().constData()));
+    for (auto& [key, action] : m_actions)
+        action->setText(Text(key.toLatin1().constData()));
+    if (auto* tools = findChild<QToolBar*>(QStringLiteral("eBTN")))
+        for (QAction* action : tools->actions())
+            if (!action->isSeparator())
+                action->setToolTip(Text(action->data().toString().toLatin1().constData()).remove(u'&'));
+    m_lyricsHeading->setText(Text("HeaderEditor"));
+    m_break->setText(Text("LineBreak"));
+    m_doOff->setText(Text("Offset"));
+    m_capture->setText(Text("Capture"));
+    m_capture->setToolTip(QStringLiteral("Space, `"));
+    m_model->HeadersChanged();
+}
+
+// The key left of 1 stamps wherever the focus is.
+void Editor::WatchKeys()
+{
+    installEventFilter(this);
+    for (QWidget* child : findChildren<QWidget*>())
+        child->installEventFilter(this);
+}
+
+bool Editor::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() == QEvent::KeyPress) {
+        auto* key = static_cast<QKeyEvent*>(event);
+        if (IsCaptureKey(key)) {
+            if (!key->isAutoRepeat())
+                CaptureLine();
+            return true;
+        }
+    }
+    return QMainWindow::eventFilter(watched, event);
+}
+
+QMenu* Editor::Menu(const QString& key) const
+{
+    const auto it = m_menus.find(key);
+    return it == m_menus.end() ? nullptr : it->second;
+}
+
+QString Editor::StatusText() const
+{
+    return m_fileLabel->text();
+}
+
+// ---- The form -----------------------------------------------------------------------------------
+
+void Editor::Open()
+{
+    if (const auto saved = ReadWindowPosition(m_store, QStringLiteral("editor position"))) {
+        setGeometry(*saved);
+    } else if (const QScreen* screen = QGuiApplication::primaryScreen()) {
+        move(screen->availableGeometry().center() - rect().center());
+    }
+    ApplyLanguage();
+    // The lyrics of the song that plays come into the editor; an empty editor takes up the song
+    // even without them, so that its first taps show on the karaoke window.
+    if (m_state.SongOpen() && m_state.Lyrics.PlayLyrics.size() > 1) {
+        m_state.Lyrics.EditLyrics = m_state.Lyrics.PlayLyrics;
+        m_state.Lyrics.EditPictures = m_state.Lyrics.PlayPictures;
+        m_state.EditorFile = m_state.CurrentFile;
+    } else if (m_state.SongOpen() && m_document.Count() == 0) {
+        m_state.EditorFile = m_state.CurrentFile;
+    }
+    FillEditorList();
+    MeasureLab();
+    Show();
+}
+
+void Editor::Show()
+{
+    show();
+    raise();
+    activateWindow();
+}
+
+void Editor::SetTopMost(bool flag)
+{
+    ::SetTopMost(*this, flag);
+}
+
+void Editor::Unload()
+{
+    EndCorrection();
+    WriteWindowPosition(m_store, QStringLiteral("editor position"), geometry());
+    hide();
+}
+
+void Editor::closeEvent(QCloseEvent* event)
+{
+    Unload();
+    m_state.EditorOpen = false;
+    event->accept();
+}
+
+void Editor::MeasureLab()
+{
+    m_fileLabel->setText(m_state.EditorFile);
+    m_countLabel->setText(m_document.Count() > 0 ? QString::number(m_document.Count()) : QString());
+}
+
+// ---- Commands by key ----------------------------------------------------------------------------
+
+void Editor::Command(const QString& key)
+{
+    static const std::map<QString, void (Editor::*)()> kCommands = {
+        {QStringLiteral("MenuNew"), &Editor::MenuNew},
+        {QStringLiteral("MenuFileOpen"), &Editor::MenuFileOpen},
+        {QStringLiteral("MenuLyricsOpen"), &Editor::MenuLyricsOpen},
+        {QStringLiteral("MenuLyricsImport"), &Editor::MenuLyricsImport},
+        {QStringLiteral("MenuSave"), &Editor::MenuSave},
+        {QStringLiteral("MenuSaveAs"), &Editor::MenuSaveAs},
+        {QStringLiteral("MenuTextOpen"), &Editor::MenuTextOpen},
+        {QStringLiteral("MenuTextSave"), &Editor::MenuTextSave},
+        {QStringLiteral("MenuUpdate"), &Editor::MenuUpdate},
+        {QStringLiteral("MenuSplitText"), &Editor::SplitText},
+        {QStringLiteral("MenuMergeText"), &Editor::fnMoveTime},
+        {QStringLiteral("MenuInsert"), &Editor::InsertRow},
+        {QStringLiteral("MenuAddNew"), &Editor::AddNewRow},
+        {QStringLiteral("MenuClear"), &Editor::RemoveAll},
+        {QStringLiteral("MenuVersion"), &Editor::MenuVersion},
+        {QStringLiteral("MenuTutorial"), &Editor::MenuTutorial},
+    };
+    if (const auto it = kCommands.find(key); it != kCommands.end())
+        (this->*(it->second))();
+    else if (key == u"MenuExit")
+        close();
+    else
+        EditMenuCommand(key);
+}
+
+// The Edit menu acts on the text box or on the rows, whichever has the focus.
+void Editor::EditMenuCommand(const QString& key)
+{
+    if (focusWidget() == m_lyrics) {
+        if (key == u"MenuCut")
+            m_lyrics->cut();
+        else if (key == u"MenuCopy")
+            m_lyrics->copy();
+        else if (key == u"MenuPaste")
+            m_lyrics->paste();
+        else if (key == u"MenuDelete")
+            m_lyrics->textCursor().deleteChar();
+        else if (key == u"MenuSelectAll")
+            m_lyrics->selectAll();
+        else if (key == u"MenuRemoveAll")
+            m_lyrics->clear();
+        return;
+    }
+    if (focusWidget() != m_list)
+        return;
+    if (key == u"MenuCut") {
+        CopyRows();
+        DeleteRows();
+    } else if (key == u"MenuCopy") {
+        CopyRows();
+    } else if (key == u"MenuPaste") {
+        PasteRows();
+    } else if (key == u"MenuDelete") {
+        DeleteRows();
+    } else if (key == u"MenuSelectAll") {
+        m_list->selectAll();
+    } else if (key == u"MenuRemoveAll") {
+        RemoveAll();
+    }
+}
+
+// ---- The list and its rows ----------------------------------------------------------------------
+
+bool Editor::ListKeyDown(QKeyEvent* event)
+{
+    const bool ctrl = event->modifiers() & Qt::ControlModifier;
+    if (event->key() == Qt::Key_Space) {
+        if (!event->isAutoRepeat())
+            CaptureLine();
+    } else if (IsKeypad(event, Qt::Key_Plus)) {
+        if (!m_correctTimer.isActive())
+            CorrectUp();
+    } else if (IsKeypad(event, Qt::Key_Minus)) {
+        if (!m_correctTimer.isActive())
+            CorrectDown();
+    } else if (event->key() == Qt::Key_Insert) {
+        InsertRow();
+    } else if (event->key() == Qt::Key_F12) {
+        AddNewRow();
+    } else if (event->key() == Qt::Key_Delete) {
+        DeleteRows();
+    } else if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+        m_list->BeginTextEdit(m_list->SelectedRow());
+    } else if (ctrl && event->key() == Qt::Key_C) {
+        CopyRows();
+    } else if (ctrl && event->key() == Qt::Key_V) {
+        PasteRows();
+    } else if (ctrl && event->key() == Qt::Key_X) {
+        CopyRows();
+        DeleteRows();
+    } else {
+        return false;
+    }
+    return true;
+}
+
+bool Editor::ListKeyUp(QKeyEvent* event)
+{
+    if (!IsKeypad(event, Qt::Key_Plus) && !IsKeypad(event, Qt::Key_Minus))
+        return false;
+    if (!event->isAutoRepeat())
+        EndCorrection();
+    return true;
+}
+
+void Editor::FillEditorList()
+{
+    m_filling = true;
+    m_model->Reset();
+    m_break->setChecked(m_document.Count() > 0 && m_document.Entry(1).LineEnd);
+    m_list->SelectRow(1);
+    fnMoveTime();
+    m_timing.SetCorrect(m_document.Count() > 0 ? m_document.Entry(1).Time : 0, m_list->SelectedRow());
+    ShowCorrect();
+    MeasureLab();
+    m_filling = false;
+}
+
+void Editor::RowsReplaced(int selectRow)
+{
+    m_model->Reset();
+    m_list->SelectRow(std::min(selectRow, m_document.Count()));
+    ShowRowState(m_list->SelectedRow());
+    MeasureLab();
+    ShowOnDisplay(true);
+}
+
+void Editor::ShowOnDisplay(bool newRows)
+{
+    m_timing.ShowOnDisplay();
+    if (!newRows || !m_state.SongOpen())
+        return;
+    FinishShownLyrics(m_state.Lyrics, m_transport.LyricsEnvironmentOfSong());
+    KaraokeForm* lyric = m_forms.Lyric();
+    if (m_state.KaraokeOpen && lyric) {
+        lyric->ChangeLyrics();
+        lyric->GetLastPos();
+    }
+}
+
+void Editor::ShowRowState(int row)
+{
+    m_filling = true;
+    m_break->setChecked(row >= 1 && m_document.Entry(row).LineEnd);
+    m_filling = false;
+}
+
+void Editor::ShowCorrect()
+{
+    const QSignalBlocker quiet(m_correct);
+    m_correct->setValue(m_timing.Correct());
+}
+
+void Editor::MenuNew()
+{
+    if (m_document.Count() > 0 && !m_dialogs.AskYesNo(m_state.Language.GetText(QStringLiteral("MsgNew"))))
+        return;
+    m_lyrics->clear();
+    m_document.Clear();
+    m_timing.SetCorrect(0, 0);
+    ShowCorrect();
+    RowsReplaced(0);
+}
+
+void Editor::SplitText()
+{
+    if (!m_document.Split(m_lyrics->toPlainText()))
+        return;
+    RowsReplaced(1);
+}
+
+void Editor::fnMoveTime()
+{
+    if (m_document.Count() > 0)
+        m_lyrics->setPlainText(m_document.Merge());
+}
+
+void Editor::InsertRow()
+{
+    const int row = m_list->SelectedRow();
+    if (row == 0)
+        return;
+    m_document.Insert(row);
+    RowsReplaced(row);
+}
+
+void Editor::AddNewRow()
+{
+    RowsReplaced(m_document.AddNew());
+}
+
+void Editor::DeleteRows()
+{
+    const std::vector<int> rows = m_list->SelectedRows();
+    if (rows.empty())
+        return;
+    m_document.Delete(rows);
+    RowsReplaced(rows.front());
+}
+
+void Editor::CopyRows()
+{
+    const std::vector<int> rows = m_list->SelectedRows();
+    if (!rows.empty())
+        m_document.Copy(rows);
+}
+
+void Editor::PasteRows()
+{
+    const int row = m_list->SelectedRow();
+    if (m_document.Paste(row == 0 ? m_document.Count() + 1 : row))
+        RowsReplaced(row == 0 ? 1 : row);
+}
+
+void Editor::RemoveAll()
+{
+    if (m_document.Count() == 0)
+        return;
+    m_document.Clear();
+    m_timing.SetCorrect(0, 0);
+    ShowCorrect();
+    m_model->Reset();
+    MeasureLab();
+    if (m_song.IsCurrentSong())
+        if (KaraokeForm* lyric = m_forms.Lyric(); lyric && m_state.KaraokeOpen)
+            lyric->ClearLyrics();
+}
+
+void Editor::TextEdited(int row, const QString& text)
+{
+    m_document.EditText(row, text);
+    m_model->RowsChanged(1, m_document.Count());
+    ShowOnDisplay(true);
+}
+
+void Editor::BreakClicked(bool checked)
+{
+    const int row = m_list->SelectedRow();
+    if (m_filling || m_document.Count() == 0 || row == 0)
+        return;
+    m_document.SetBreak(row, checked);
+    m_model->RowsChanged(1, m_document.Count());
+    ShowOnDisplay(true);
+}
+
+// ---- Timing -------------------------------------------------------------------------------------
+
+void Editor::CaptureLine()
+{
+    const int selected = m_list->SelectedRow();
+    const int next = m_timing.CaptureLine(selected);
+    if (next == 0)
+        return;
+    const int stamped = selected == 0 ? 1 : selected;
+    m_model->RowsChanged(stamped, stamped);
+    if (next != stamped) {
+        m_list->SelectRow(next);
+        ShowRowState(next);
+        // The row after the next one stays in sight too, so the singer sees what comes.
+        if (next < m_document.Count())
+            m_list->scrollTo(m_model->index(next, 0));
+    }
+    ShowCorrect();
+}
+
+void Editor::CorrectUp()
+{
+    StartCorrection(true);
+}
+
+void Editor::CorrectDown()
+{
+    StartCorrection(false);
+}
+
+void Editor::GetKey(int keyCode)
+{
+    if (keyCode == 38)
+        CorrectUp();
+    else if (keyCode == 40)
+        CorrectDown();
+}
+
+bool Editor::StartCorrection(bool up)
+{
+    if (m_correctTimer.isActive() || !m_timing.StartCorrection(m_list->SelectedRow(), up))
+        return false;
+    m_list->ClearSelectionOnly();
+    m_correctTimer.start();
+    return true;
+}
+
+void Editor::CorrectionTick()
+{
+    m_timing.CorrectionTick();
+    ShowCorrect();
+    m_model->RowsChanged(1, m_document.Count());
+}
+
+void Editor::EndCorrection()
+{
+    if (!m_correctTimer.isActive())
+        return;
+    m_correctTimer.stop();
+    const int row = m_timing.StopCorrection();
+    m_list->SelectRow(row);
+    m_list->setFocus();
+}
+
+void Editor::CorrectEdited(double seconds)
+{
+    const int row = m_list->SelectedRow();
+    m_timing.SetCorrect(seconds, row);
+    if (m_document.Count() == 0)
+        ShowCorrect();
+    else if (row > 0)
+        m_model->RowsChanged(row, row);
+}
+
+void Editor::RowChosen()
+{
+    const int row = m_list->SelectedRow();
+    if (row == 0 || m_correctTimer.isActive())
+        return;
+    const double time = m_document.Entry(row).Time;
+    m_timing.SetCorrect(time, row);
+    ShowCorrect();
+    ShowRowState(row);
+    if (time == 0 || !m_song.IsCurrentSong())
+        return;
+    m_transport.SeekToSeconds(m_state.IsMidi ? std::max(0.0, time - kMidiLeadIn) : time);
+}
+
+void Editor::DoOff()
+{
+    const std::vector<int> rows = m_list->SelectedRows();
+    if (m_document.Count() == 0 || rows.empty())
+        return;
+    m_document.Offset(rows, m_offset->value());
+    m_model->RowsChanged(1, m_document.Count());
+    const int row = m_list->SelectedRow();
+    if (row > 0) {
+        m_timing.SetCorrect(m_document.Entry(row).Time, row);
+        ShowCorrect();
+    }
+    ShowOnDisplay(false);
+}

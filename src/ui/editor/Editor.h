@@ -1,0 +1,180 @@
+#pragma once
+// The lyrics editor window: the list of timed entries, the free text beside it, the time spin,
+// the offset and the line-end box, the capture button, the tool bar and the File, Edit,
+// Karaoke and Help menus. A tap of Space in the list, or of the key left of 1 anywhere, stamps
+// the selected row while the song plays; held numeric + and - correct it.
+
+#include "core/Forms.h"
+#include "editor/EditorDocument.h"
+#include "editor/EditorTiming.h"
+
+#include <QMainWindow>
+#include <QTimer>
+#include <map>
+
+class EditorDialogs;
+class LyricsList;
+class LyricsTableModel;
+class PlayerCommands;
+class PlayerTransport;
+class QCheckBox;
+class QDoubleSpinBox;
+class QLabel;
+class QMenu;
+class QPlainTextEdit;
+class QPushButton;
+class SettingsStore;
+class TimeSpin;
+struct PlayerState;
+
+// The song that plays, as the editor's timing sees it.
+class PlayingSong final : public EditorSong {
+public:
+    explicit PlayingSong(const PlayerState& state) : m_state(state) {}
+    std::optional<double> Position() const override;
+    bool SongOpen() const override;
+    bool IsCurrentSong() const override;
+
+private:
+    const PlayerState& m_state;
+};
+
+class Editor final : public QMainWindow, public EditorForm {
+    Q_OBJECT
+public:
+    Editor(PlayerState& state, SettingsStore& store, FormProvider& forms, PlayerTransport& transport,
+           PlayerCommands& commands, EditorDialogs& dialogs);
+    ~Editor() override;
+
+    void Show() override;
+    void Hide() override { hide(); }
+    void Minimize() override { showMinimized(); }
+    void SetTopMost(bool flag) override;
+    void Unload() override;
+    void Open() override;
+
+    // A menu item or button by the key of its caption ("MenuSave", "MenuSplitText", ...).
+    void Command(const QString& key);
+    // "MenuFile", "MenuEdit", "MenuKaraoke", "MenuHelp".
+    QMenu* Menu(const QString& key) const;
+
+    // Stamps the selected row with the song's position less the reaction, and walks on.
+    void CaptureLine();
+    // A held correction of the selected row starts; the timer's ticks move it.
+    void CorrectUp();
+    void CorrectDown();
+    // The arrow keys of the time spin: 38 up, 40 down.
+    void GetKey(int keyCode);
+    // One repeat of the held key.
+    void CorrectionTick();
+    // The key is up: the correction stops and its row is selected again.
+    void EndCorrection();
+    // The selected rows move by the offset box's seconds.
+    void DoOff();
+    // The entries as text in the text box.
+    void fnMoveTime();
+    // The list anew from the document, the first row selected.
+    void FillEditorList();
+    // The status bar names the file the lyrics belong to.
+    void MeasureLab();
+
+    EditorDocument& Document() { return m_document; }
+    LyricsList& List() { return *m_list; }
+    QPlainTextEdit& LyricsBox() { return *m_lyrics; }
+    TimeSpin& CorrectBox() { return *m_correct; }
+    QDoubleSpinBox& OffsetBox() { return *m_offset; }
+    QCheckBox& BreakBox() { return *m_break; }
+    QTimer& CorrectTimer() { return m_correctTimer; }
+    QString StatusText() const;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    QString Text(const char* key) const;
+    void BuildWindow();
+    QWidget* BuildTimingBar();
+    void BuildMenus();
+    void BuildToolBar();
+    void ApplyLanguage();
+    void WatchKeys();
+
+    // The list's keys: timing, rows and the clipboard of rows.
+    bool ListKeyDown(QKeyEvent* event);
+    bool ListKeyUp(QKeyEvent* event);
+    bool StartCorrection(bool up);
+    void RowChosen();
+    void BreakClicked(bool checked);
+    void CorrectEdited(double seconds);
+    void ShowCorrect();
+    void ShowRowState(int row);
+
+    // Edit and Karaoke menu commands.
+    void MenuNew();
+    void SplitText();
+    void InsertRow();
+    void AddNewRow();
+    void DeleteRows();
+    void CopyRows();
+    void PasteRows();
+    void RemoveAll();
+    void EditMenuCommand(const QString& key);
+    void TextEdited(int row, const QString& text);
+    // The rows were added, removed or replaced: the list again, and the display when a song is open.
+    void RowsReplaced(int selectRow);
+    // The karaoke display takes the document while a song is open; after new rows it lays them out anew.
+    void ShowOnDisplay(bool newRows);
+
+    // File and Help menu commands.
+    void MenuSave();
+    void SaveIntoSong();
+    void MenuSaveAs();
+    void MenuUpdate();
+    void MenuFileOpen();
+    void MenuLyricsOpen();
+    void MenuLyricsImport();
+    void MenuTextOpen();
+    void MenuTextSave();
+    void MenuVersion();
+    void MenuTutorial();
+    struct ChosenText {
+        QString path;
+        QString text;
+    };
+    // A file the user chose and its text; nothing when the dialog was cancelled or the file refused.
+    std::optional<ChosenText> OpenedText(const char* titleKey, const char* filterKey, const QString& patterns,
+                                         qint64 limit);
+    // The document anew from the editor's arrays: the list, and the text box.
+    void EmptyDocument();
+    // What follows a load into the display: picture order, longest line, title and refit.
+    void FinishDisplayLoad();
+
+    PlayerState& m_state;
+    SettingsStore& m_store;
+    FormProvider& m_forms;
+    PlayerTransport& m_transport;
+    PlayerCommands& m_commands;
+    EditorDialogs& m_dialogs;
+    EditorDocument m_document;
+    PlayingSong m_song;
+    EditorTiming m_timing;
+
+    LyricsTableModel* m_model = nullptr;
+    LyricsList* m_list = nullptr;
+    QPlainTextEdit* m_lyrics = nullptr;
+    QLabel* m_lyricsHeading = nullptr;
+    TimeSpin* m_correct = nullptr;
+    QDoubleSpinBox* m_offset = nullptr;
+    QPushButton* m_doOff = nullptr;
+    QCheckBox* m_break = nullptr;
+    QPushButton* m_capture = nullptr;
+    QLabel* m_fileLabel = nullptr;
+    QLabel* m_countLabel = nullptr;
+    std::map<QString, QMenu*> m_menus;
+    std::map<QString, QAction*> m_actions;
+    QTimer m_correctTimer;
+    QTimer m_actionTimer;
+    QString m_actionTag;
+    bool m_filling = false;
+};

@@ -1,0 +1,47 @@
+#include "ui/editor/EditorDialogs.h"
+
+#include "ui/kit/Desktop.h"
+
+#include <QApplication>
+#include <QDesktopServices>
+#include <QFileDialog>
+#include <QMessageBox>
+#include <QUrl>
+
+namespace {
+
+const QString kTitle = QStringLiteral("Songweaver");
+
+} // namespace
+
+QString WidgetEditorDialogs::OpenFileName(const QString& title, const QString& filter)
+{
+    return QFileDialog::getOpenFileName(QApplication::activeWindow(), title, QString(), filter);
+}
+
+QString WidgetEditorDialogs::SaveFileName(const QString& title, const QString& suggested, const QString& filter)
+{
+    return QFileDialog::getSaveFileName(QApplication::activeWindow(), title, suggested, filter);
+}
+
+bool WidgetEditorDialogs::AskYesNo(const QString& text)
+{
+    return QMessageBox::question(QApplication::activeWindow(), kTitle, DisplayText(text), QMessageBox::Yes | QMessageBox::No)
+           == QMessageBox::Yes;
+}
+
+void WidgetEditorDialogs::Information(const QString& text)
+{
+    QMessageBox::information(QApplication::activeWindow(), kTitle, DisplayText(text));
+}
+
+void WidgetEditorDialogs::Critical(const QString& text)
+{
+    QMessageBox::critical(QApplication::activeWindow(), kTitle, DisplayText(text));
+}
+
+void WidgetEditorDialogs::Browse(const QString& address)
+{
+    const QUrl url = QUrl::fromUserInput(address);
+    QDesktopServices::openUrl(url);
+}

@@ -1,0 +1,211 @@
+// The editor's File and Help menus: lyrics, text and song files in and out, the lyrics tried
+// on the song that plays, and the pages of the maker's site.
+
+#include "core/Language.h"
+#include "core/SettingsStore.h"
+#include "core/Shell.h"
+#include "editor/EditorFiles.h"
+#include "editor/LyricsImport.h"
+#include "lyrics/LyricsBlock.h"
+#include "lyrics/LyricsLoader.h"
+#include "playback/PlayerCommands.h"
+#include "playback/PlayerState.h"
+#include "playback/PlayerTransport.h"
+#include "tags/LyricsEmbedding.h"
+#include "ui/editor/Editor.h"
+#include "ui/editor/EditorDialogs.h"
+#include "ui/editor/LyricsTable.h"
+#include "ui/editor/TimeSpin.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QFile>
+#include <QFileInfo>
+#include <QPlainTextEdit>
+#include <QSaveFile>
+
+namespace {
+
+const QString kTitlePrefix = QStringLiteral("SWV: ");
+const QString kVersionAddress = QStringLiteral("https://www.tonehaven.org/songweaver/version.php");
+const QString kTutorialAddress = QStringLiteral("https://www.tonehaven.org/songweaver/tutorial.html");
+
+// An address of the maker's site, which a setting may move.
+QString SiteAddress(const SettingsStore& store, const QString& key, const QString& fallback)
+{
+    const QString stored = store.RegReadString(key);
+    return stored.isEmpty() ? fallback : stored;
+}
+
+} // namespace
+
+std::optional<Editor::ChosenText> Editor::OpenedText(const char* titleKey, const char* filterKey,
+                                                     const QString& patterns, qint64 limit)
+{
+    const QString path = m_dialogs.OpenFileName(
+        kTitlePrefix + Text(titleKey), DialogFilter(m_state.Language.GetRawText(QString::fromLatin1(filterKey)), patterns));
+    if (path.isEmpty())
+        return std::nullopt;
+    if (FileTooLarge(path, limit)) {
+        m_dialogs.Critical(m_state.Language.GetText(QStringLiteral("ErrorFilesize")));
+        return std::nullopt;
+    }
+    return ChosenText{path, ReadTextFile(path, m_state.Language.IsPolish)};
+}
+
+void Editor::EmptyDocument()
+{
+    m_lyrics->clear();
+    m_filling = true;
+    m_break->setChecked(false);
+    m_filling = false;
+    m_timing.SetCorrect(0, 0);
+    ShowCorrect();
+}
+
+void Editor::FinishDisplayLoad()
+{
+    FinishShownLyrics(m_state.Lyrics, m_transport.LyricsEnvironmentOfSong());
+}
+
+void Editor::MenuSave()
+{
+    if (m_document.Count() == 0) {
+        m_dialogs.Information(m_state.Language.GetText(QStringLiteral("MsgSave")));
+        return;
+    }
+    if (m_state.EditorFile.isEmpty())
+        return;
+    // The save runs from the timer, once the menu is gone from the screen.
+    m_actionTag = QStringLiteral("SaveMP3");
+    m_actionTimer.start();
+}
+
+void Editor::SaveIntoSong()
+{
+    SaveMP3Host host;
+    host.MediaOpen = m_state.Session && !m_state.IsMidi;
+    host.MidiActive = m_state.IsMidi;
+    host.Polish = m_state.Language.IsPolish;
+    host.Text = [this](const char* key) { return m_state.Language.GetText(QString::fromLatin1(key)); };
+    host.Critical = [this](const QString& text) { m_dialogs.Critical(text); };
+    host.Information = [this](const QString& text) { m_dialogs.Information(text); };
+    bool busy = false;
+    host.WaitCursor = [&busy](bool on) {
+        if (on != busy)
+            on ? QApplication::setOverrideCursor(Qt::WaitCursor) : QApplication::restoreOverrideCursor();
+        busy = on;
+    };
+    host.Release = [this](const QString& path, const std::function<void()>& rewrite) {
+        m_transport.ReopenAround(path, rewrite);
+    };
+    SaveMP3(m_state.EditorFile, m_state.Lyrics.EditLyrics, m_state.Lyrics.EditPictures, host);
+    host.WaitCursor(false);
+}
+
+void Editor::MenuSaveAs()
+{
+    if (m_document.Count() == 0) {
+        m_dialogs.Information(m_state.Language.GetText(QStringLiteral("MsgSave")));
+        return;
+    }
+    const QString suggested = m_state.EditorFile.isEmpty() ? QString() : LyricsPathOf(m_state.EditorFile);
+    const QString chosen = m_dialogs.SaveFileName(kTitlePrefix + Text("DialogSaveLyrics"), suggested,
+                                                  DialogFilter(QStringLiteral("Lyrics files"), QStringLiteral("*.lrs")));
+    if (chosen.isEmpty())
+        return;
+    if (!SaveLrsFile(NameWithExtension(chosen, QStringLiteral("lrs")), m_state.Lyrics.EditLyrics,
+                     m_state.Lyrics.EditPictures))
+        m_dialogs.Critical(m_state.Language.GetText(QStringLiteral("ErrorWriteFile")));
+}
+
+void Editor::MenuUpdate()
+{
+    m_state.Lyrics.PlayLyrics = m_state.Lyrics.EditLyrics;
+    m_state.Lyrics.PlayPictures = m_state.Lyrics.EditPictures;
+    FinishDisplayLoad();
+    m_state.EditorFile = m_state.CurrentFile;
+    MeasureLab();
+    KaraokeForm* lyric = m_forms.Lyric();
+    if (m_state.KaraokeOpen && lyric) {
+        lyric->ChangeLyrics();
+        lyric->GetLastPos();
+    }
+}
+
+void Editor::MenuFileOpen()
+{
+    if (!m_commands.ChooseAndOpenFiles() || !m_state.SongOpen())
+        return;
+    EmptyDocument();
+    m_state.EditorFile = m_state.CurrentInfo ? m_state.CurrentInfo->Filename() : m_state.CurrentFile;
+    m_state.Lyrics.EditLyrics = m_state.Lyrics.PlayLyrics;
+    m_state.Lyrics.EditPictures = m_state.Lyrics.PlayPictures;
+    m_document.Copy({});
+    FillEditorList();
+}
+
+void Editor::MenuLyricsOpen()
+{
+    const auto chosen = OpenedText("DialogOpenLyrics", "FilterOpenLyrics", QStringLiteral("*.lrs"), kLyricsFileLimit);
+    const auto critical = [this](const QString& message) { m_dialogs.Critical(message); };
+    if (!chosen || !ParseEditorLyrics(m_state.Lyrics, chosen->text, critical))
+        return;
+    m_state.EditorFile = chosen->path;
+    ShowOnDisplay(true);
+    FillEditorList();
+}
+
+void Editor::MenuLyricsImport()
+{
+    const QString path = m_dialogs.OpenFileName(
+        kTitlePrefix + Text("DialogImportKaraoke"),
+        DialogFilter(m_state.Language.GetRawText(QStringLiteral("FilterImportKaraoke")),
+                     QStringLiteral("*.mp3;*.ogg;*.wav;*.kar;*.mid;")));
+    if (path.isEmpty())
+        return;
+    ImportLyrics(m_state.Lyrics, m_state.Midi, m_state.CurrentInfo.get(), path, m_state.Language.IsPolish);
+    EmptyDocument();
+    ShowOnDisplay(true);
+    FillEditorList();
+}
+
+void Editor::MenuTextOpen()
+{
+    if (const auto chosen = OpenedText("DialogOpenText", "FilterText", QStringLiteral("*.txt"), kTextFileLimit))
+        m_lyrics->setPlainText(chosen->text);
+}
+
+void Editor::MenuTextSave()
+{
+    const QString text = m_lyrics->toPlainText();
+    if (text.isEmpty()) {
+        m_dialogs.Information(m_state.Language.GetText(QStringLiteral("MsgSave")));
+        return;
+    }
+    // This title has always been the prefix alone: its key is not in the language tables.
+    const QString chosen = m_dialogs.SaveFileName(
+        QStringLiteral("SWV:") + Text("DialogSaveTezt"), DefaultTextName(m_state.EditorFile),
+        DialogFilter(m_state.Language.GetRawText(QStringLiteral("FilterText")), QStringLiteral("*.txt")));
+    if (chosen.isEmpty())
+        return;
+    if (!WriteTextFile(NameWithExtension(chosen, QStringLiteral("txt")), QString(text).replace(u'\n', QStringLiteral("\r\n"))))
+        m_dialogs.Critical(m_state.Language.GetText(QStringLiteral("ErrorWriteFile")));
+}
+
+void Editor::MenuVersion()
+{
+    const QString page = GetTempFolder() + QStringLiteral("swv-check.html");
+    QSaveFile file(page);
+    const QString version = QCoreApplication::applicationVersion();
+    const QByteArray html =
+        VersionCheckPage(SiteAddress(m_store, QStringLiteral("version address"), kVersionAddress), version).toUtf8();
+    if (!file.open(QIODevice::WriteOnly) || file.write(html) != html.size() || !file.commit())
+        return;
+    m_dialogs.Browse(page);
+}
+
+void Editor::MenuTutorial()
+{
+    m_dialogs.Browse(SiteAddress(m_store, QStringLiteral("tutorial address"), kTutorialAddress));
+}

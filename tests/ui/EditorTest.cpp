@@ -1,0 +1,498 @@
+// The lyrics editor on the offscreen platform as a singer meets it: words typed and split,
+// tapped in time while the song plays on the manual device, stamps corrected with held keys,
+// rows moved, copied and pasted, files opened within their limits, and the lyrics saved into
+// the song and played back.
+
+#include "SessionWindows.h"
+#include "core/WindowPosition.h"
+#include "editor/EditorFiles.h"
+#include "lyrics/LyricsBlock.h"
+#include "playback/PlayerCommands.h"
+#include "playback/PlayerState.h"
+#include "playback/PlayerTransport.h"
+#include "support/PlayerSetup.h"
+#include "ui/editor/Editor.h"
+#include "ui/editor/EditorDialogs.h"
+#include "ui/editor/LyricsTable.h"
+#include "ui/editor/TimeSpin.h"
+
+#include <QCheckBox>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPlainTextEdit>
+#include <QTemporaryDir>
+#include <QTest>
+#include <deque>
+#include <gtest/gtest.h>
+
+namespace {
+
+// Answers the editor's dialogs as a user would, from queues the test fills.
+class ScriptedDialogs final : public EditorDialogs {
+public:
+    QString OpenFileName(const QString& title, const QString& filter) override
+    {
+        titles << title;
+        filters << filter;
+        return Next();
+    }
+    QString SaveFileName(const QString& title, const QString& suggested, const QString& filter) override
+    {
+        titles << title;
+        filters << filter;
+        suggestions << suggested;
+        return Next();
+    }
+    bool AskYesNo(const QString& text) override
+    {
+        questions << text;
+        return yes;
+    }
+    void Information(const QString& text) override { messages << QStringLiteral("info: ") + text; }
+    void Critical(const QString& text) override { messages << QStringLiteral("critical: ") + text; }
+    void Browse(const QString& address) override { browsed << address; }
+
+    std::deque<QString> files;
+    bool yes = true;
+    QStringList titles, filters, suggestions, questions, messages, browsed;
+
+private:
+    QString Next()
+    {
+        if (files.empty())
+            return {};
+        QString file = files.front();
+        files.pop_front();
+        return file;
+    }
+};
+
+class EditorWindow : public testing::Test {
+protected:
+    EditorWindow()
+    {
+        LoadDefaults(state, windows.store);
+        device = &StartManualEngine(state);
+        song = WriteRampWav(dir.filePath(QStringLiteral("song.wav")), 10 * 48000);
+    }
+
+    // The editor as button 14 opens it.
+    Editor& OpenEditor()
+    {
+        editor = std::make_unique<Editor>(state, windows.store, windows, transport, commands, dialogs);
+        state.EditorOpen = true;
+        editor->Open();
+        return *editor;
+    }
+    void Play(double seconds) { PlayDecoded(*device, state, seconds); }
+    double Position() const { return state.Session->get_CurrentPosition(); }
+    void Split(const QString& text)
+    {
+        editor->LyricsBox().setPlainText(text);
+        editor->Command(QStringLiteral("MenuSplitText"));
+    }
+    void Key(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
+    {
+        QTest::keyClick(&editor->List(), Qt::Key(key), modifiers);
+    }
+    QString Cell(int row, int column) const
+    {
+        return editor->List().model()->index(row - 1, column).data().toString();
+    }
+    void Picture(const QString& name)
+    {
+        const QString folder = qEnvironmentVariable("SONGWEAVER_CAPTURE_DIR");
+        if (!folder.isEmpty())
+            editor->grab().save(folder + u'/' + name + QStringLiteral(".png"));
+    }
+
+    QTemporaryDir dir;
+    QString song;
+    PlayerState state;
+    ManualDevice* device = nullptr;
+    Journal journal;
+    SessionWindows windows{state, journal};
+    FakeSongList list{journal};
+    PlayerTransport transport{state, windows, list};
+    FakeTray tray;
+    FakeDialogs playerDialogs;
+    PlayerCommands commands{state, windows, transport, tray, playerDialogs};
+    ScriptedDialogs dialogs;
+    std::unique_ptr<Editor> editor;
+};
+
+} // namespace
+
+TEST_F(EditorWindow, TypedWordsAreSplitAndTappedInTimeWhileTheSongPlays)
+{
+    ASSERT_TRUE(transport.OpenSong(song, true));
+    OpenEditor();
+    EXPECT_EQ(editor->StatusText(), song) << "the song that plays is the editor's file";
+    Split(QStringLiteral("Amazing grace how sweet\r\nthe sound"));
+    ASSERT_EQ(editor->Document().Count(), 6);
+    EXPECT_EQ(Cell(1, 0), "0");
+    EXPECT_EQ(Cell(1, 1), "Amazing ");
+    EXPECT_EQ(Cell(4, 2), "break");
+    EXPECT_EQ(Cell(5, 2), "");
+    EXPECT_EQ(editor->Document().Entry(2).LineText, "Amazing grace how sweet ");
+    EXPECT_EQ(editor->List().SelectedRow(), 1);
+    Picture(QStringLiteral("editor-split"));
+
+    std::vector<double> tapped;
+    for (int row = 1; row <= 6; ++row) {
+        Play(0.4);
+        tapped.push_back(Position());
+        Key(row % 2 ? Qt::Key_Space : Qt::Key_QuoteLeft);
+        EXPECT_EQ(editor->List().SelectedRow(), std::min(row + 1, 6)) << "the selection walks on, and stays on the last";
+    }
+    for (int row = 1; row <= 6; ++row) {
+        EXPECT_DOUBLE_EQ(editor->Document().Entry(row).Time, tapped[size_t(row - 1)] - kReactionSeconds) << row;
+        EXPECT_DOUBLE_EQ(state.Lyrics.PlayLyrics[size_t(row)].Time, tapped[size_t(row - 1)] - kReactionSeconds)
+            << "the karaoke display follows each tap at once";
+    }
+    EXPECT_EQ(Cell(3, 0), editor->Document().TimeText(3));
+    EXPECT_DOUBLE_EQ(editor->CorrectBox().value(), std::round((tapped[5] - kReactionSeconds) * 1000) / 1000);
+
+    // A second tap on the last row writes over its time.
+    Play(0.5);
+    const double later = Position();
+    editor->CaptureLine();
+    EXPECT_DOUBLE_EQ(editor->Document().Entry(6).Time, later - kReactionSeconds);
+    EXPECT_EQ(editor->List().SelectedRow(), 6);
+    Picture(QStringLiteral("editor-tapped"));
+
+    // The key left of 1 taps from the text box too; with nothing playing nothing is stamped.
+    editor->List().SelectRow(2);
+    transport.StopSong();
+    transport.CloseSong();
+    const double before = editor->Document().Entry(2).Time;
+    QTest::keyClick(&editor->LyricsBox(), Qt::Key_QuoteLeft);
+    EXPECT_DOUBLE_EQ(editor->Document().Entry(2).Time, before);
+    EXPECT_EQ(editor->List().SelectedRow(), 2);
+}
+
+TEST_F(EditorWindow, AHeldPlusKeyCorrectsByGrowingStepsAndMinusStopsAtZero)
+{
+    OpenEditor();
+    Split(QStringLiteral("one two three"));
+    // The test is the key repeat: the timer's own ticks would race it.
+    editor->CorrectTimer().setInterval(3600 * 1000);
+    editor->List().setFocus();
+
+    editor->List().SelectRow(2);
+    QTest::keyPress(&editor->List(), Qt::Key_Minus, Qt::KeypadModifier);
+    EXPECT_FALSE(editor->CorrectTimer().isActive()) << "a time at 0 is not pushed below it";
+
+    QTest::keyPress(&editor->List(), Qt::Key_Plus, Qt::KeypadModifier);
+    ASSERT_TRUE(editor->CorrectTimer().isActive());
+    EXPECT_EQ(editor->List().SelectedRow(), 0) << "the row is let go while it is corrected";
+    for (int tick = 0; tick < 25; ++tick)
+        editor->CorrectionTick();
+    QTest::keyRelease(&editor->List(), Qt::Key_Plus, Qt::KeypadModifier);
+    EXPECT_FALSE(editor->CorrectTimer().isActive());
+    EXPECT_EQ(editor->List().SelectedRow(), 2) << "and selected again when the key is up";
+    EXPECT_NEAR(editor->Document().Entry(2).Time, 9 * 0.001 + 0.1 + 9 * 0.01 + 6 * 0.1, 1e-9);
+    EXPECT_EQ(Cell(2, 0), "00:00,799");
+    EXPECT_EQ(editor->CorrectBox().text(), "00:00,799");
+    EXPECT_EQ(editor->Document().Entry(1).Time, 0) << "no other row moved";
+
+    // Down from there, then a time typed into the spin in its other forms.
+    QTest::keyPress(&editor->List(), Qt::Key_Minus, Qt::KeypadModifier);
+    editor->CorrectionTick();
+    QTest::keyRelease(&editor->List(), Qt::Key_Minus, Qt::KeypadModifier);
+    EXPECT_NEAR(editor->Document().Entry(2).Time, 0.798, 1e-9);
+    editor->CorrectBox().findChild<QLineEdit*>()->selectAll();
+    QTest::keyClicks(&editor->CorrectBox(), QStringLiteral("01:02.5"));
+    QTest::keyClick(&editor->CorrectBox(), Qt::Key_Return);
+    EXPECT_DOUBLE_EQ(editor->Document().Entry(2).Time, 62.5);
+    EXPECT_EQ(Cell(2, 0), "01:02,500");
+}
+
+TEST_F(EditorWindow, OffsetsBreaksCopiesAndPastesWorkOnTheSelectedRows)
+{
+    OpenEditor();
+    Split(QStringLiteral("a b\r\nc d"));
+    for (int row = 1; row <= 4; ++row)
+        editor->Document().SetTime(row, row);
+    editor->FillEditorList();
+
+    // Nothing selected: the offset changes nothing.
+    editor->List().ClearSelectionOnly();
+    editor->OffsetBox().setValue(1.5);
+    editor->DoOff();
+    EXPECT_EQ(editor->Document().Entry(2).Time, 2);
+
+    editor->List().selectionModel()->select(editor->List().model()->index(1, 0),
+                                            QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    editor->List().selectionModel()->select(editor->List().model()->index(3, 0),
+                                            QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    editor->DoOff();
+    EXPECT_EQ(editor->Document().Entry(1).Time, 1);
+    EXPECT_EQ(editor->Document().Entry(2).Time, 3.5);
+    EXPECT_EQ(editor->Document().Entry(3).Time, 3);
+    EXPECT_EQ(editor->Document().Entry(4).Time, 5.5);
+
+    // The line-end box on row 1 joins nothing and splits the first line.
+    editor->List().SelectRow(1);
+    editor->BreakBox().click();
+    EXPECT_TRUE(editor->Document().Entry(1).LineEnd);
+    EXPECT_EQ(Cell(1, 2), "break");
+    EXPECT_EQ(editor->Document().Entry(1).LineText, "a ");
+    EXPECT_EQ(editor->Document().Entry(2).LineText, "b ");
+
+    // Copy rows 3 and 4, paste them in front of row 2: texts and breaks, time 0.
+    editor->List().setFocus();
+    editor->List().SelectRow(3);
+    editor->List().selectionModel()->select(editor->List().model()->index(3, 0),
+                                            QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    Key(Qt::Key_C, Qt::ControlModifier);
+    editor->List().SelectRow(2);
+    Key(Qt::Key_V, Qt::ControlModifier);
+    ASSERT_EQ(editor->Document().Count(), 6);
+    EXPECT_EQ(Cell(2, 1), "c ");
+    EXPECT_EQ(Cell(3, 1), "d ");
+    EXPECT_EQ(Cell(3, 2), "break");
+    EXPECT_EQ(Cell(2, 0), "0");
+    EXPECT_EQ(Cell(4, 1), "b ");
+    EXPECT_EQ(editor->Document().Entry(2).LineText, "c d ") << "line texts are rebuilt after the paste";
+
+    // Insert, add new, delete and the edit in place.
+    editor->List().SelectRow(1);
+    Key(Qt::Key_Insert);
+    EXPECT_EQ(Cell(1, 1), "");
+    EXPECT_EQ(Cell(2, 1), "a ");
+    Key(Qt::Key_Delete);
+    EXPECT_EQ(Cell(1, 1), "a ");
+    Key(Qt::Key_F12);
+    EXPECT_EQ(editor->Document().Count(), 7);
+    EXPECT_EQ(editor->List().SelectedRow(), 7);
+    Key(Qt::Key_Return);
+    auto* box = editor->List().findChild<QLineEdit*>(QStringLiteral("lText"));
+    ASSERT_NE(box, nullptr);
+    QTest::keyClicks(box, QStringLiteral("end"));
+    QTest::keyClick(box, Qt::Key_Return);
+    QTRY_COMPARE(editor->Document().Entry(7).Text, "end");
+
+    // Merge gives the text back with its lines.
+    editor->Command(QStringLiteral("MenuMergeText"));
+    EXPECT_EQ(editor->LyricsBox().toPlainText(), "a \nc d \nb \nc d \nend");
+}
+
+TEST_F(EditorWindow, NewAnsweredNoKeepsTheDocumentAndYesEmptiesIt)
+{
+    OpenEditor();
+    Split(QStringLiteral("one two"));
+    dialogs.yes = false;
+    editor->Command(QStringLiteral("MenuNew"));
+    EXPECT_EQ(dialogs.questions, QStringList{"All data inside editor will be lost.\r\nContinue anyway?"});
+    EXPECT_EQ(editor->Document().Count(), 2);
+    EXPECT_EQ(editor->LyricsBox().toPlainText(), "one two");
+
+    dialogs.yes = true;
+    editor->Command(QStringLiteral("MenuNew"));
+    EXPECT_EQ(editor->Document().Count(), 0);
+    EXPECT_EQ(editor->LyricsBox().toPlainText(), "");
+    editor->Command(QStringLiteral("MenuNew"));
+    EXPECT_EQ(dialogs.questions.size(), 2) << "an empty editor is not asked about";
+
+    editor->Command(QStringLiteral("MenuSave"));
+    editor->Command(QStringLiteral("MenuSaveAs"));
+    editor->Command(QStringLiteral("MenuTextSave"));
+    EXPECT_EQ(dialogs.messages, QStringList(3, QStringLiteral("info: There is nothing to save.")));
+}
+
+TEST_F(EditorWindow, OpenedFilesAreHeldToTheirLimitsWithTheMessageOf600kB)
+{
+    OpenEditor();
+    // Texts of an exact size; a lyrics file is many syllables, its last one stretched to fit.
+    auto text = [this](const QString& name, const QByteArray& head, qint64 size) {
+        QByteArray bytes = head + QByteArray(size - head.size(), 'x');
+        WriteFileBytes(dir.filePath(name), bytes);
+        return dir.filePath(name);
+    };
+    auto lyrics = [this](const QString& name, qint64 size) {
+        const QByteArray head = "#Songweaver\r\n#ARTIST=A\r\n#TITLE=T\r\n";
+        // One syllable a line, as a long song has them.
+        const QByteArray tail = "\r\n#End Songweaver\r\n";
+        QByteArray bytes = head;
+        while (bytes.size() + 40 + tail.size() < size)
+            bytes += "[1.125]la \r\n";
+        bytes += "[2]" + QByteArray(size - bytes.size() - 3 - tail.size(), 'o') + tail;
+        WriteFileBytes(dir.filePath(name), bytes);
+        return dir.filePath(name);
+    };
+    dialogs.files = {lyrics("limit.lrs", 300000), lyrics("over.lrs", 300001), text("limit.txt", "words", 500000),
+                     text("over.txt", "other", 500001), text("mid.txt", "middle", 400000), lyrics("mid.lrs", 400000)};
+    ASSERT_EQ(QFileInfo(dir.filePath("limit.lrs")).size(), 300000);
+    ASSERT_EQ(QFileInfo(dir.filePath("over.lrs")).size(), 300001);
+
+    editor->Command(QStringLiteral("MenuLyricsOpen"));
+    const int rows = editor->Document().Count();
+    EXPECT_GT(rows, 10000);
+    EXPECT_EQ(editor->StatusText(), dir.filePath("limit.lrs"));
+    editor->Command(QStringLiteral("MenuLyricsOpen"));
+    editor->Command(QStringLiteral("MenuTextOpen"));
+    EXPECT_TRUE(editor->LyricsBox().toPlainText().startsWith("words"));
+    editor->Command(QStringLiteral("MenuTextOpen"));
+    EXPECT_TRUE(editor->LyricsBox().toPlainText().startsWith("words"));
+    editor->Command(QStringLiteral("MenuTextOpen"));
+    EXPECT_TRUE(editor->LyricsBox().toPlainText().startsWith("middle"));
+    editor->Command(QStringLiteral("MenuLyricsOpen"));
+    EXPECT_EQ(dialogs.messages, QStringList(3, QStringLiteral("critical: The file cannot be greater than 600 kB.")));
+    EXPECT_EQ(dialogs.titles.first(), "SWV: Open lyrics");
+    EXPECT_EQ(dialogs.filters.first(), "Lyrics files (*.lrs)");
+    EXPECT_EQ(dialogs.filters[2], "Text files (*.txt)");
+
+    // A cancelled dialog changes nothing; a damaged block leaves the document as it was.
+    editor->Command(QStringLiteral("MenuLyricsOpen"));
+    WriteFileBytes(dir.filePath("bad.lrs"), "#Songweaver\r\n#LAYOUT=2\r\n[1]la \r\n#End Songweaver\r\n");
+    dialogs.files = {dir.filePath("bad.lrs")};
+    dialogs.messages.clear();
+    editor->Command(QStringLiteral("MenuLyricsOpen"));
+    EXPECT_EQ(dialogs.messages, QStringList{"critical: Lyrics format doesn't seem to be valid."});
+    EXPECT_EQ(editor->Document().Count(), rows);
+    EXPECT_EQ(editor->StatusText(), dir.filePath("limit.lrs"));
+}
+
+TEST_F(EditorWindow, TextAndLyricsFilesAreSavedUnderTheNamesChosen)
+{
+    OpenEditor();
+    state.EditorFile = dir.filePath("song.mp3");
+    Split(QStringLiteral("la la\r\nlo"));
+    editor->Document().SetTime(1, 1.25);
+    editor->Document().SetTime(3, 61.5);
+
+    dialogs.files = {dir.filePath("words"), dir.filePath("words.text"), dir.filePath("timed")};
+    editor->Command(QStringLiteral("MenuTextSave"));
+    editor->Command(QStringLiteral("MenuTextSave"));
+    EXPECT_EQ(dialogs.titles[0], "SWV:") << "the save-text title has always been the prefix alone";
+    EXPECT_EQ(dialogs.suggestions[0], dir.filePath("song.txt"));
+    EXPECT_EQ(ReadFileBytes(dir.filePath("words.txt")), "la la\r\nlo\r\n");
+    EXPECT_TRUE(QFileInfo::exists(dir.filePath("words.text"))) << "a chosen extension stays";
+
+    editor->Command(QStringLiteral("MenuSaveAs"));
+    EXPECT_EQ(dialogs.titles[2], "SWV: Save lyrics");
+    const QByteArray saved = ReadFileBytes(dir.filePath("timed.lrs"));
+    EXPECT_TRUE(saved.startsWith("#Songweaver"));
+    EXPECT_TRUE(saved.contains("[1.25]la [0]la \r\n[61.5]lo")) << saved.toStdString();
+
+    // What was saved opens again as it was.
+    dialogs.files = {dir.filePath("timed.lrs")};
+    editor->Command(QStringLiteral("MenuLyricsOpen"));
+    ASSERT_EQ(editor->Document().Count(), 3);
+    EXPECT_DOUBLE_EQ(editor->Document().Entry(3).Time, 61.5);
+    EXPECT_TRUE(editor->Document().Entry(2).LineEnd);
+}
+
+TEST_F(EditorWindow, SavedIntoTheSongThatPlaysTheLyricsStayBeforeTheTagAndPlayBack)
+{
+    const QString mp3 = CopyFixture(MediaFixture("id3v1.mp3"), dir.path());
+    const QByteArray tag = ReadFileBytes(mp3).right(128);
+    ASSERT_TRUE(tag.startsWith("TAG"));
+    ASSERT_TRUE(transport.OpenSong(mp3, true));
+    Play(0.3);
+    OpenEditor();
+    Split(QStringLiteral("sing along"));
+    editor->CaptureLine();
+
+    editor->Command(QStringLiteral("MenuSave"));
+    QTRY_VERIFY(ReadFileBytes(mp3).contains("#End Songweaver"));
+    const QByteArray once = ReadFileBytes(mp3);
+    EXPECT_EQ(once.right(128), tag) << "the ID3v1 tag stays last, byte for byte";
+    EXPECT_NE(state.Session, nullptr) << "the song plays on after the save";
+    EXPECT_EQ(state.Session->GetState(), SongSession::Running);
+    EXPECT_TRUE(dialogs.messages.isEmpty()) << dialogs.messages.join(u'|').toStdString();
+
+    // Stamped and saved again: one block, not two.
+    Play(0.2);
+    editor->List().SelectRow(1);
+    editor->CaptureLine();
+    editor->Command(QStringLiteral("MenuSave"));
+    QTRY_VERIFY(ReadFileBytes(mp3) != once);
+    EXPECT_EQ(ReadFileBytes(mp3).count("#Songweaver"), 1);
+    EXPECT_EQ(ReadFileBytes(mp3).right(128), tag);
+
+    // The next time the song opens, its words come from the file, not from the editor.
+    editor->Command(QStringLiteral("MenuNew"));
+    transport.CloseSong();
+    state.Lyrics.PlayLyrics.assign(1, LyricItem{});
+    ASSERT_TRUE(transport.OpenSong(mp3, false));
+    ASSERT_EQ(state.Lyrics.PlayLyrics.size(), 3u);
+    EXPECT_EQ(state.Lyrics.PlayLyrics[1].Text, "sing ");
+}
+
+TEST_F(EditorWindow, SavedTwiceIntoAKarFileBothBlocksStay)
+{
+    const QString kar = CopyFixture(MediaFixture("song.kar"), dir.path());
+    ASSERT_TRUE(transport.OpenSong(kar, false));
+    OpenEditor();
+    ASSERT_EQ(editor->StatusText(), kar);
+    Split(QStringLiteral("first words"));
+    editor->Command(QStringLiteral("MenuSave"));
+    QTRY_COMPARE(ReadFileBytes(kar).count("#End Songweaver"), 1);
+    Split(QStringLiteral("second words"));
+    editor->Command(QStringLiteral("MenuSave"));
+    QTRY_COMPARE(ReadFileBytes(kar).count("#End Songweaver"), 2);
+    EXPECT_TRUE(ReadFileBytes(kar).startsWith("MThd")) << "the MIDI data is untouched";
+}
+
+TEST_F(EditorWindow, OpenedInMidSongItTakesTheSongsLyricsAndARowChosenSeeksThere)
+{
+    const QString lrs = dir.filePath("song.lrs");
+    WriteFileBytes(lrs, "#Songweaver\r\n#ARTIST=A\r\n#TITLE=T\r\n[1]one [4.5]two \r\n[7.25]three \r\n"
+                        "#End Songweaver\r\n");
+    ASSERT_TRUE(transport.OpenSong(song, true));
+    Play(0.5);
+    OpenEditor();
+    ASSERT_EQ(editor->Document().Count(), 3);
+    EXPECT_EQ(Cell(2, 0), "00:04,500");
+    EXPECT_EQ(editor->LyricsBox().toPlainText(), "one two \nthree ");
+
+    editor->List().SelectRow(2);
+    QTest::mouseClick(editor->List().viewport(), Qt::LeftButton, {},
+                      editor->List().visualRect(editor->List().model()->index(1, 1)).center());
+    EXPECT_NEAR(Position(), 4.5, 0.05);
+    EXPECT_DOUBLE_EQ(editor->CorrectBox().value(), 4.5);
+    Picture(QStringLiteral("editor-midsong"));
+
+    // Another song in the player: rows are no longer its own, and choosing one seeks nothing.
+    const QString other = WriteRampWav(dir.filePath("other.wav"), 48000 * 10);
+    ASSERT_TRUE(transport.OpenSong(other, true));
+    editor->List().SelectRow(3);
+    QTest::keyClick(&editor->List(), Qt::Key_Down);
+    EXPECT_LT(Position(), 1.0);
+}
+
+TEST_F(EditorWindow, TheMenusStandInTheirPlacesAndTheWindowKeepsItsSize)
+{
+    OpenEditor();
+    auto keys = [this](const char* menu) {
+        QStringList found;
+        for (QAction* action : editor->Menu(QString::fromLatin1(menu))->actions())
+            found << (action->isSeparator() ? QStringLiteral("-") : action->data().toString());
+        return found;
+    };
+    EXPECT_EQ(keys("MenuFile"), (QStringList{"MenuNew", "MenuFileOpen", "MenuLyricsOpen", "MenuLyricsImport", "-",
+                                             "MenuSave", "MenuSaveAs", "-", "MenuTextOpen", "MenuTextSave", "-",
+                                             "MenuPrint", "MenuUpdate", "-", "MenuExit"}));
+    EXPECT_EQ(keys("MenuEdit"), (QStringList{"MenuCut", "MenuCopy", "MenuPaste", "MenuDelete", "MenuSelectAll",
+                                             "MenuRemoveAll"}));
+    EXPECT_EQ(keys("MenuKaraoke"), (QStringList{"MenuDetails", "-", "MenuSplitText", "MenuMergeText", "-",
+                                                "MenuInsert", "MenuAddNew", "-", "MenuClear"}));
+    EXPECT_EQ(editor->List().model()->headerData(2, Qt::Horizontal).toString(), "Line break");
+
+    editor->resize(300, 200);
+    EXPECT_GE(editor->width(), 567);
+    EXPECT_GE(editor->height(), 320);
+    editor->move(40, 50);
+    editor->close();
+    EXPECT_FALSE(state.EditorOpen);
+    const auto kept = ReadWindowPosition(windows.store, QStringLiteral("editor position"));
+    ASSERT_TRUE(kept);
+    EXPECT_EQ(*kept, editor->geometry());
+
+    // Opened again, it stands where it was left.
+    editor->move(300, 300);
+    editor->Open();
+    EXPECT_EQ(editor->pos(), QPoint(40, 50));
+}
