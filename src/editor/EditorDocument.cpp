@@ -39,6 +39,10 @@ bool EditorDocument::Split(const QString& text)
         header.OutlineColor1 = header.OutlineColor2 = header.OutlineColor3 = header.OutlineColor4 = -1;
         header.Alignment = header.Layout = -1;
     }
+    // Rows the editor makes are the program's own timed syllables, lit one by one on the karaoke
+    // window as they are tapped; other sources light whole lines.
+    if (header.FormatName.isEmpty())
+        header.FormatName = QStringLiteral("Songweaver (editor)");
     Entries().assign(1, header);
     static const QRegularExpression lineBreak(QStringLiteral("\r\n|\n|\r"));
     for (const QString& line : text.split(lineBreak)) {

@@ -8,10 +8,14 @@
 #include "playback/PlayerTransport.h"
 #include "support/FakeForms.h"
 #include "support/PlayerSetup.h"
+#include "ui/editor/Editor.h"
+#include "ui/editor/LyricsTable.h"
 #include "ui/karaoke/LyricWindow.h"
 #include "ui/player/PlayerWindow.h"
 
+#include <QPlainTextEdit>
 #include <QTemporaryDir>
+#include <QTest>
 #include <chrono>
 #include <gtest/gtest.h>
 #include <thread>
@@ -151,4 +155,43 @@ TEST_F(Evening, ALoadIsNeverNestedInAnother)
     EXPECT_FALSE(nested);
     EXPECT_NE(state.CurrentFile, second);
     EXPECT_TRUE(withMessages.OpenSong(second, false)) << "once the load is over the next one runs";
+}
+
+TEST_F(Evening, WordsTappedInTheEditorLightOnTheKaraokeWindowAndPlayBackAfterTheSave)
+{
+    // A song without lyrics plays; the editor comes up on it and the words are split.
+    const QString song = WriteRampWav(dir.filePath("untimed.wav"), kRate * 6, kRate);
+    transport.OpenFromCommandLine(song);
+    commands.ButtonAction(14);
+    Editor& editor = *windows.EditorWidget();
+    ASSERT_TRUE(editor.isVisible());
+    editor.LyricsBox().setPlainText(QStringLiteral("Here we go\r\nsing it now"));
+    editor.Command(QStringLiteral("MenuSplitText"));
+    Play(0.5);
+    EXPECT_TRUE(lit.empty()) << "rows without a time are not sung";
+
+    // Each tap lights its syllable within a tick, the reaction taken off.
+    for (int row = 1; row <= 6; ++row) {
+        Play(0.3);
+        QTest::keyClick(&editor.List(), Qt::Key_Space);
+        Play(0.02);
+        ASSERT_EQ(lit.size(), size_t(row)) << "tap " << row;
+        EXPECT_EQ(lit.back().index, row);
+    }
+
+    // Saved into the song (a WAV keeps the block at its end), closed, and played again.
+    editor.Command(QStringLiteral("MenuSave"));
+    QTRY_VERIFY(ReadFileBytes(song).contains("#End Songweaver"));
+    const std::vector<LyricItem> tapped = state.Lyrics.EditLyrics;
+    commands.ButtonAction(14);
+    EXPECT_FALSE(state.EditorOpen);
+    transport.CloseSong();
+    lit.clear();
+    transport.OpenFromCommandLine(song);
+    Play(3.0);
+    ASSERT_EQ(lit.size(), 6u);
+    for (size_t i = 0; i < 6; ++i) {
+        EXPECT_EQ(lit[i].index, int(i + 1));
+        EXPECT_NEAR(lit[i].position, tapped[i + 1].Time, 0.021) << "syllable " << i + 1;
+    }
 }

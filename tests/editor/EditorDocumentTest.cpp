@@ -29,6 +29,7 @@ TEST(EditorDocument, SplitMakesAWordARowAndMergeGivesTheLinesBack)
     EXPECT_EQ(Texts(document), (QStringList{"Twinkle ", "twinkle ", "little ", "star |", "How ", "I ", "wonder |",
                                             "what ", "you ", "are |"}));
     EXPECT_EQ(document.TimeText(1), "0");
+    EXPECT_EQ(lyrics.EditLyrics[0].FormatName, "Songweaver (editor)") << "syllables light one by one";
     EXPECT_EQ(document.Entry(2).LineText, "Twinkle twinkle little star ");
     EXPECT_EQ(document.Entry(5).LineText, "How I wonder ");
     EXPECT_EQ(document.Merge(), "Twinkle twinkle little star \r\nHow I wonder \r\nwhat you are \r\n");

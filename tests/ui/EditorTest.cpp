@@ -496,3 +496,19 @@ TEST_F(EditorWindow, TheMenusStandInTheirPlacesAndTheWindowKeepsItsSize)
     editor->Open();
     EXPECT_EQ(editor->pos(), QPoint(40, 50));
 }
+
+TEST_F(EditorWindow, TheVersionCheckIsAPageThatPostsTheVersionToTheAddressOfTheSettings)
+{
+    OpenEditor();
+    QCoreApplication::setApplicationVersion(QStringLiteral("2.5.1"));
+    windows.store.RegWriteString(QStringLiteral("version address"), QStringLiteral("https://example.org/version.php"));
+    editor->Command(QStringLiteral("MenuVersion"));
+    ASSERT_EQ(dialogs.browsed.size(), 1);
+    EXPECT_TRUE(dialogs.browsed[0].endsWith("/swv-check.html"));
+    const QByteArray page = ReadFileBytes(dialogs.browsed[0]);
+    EXPECT_TRUE(page.startsWith("<form name=go method=post action=https://example.org/version.php>\r\n"
+                                "<input type=hidden name=board value=2.5.1>\r\n</form>\r\n"));
+    EXPECT_TRUE(page.contains("document.go.submit();"));
+    QFile::remove(dialogs.browsed[0]);
+    QCoreApplication::setApplicationVersion(QString());
+}

@@ -194,12 +194,18 @@ void Editor::BuildWindow()
         this);
     m_model->TextEdited = [this](int row, const QString& text) { TextEdited(row, text); };
     m_list->setModel(m_model);
-    m_list->horizontalHeader()->setSectionResizeMode(LyricsTableModel::TimeColumn, QHeaderView::ResizeToContents);
+    // The time column is as wide as a stamp from the start, so the taps do not make it jump.
+    const QFontMetrics metrics(m_list->font());
+    m_list->horizontalHeader()->setSectionResizeMode(LyricsTableModel::TimeColumn, QHeaderView::Fixed);
+    m_list->horizontalHeader()->resizeSection(LyricsTableModel::TimeColumn,
+                                              metrics.horizontalAdvance(QStringLiteral("- 00:00,000")) + 16);
+    m_list->verticalHeader()->setDefaultSectionSize(metrics.height() + 8);
     m_list->horizontalHeader()->setSectionResizeMode(LyricsTableModel::TextColumn, QHeaderView::Stretch);
-    m_list->horizontalHeader()->setSectionResizeMode(LyricsTableModel::BreakColumn, QHeaderView::ResizeToContents);
+    m_list->horizontalHeader()->setSectionResizeMode(LyricsTableModel::BreakColumn, QHeaderView::Fixed);
     m_list->KeyDown = [this](QKeyEvent* event) { return ListKeyDown(event); };
     m_list->KeyUp = [this](QKeyEvent* event) { return ListKeyUp(event); };
     m_list->RowChosen = [this] { RowChosen(); };
+    connect(m_list->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] { ShowRowCount(); });
     listLayout->addWidget(m_list, 1);
     listLayout->addWidget(BuildTimingBar());
 
@@ -229,6 +235,8 @@ void Editor::BuildWindow()
     m_fileLabel = new QLabel(this);
     m_fileLabel->setObjectName(QStringLiteral("Status1"));
     m_countLabel = new QLabel(this);
+    m_fileLabel->setContentsMargins(6, 0, 0, 0);
+    m_countLabel->setContentsMargins(0, 0, 6, 0);
     statusBar()->addWidget(m_fileLabel, 1);
     statusBar()->addPermanentWidget(m_countLabel);
 }
@@ -367,6 +375,9 @@ void Editor::ApplyLanguage()
     m_capture->setText(Text("Capture"));
     m_capture->setToolTip(QStringLiteral("Space, `"));
     m_model->HeadersChanged();
+    const QFontMetrics metrics(m_list->horizontalHeader()->font());
+    m_list->horizontalHeader()->resizeSection(LyricsTableModel::BreakColumn,
+                                              metrics.horizontalAdvance(Text("LineBreak")) + 24);
 }
 
 // The key left of 1 stamps wherever the focus is.
@@ -454,7 +465,13 @@ void Editor::closeEvent(QCloseEvent* event)
 void Editor::MeasureLab()
 {
     m_fileLabel->setText(m_state.EditorFile);
-    m_countLabel->setText(m_document.Count() > 0 ? QString::number(m_document.Count()) : QString());
+    ShowRowCount();
+}
+
+void Editor::ShowRowCount()
+{
+    const int count = m_document.Count();
+    m_countLabel->setText(count > 0 ? QStringLiteral("%1 / %2").arg(m_list->SelectedRow()).arg(count) : QString());
 }
 
 // ---- Commands by key ----------------------------------------------------------------------------
@@ -595,11 +612,11 @@ void Editor::ShowOnDisplay(bool newRows)
     if (!newRows || !m_state.SongOpen())
         return;
     FinishShownLyrics(m_state.Lyrics, m_transport.LyricsEnvironmentOfSong());
+    // From the first row again: the tick catches up with stamped rows and waits at an untimed
+    // one, where a jump to the position would take every row at 0 as sung.
     KaraokeForm* lyric = m_forms.Lyric();
-    if (m_state.KaraokeOpen && lyric) {
+    if (m_state.KaraokeOpen && lyric)
         lyric->ChangeLyrics();
-        lyric->GetLastPos();
-    }
 }
 
 void Editor::ShowRowState(int row)

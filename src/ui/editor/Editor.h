@@ -109,6 +109,8 @@ private:
     void CorrectEdited(double seconds);
     void ShowCorrect();
     void ShowRowState(int row);
+    // The second panel: the selected row of how many.
+    void ShowRowCount();
 
     // Edit and Karaoke menu commands.
     void MenuNew();

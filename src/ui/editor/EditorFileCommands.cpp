@@ -126,11 +126,8 @@ void Editor::MenuUpdate()
     FinishDisplayLoad();
     m_state.EditorFile = m_state.CurrentFile;
     MeasureLab();
-    KaraokeForm* lyric = m_forms.Lyric();
-    if (m_state.KaraokeOpen && lyric) {
+    if (KaraokeForm* lyric = m_forms.Lyric(); lyric && m_state.KaraokeOpen)
         lyric->ChangeLyrics();
-        lyric->GetLastPos();
-    }
 }
 
 void Editor::MenuFileOpen()
