@@ -360,7 +360,9 @@ void Editor::BuildToolBar()
 
 void Editor::ApplyLanguage()
 {
-    setWindowTitle(Text("EditorCaption"));
+    // The shipped tables' caption row has never been read ("=>"); the window keeps its own then.
+    const QString caption = Text("EditorCaption");
+    setWindowTitle(caption.isEmpty() ? QStringLiteral("SWV Editor") : caption);
     for (auto& [name, menu] : m_menus)
         menu->setTitle(Text(name.toLatin1().constData()));
     for (auto& [key, action] : m_actions)

@@ -14,13 +14,9 @@
 #include "tags/LyricsEmbedding.h"
 #include "ui/editor/Editor.h"
 #include "ui/editor/EditorDialogs.h"
-#include "ui/editor/LyricsTable.h"
-#include "ui/editor/TimeSpin.h"
 
 #include <QApplication>
 #include <QCheckBox>
-#include <QFile>
-#include <QFileInfo>
 #include <QPlainTextEdit>
 #include <QSaveFile>
 
