@@ -54,6 +54,17 @@ bool IsKeypad(const QKeyEvent* event, int key)
 
 enum class Glyph { Play, Pause, Stop, Delete, Insert, AddNew };
 
+// Two rows and a plus, the plus where the new row goes.
+void PaintRowsAndPlus(QPainter& painter, QPointF rows, QPointF plus)
+{
+    painter.setPen(QPen(Palette::LitBlue, 1.6, Qt::SolidLine, Qt::RoundCap));
+    painter.drawLine(rows, rows + QPointF(7, 0));
+    painter.drawLine(rows + QPointF(0, 2.5), rows + QPointF(7, 2.5));
+    painter.setPen(QPen(Palette::LitGreen, 2, Qt::SolidLine, Qt::RoundCap));
+    painter.drawLine(plus + QPointF(0, -3.5), plus + QPointF(0, 3.5));
+    painter.drawLine(plus + QPointF(-3.5, 0), plus + QPointF(3.5, 0));
+}
+
 void PaintGlyph(QPainter& painter, Glyph glyph)
 {
     painter.setRenderHint(QPainter::Antialiasing);
@@ -85,20 +96,10 @@ void PaintGlyph(QPainter& painter, Glyph glyph)
         painter.drawLine(QPointF(12, 4), QPointF(4, 12));
         break;
     case Glyph::Insert:
-        painter.setPen(QPen(Palette::LitBlue, 1.6, Qt::SolidLine, Qt::RoundCap));
-        painter.drawLine(QPointF(7, 11.5), QPointF(14, 11.5));
-        painter.drawLine(QPointF(7, 14), QPointF(14, 14));
-        painter.setPen(QPen(Palette::LitGreen, 2, Qt::SolidLine, Qt::RoundCap));
-        painter.drawLine(QPointF(5, 2), QPointF(5, 9));
-        painter.drawLine(QPointF(1.5, 5.5), QPointF(8.5, 5.5));
+        PaintRowsAndPlus(painter, QPointF(7, 11.5), QPointF(5, 5.5));
         break;
     case Glyph::AddNew:
-        painter.setPen(QPen(Palette::LitBlue, 1.6, Qt::SolidLine, Qt::RoundCap));
-        painter.drawLine(QPointF(2, 2.5), QPointF(9, 2.5));
-        painter.drawLine(QPointF(2, 5), QPointF(9, 5));
-        painter.setPen(QPen(Palette::LitGreen, 2, Qt::SolidLine, Qt::RoundCap));
-        painter.drawLine(QPointF(11, 7.5), QPointF(11, 14.5));
-        painter.drawLine(QPointF(7.5, 11), QPointF(14.5, 11));
+        PaintRowsAndPlus(painter, QPointF(2, 2.5), QPointF(11, 11));
         break;
     }
 }
