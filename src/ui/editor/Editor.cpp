@@ -238,6 +238,8 @@ void Editor::BuildWindow()
     m_countLabel = new QLabel(this);
     m_fileLabel->setContentsMargins(6, 0, 0, 0);
     m_countLabel->setContentsMargins(0, 0, 6, 0);
+    m_countLabel->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    m_countLabel->setMinimumWidth(m_countLabel->fontMetrics().horizontalAdvance(QStringLiteral("00000 / 00000")) + 12);
     statusBar()->addWidget(m_fileLabel, 1);
     statusBar()->addPermanentWidget(m_countLabel);
 }
