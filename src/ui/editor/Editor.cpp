@@ -530,8 +530,7 @@ void Editor::EditMenuCommand(const QString& key)
     if (focusWidget() != m_list)
         return;
     if (key == u"MenuCut") {
-        CopyRows();
-        DeleteRows();
+        CutRows();
     } else if (key == u"MenuCopy") {
         CopyRows();
     } else if (key == u"MenuPaste") {
@@ -572,8 +571,7 @@ bool Editor::ListKeyDown(QKeyEvent* event)
     } else if (ctrl && event->key() == Qt::Key_V) {
         PasteRows();
     } else if (ctrl && event->key() == Qt::Key_X) {
-        CopyRows();
-        DeleteRows();
+        CutRows();
     } else {
         return false;
     }
@@ -681,6 +679,15 @@ void Editor::DeleteRows()
     if (rows.empty())
         return;
     m_document.Delete(rows);
+    RowsReplaced(rows.front());
+}
+
+void Editor::CutRows()
+{
+    const std::vector<int> rows = m_list->SelectedRows();
+    if (rows.empty())
+        return;
+    m_document.Cut(rows);
     RowsReplaced(rows.front());
 }
 

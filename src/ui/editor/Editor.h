@@ -119,6 +119,7 @@ private:
     void AddNewRow();
     void DeleteRows();
     void CopyRows();
+    void CutRows();
     void PasteRows();
     void RemoveAll();
     void EditMenuCommand(const QString& key);
@@ -149,8 +150,8 @@ private:
                                          qint64 limit);
     // The document anew from the editor's arrays: the list, and the text box.
     void EmptyDocument();
-    // What follows a load into the display: picture order, longest line, title and refit.
-    void FinishDisplayLoad();
+    // The information box of a command with nothing to save.
+    void NothingToSave();
 
     PlayerState& m_state;
     SettingsStore& m_store;

@@ -59,15 +59,15 @@ void Editor::EmptyDocument()
     ShowCorrect();
 }
 
-void Editor::FinishDisplayLoad()
+void Editor::NothingToSave()
 {
-    FinishShownLyrics(m_state.Lyrics, m_transport.LyricsEnvironmentOfSong());
+    m_dialogs.Information(m_state.Language.GetText(QStringLiteral("MsgSave")));
 }
 
 void Editor::MenuSave()
 {
     if (m_document.Count() == 0) {
-        m_dialogs.Information(m_state.Language.GetText(QStringLiteral("MsgSave")));
+        NothingToSave();
         return;
     }
     if (m_state.EditorFile.isEmpty())
@@ -102,7 +102,7 @@ void Editor::SaveIntoSong()
 void Editor::MenuSaveAs()
 {
     if (m_document.Count() == 0) {
-        m_dialogs.Information(m_state.Language.GetText(QStringLiteral("MsgSave")));
+        NothingToSave();
         return;
     }
     const QString suggested = m_state.EditorFile.isEmpty() ? QString() : LyricsPathOf(m_state.EditorFile);
@@ -119,7 +119,7 @@ void Editor::MenuUpdate()
 {
     m_state.Lyrics.PlayLyrics = m_state.Lyrics.EditLyrics;
     m_state.Lyrics.PlayPictures = m_state.Lyrics.EditPictures;
-    FinishDisplayLoad();
+    FinishShownLyrics(m_state.Lyrics, m_transport.LyricsEnvironmentOfSong());
     m_state.EditorFile = m_state.CurrentFile;
     MeasureLab();
     if (KaraokeForm* lyric = m_forms.Lyric(); lyric && m_state.KaraokeOpen)
@@ -134,7 +134,7 @@ void Editor::MenuFileOpen()
     m_state.EditorFile = m_state.CurrentInfo ? m_state.CurrentInfo->Filename() : m_state.CurrentFile;
     m_state.Lyrics.EditLyrics = m_state.Lyrics.PlayLyrics;
     m_state.Lyrics.EditPictures = m_state.Lyrics.PlayPictures;
-    m_document.Copy({});
+    m_document.Copy({});  // the rows kept for Paste belong to the old document
     FillEditorList();
 }
 
@@ -173,7 +173,7 @@ void Editor::MenuTextSave()
 {
     const QString text = m_lyrics->toPlainText();
     if (text.isEmpty()) {
-        m_dialogs.Information(m_state.Language.GetText(QStringLiteral("MsgSave")));
+        NothingToSave();
         return;
     }
     // This title has always been the prefix alone: its key is not in the language tables.
