@@ -87,8 +87,8 @@ public:
     double Now = 0;
 };
 
-// Plays the ticks from 0 to `until`, with the end-of-song timer the window would run, and hands
-// out a frame whenever `frameDue` says so.
+// Plays the ticks from 0 to `until`, with the end-of-song timer the window would run and the
+// frames of any transition due at each tick, and hands every tick to `atTick`.
 void RunTicks(KaraokeView& view, RenderClock& clock, double until, const std::function<void(double)>& atTick)
 {
     double timerStarted = -1;
@@ -98,9 +98,11 @@ void RunTicks(KaraokeView& view, RenderClock& clock, double until, const std::fu
         else if (timerStarted < 0)
             timerStarted = clock.Now;
     };
+    view.Clock = [&clock] { return clock.Now * 1000.0; };
     const long long ticks = std::llround(until / kTick);
     for (long long i = 0; i <= ticks; ++i) {
         clock.Now = double(i) * kTick;
+        view.StepTransition();
         double position = clock.Now;
         view.Timeline().IsPlaying(position);
         if (timerStarted >= 0 && clock.Now - timerStarted >= kLastTimerSeconds) {

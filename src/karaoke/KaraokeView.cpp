@@ -1,11 +1,13 @@
 #include "karaoke/KaraokeView.h"
 
 #include "core/Colors.h"
+#include "karaoke/PicturePlacing.h"
 
 #include <QFileInfo>
 #include <QFontMetrics>
 #include <QPainter>
 #include <algorithm>
+#include <chrono>
 
 namespace {
 
@@ -43,6 +45,9 @@ KaraokeView::KaraokeView(LyricsState& lyrics, ThemeClass& theme, const SongPosit
       m_timeline(lyrics, *this, song, [&theme] { return theme.LyricsOffset(); }),
       m_fontSize(theme.LyricsFontSize)
 {
+    Clock = [] {
+        return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now().time_since_epoch()).count();
+    };
     UpdateColors();
     SetPicture();
 }
@@ -359,9 +364,74 @@ void KaraokeView::ChangePic(int16_t picture)
     m_timedPictureName = file;
 }
 
-void KaraokeView::ShowPicture(int16_t)
+// The picture a tick has just loaded comes in through its transition: the record's effect, else
+// the settings' default; "None" or a name not in the table shows it at once.
+void KaraokeView::ShowPicture(int16_t picture)
 {
-    SetBackground(false);
+    if (!m_ready || m_timedPicture.isNull() || picture < 1 || size_t(picture) >= m_lyrics.PlayPictures.size())
+        return;
+    EndTransition();
+    const PictureItem& item = m_lyrics.PlayPictures[size_t(picture)];
+    const bool own = !item.Effect.isEmpty();
+    const auto effect = FindEffect(own ? item.Effect : m_theme.ImageEffect, own ? item.Detail : m_theme.EffectDetail);
+    const QRect before = m_timedRect;
+    QImage target = ComposeBackground(true);
+    const QRect area = before.united(m_timedRect).intersected(QRect(QPoint(0, 0), m_size));
+    if (!effect || area.isEmpty()) {
+        m_background = std::move(target);
+        Repaint();
+        return;
+    }
+    const TransitionPace pace = TransitionPace::For(*effect, area.size(), own ? item.Speed : m_theme.EffectSpeed);
+    m_transitionArea = QRect((QPointF(area.topLeft()) * m_dpr).toPoint(), (QSizeF(area.size()) * m_dpr).toSize())
+                           .intersected(m_background.rect());
+    // The areas are worked on pixel for pixel, whatever the screen's ratio.
+    QImage oldArea = m_background.copy(m_transitionArea);
+    QImage newArea = target.copy(m_transitionArea);
+    oldArea.setDevicePixelRatio(1.0);
+    newArea.setDevicePixelRatio(1.0);
+    m_transition.emplace(std::move(oldArea), std::move(newArea), *effect, pace, m_dpr);
+    m_transitionTarget = std::move(target);
+    m_transitionStart = Clock();
+    m_transitionProgress = -1;
+    if (TransitionTimer)
+        TransitionTimer(pace.FrameMs);
+    StepTransition();
+}
+
+void KaraokeView::StepTransition()
+{
+    if (!m_transition)
+        return;
+    const double elapsed = Clock() - m_transitionStart;
+    if (m_transition->Finished(elapsed)) {
+        // The last frame is the new background whole, so rounding leaves no old pixels.
+        m_background = m_transitionTarget;
+        EndTransition();
+        Repaint();
+        return;
+    }
+    const double progress = m_transition->Pace().ProgressAt(elapsed);
+    if (progress == m_transitionProgress)
+        return;
+    m_transitionProgress = progress;
+    const QImage& frame = m_transition->FrameAt(elapsed);
+    QPainter painter(&m_background);
+    painter.setCompositionMode(QPainter::CompositionMode_Source);
+    const QRectF device(m_transitionArea);
+    painter.drawImage(QRectF(device.topLeft() / m_dpr, device.size() / m_dpr), frame, QRectF(frame.rect()));
+    painter.end();
+    Repaint();
+}
+
+void KaraokeView::EndTransition()
+{
+    if (!m_transition)
+        return;
+    m_transition.reset();
+    m_transitionTarget = {};
+    if (TransitionTimer)
+        TransitionTimer(0);
 }
 
 void KaraokeView::DropPicture()
@@ -370,14 +440,12 @@ void KaraokeView::DropPicture()
     m_timedPictureName.clear();
 }
 
-void KaraokeView::SetBackground(bool useDefault)
+QImage KaraokeView::ComposeBackground(bool withTimedPicture)
 {
-    if (!m_ready)
-        return;
-    m_background = QImage(m_size * m_dpr, QImage::Format_ARGB32_Premultiplied);
-    m_background.setDevicePixelRatio(m_dpr);
-    m_background.fill(m_colors.BackColor);
-    QPainter painter(&m_background);
+    QImage background(m_size * m_dpr, QImage::Format_ARGB32_Premultiplied);
+    background.setDevicePixelRatio(m_dpr);
+    background.fill(m_colors.BackColor);
+    QPainter painter(&background);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     const QRectF client(QPointF(0, 0), QSizeF(m_size));
     if (!m_basePicture.isNull()) {
@@ -394,11 +462,21 @@ void KaraokeView::SetBackground(bool useDefault)
         }
         }
     }
-    if (!useDefault && !m_timedPicture.isNull()) {
-        const QSizeF fitted = QSizeF(m_timedPicture.size()).scaled(client.size(), Qt::KeepAspectRatio);
-        painter.drawImage(QRectF(client.center() - QPointF(fitted.width() / 2, fitted.height() / 2), fitted), m_timedPicture);
+    m_timedRect = {};
+    if (withTimedPicture && !m_timedPicture.isNull()) {
+        m_timedRect = PictureRect(m_lyrics.PlayLyrics[0], m_timedPicture.size(), m_size);
+        painter.drawImage(QRectF(m_timedRect), m_timedPicture);
+        DrawImageBorder(painter, m_timedRect, m_theme.ImageBorder);
     }
-    painter.end();
+    return background;
+}
+
+void KaraokeView::SetBackground(bool useDefault)
+{
+    if (!m_ready)
+        return;
+    EndTransition();
+    m_background = ComposeBackground(!useDefault);
     Repaint();
 }
 

@@ -7,9 +7,11 @@
 #include "karaoke/KaraokeTimeline.h"
 #include "karaoke/PageLayout.h"
 #include "karaoke/TextPainter.h"
+#include "karaoke/Transitions.h"
 
 #include <QImage>
 #include <functional>
+#include <optional>
 
 // The colours and alignment in force: the song's own values, else the settings.
 struct EffectiveColors {
@@ -29,6 +31,10 @@ public:
     // The window's hooks: the part of the frame that changed, and the end-of-song timer.
     std::function<void(const QRect&)> Changed;
     std::function<void(bool enabled)> LastTimerSwitch;
+    // A transition wants its frames stepped every so many milliseconds; 0 when it has ended.
+    std::function<void(double intervalMs)> TransitionTimer;
+    // Milliseconds on a steady clock; swtool sets its simulated one.
+    std::function<double()> Clock;
 
     void ChangeLyrics();
     void ClearLyrics();
@@ -47,6 +53,11 @@ public:
     // The window's own repaint: the page that stands, the title, or only the background from
     // 8 seconds after the last syllable.
     void Repaint();
+    // The frame of the running transition that is due now; the last one ends it.
+    void StepTransition();
+    bool TransitionRunning() const { return m_transition.has_value(); }
+    // Where the timed picture stands, empty without one.
+    QRect TimedPictureRect() const { return m_timedRect; }
 
     int FontSize() const { return m_fontSize; }
     QFont Font() const;
@@ -79,6 +90,8 @@ private:
     void Show(const QRect& rect);
     int FitWidth(const QString& text, int size) const;
     bool OwnFormat() const;
+    QImage ComposeBackground(bool withTimedPicture);
+    void EndTransition();
 
     LyricsState& m_lyrics;
     ThemeClass& m_theme;
@@ -102,6 +115,12 @@ private:
     QImage m_timedPicture;
     QString m_timedPictureName;
     QImage m_background;
+    QRect m_timedRect;  // where the background holds the timed picture
+    std::optional<Transition> m_transition;
+    QImage m_transitionTarget;
+    QRect m_transitionArea;  // in device pixels
+    double m_transitionStart = 0;
+    double m_transitionProgress = -1;
     QImage m_frame;
     Page m_page;
     Page m_shownPage;  // what the frame holds

@@ -5,6 +5,7 @@
 #include "ui/kit/KeyedMenu.h"
 
 #include <QContextMenuEvent>
+#include <algorithm>
 #include <QGuiApplication>
 #include <QMenu>
 #include <QPainter>
@@ -15,6 +16,9 @@ namespace {
 
 const QString kPositionKey = QStringLiteral("karaoke window position");
 constexpr int kLastTimerMs = 8000;
+// A transition's frames are due by its own pace, but never more often than the lyrics' tick:
+// a late timer skips to the frame of its moment, so the run keeps its length.
+constexpr double kShortestFrameMs = 10.0;
 const QSize kDefaultSize(800, 450);
 
 const std::vector<MenuItem> kMenu = {
@@ -46,6 +50,15 @@ LyricWindow::LyricWindow(CoreState& state, LyricsState& lyrics, SettingsStore& s
             m_lastTimer.start();
     };
     m_view.Changed = [this](const QRect& rect) { update(rect); };
+    m_transitionTimer.setTimerType(Qt::PreciseTimer);
+    connect(&m_transitionTimer, &QTimer::timeout, this, [this] { m_view.StepTransition(); });
+    m_view.TransitionTimer = [this](double intervalMs) {
+        if (intervalMs <= 0) {
+            m_transitionTimer.stop();
+            return;
+        }
+        m_transitionTimer.start(int(std::max(kShortestFrameMs, intervalMs)));
+    };
 
     if (const auto saved = ReadWindowPosition(m_store, kPositionKey))
         setGeometry(*saved);
@@ -80,6 +93,7 @@ void LyricWindow::Unload()
 {
     WriteWindowPosition(m_store, kPositionKey, isFullScreen() ? m_framedGeometry : geometry());
     m_lastTimer.stop();
+    m_transitionTimer.stop();
     hide();
 }
 

@@ -61,5 +61,6 @@ private:
     SettingsStore& m_store;
     KaraokeView m_view;
     QTimer m_lastTimer;
+    QTimer m_transitionTimer;
     QRect m_framedGeometry;
 };
