@@ -167,6 +167,43 @@ TEST(Swtool, RenderWritesTheKaraokeFrameAndRunsOfFrames)
     EXPECT_EQ(Swtool({"render", "/no/song.mp3", "--at", "1", "-o", still}, home.path()).exitCode, 1);
 }
 
+TEST(Swtool, RenderShowsATransitionHalfDoneInStillsAndVideoAlike)
+{
+    QTemporaryDir home;
+    auto solid = [&](const char* name, QSize size, Qt::GlobalColor colour) {
+        QImage image(size, QImage::Format_RGB32);
+        image.fill(colour);
+        image.save(home.filePath(QString::fromLatin1(name)));
+    };
+    solid("red.png", {200, 100}, Qt::red);
+    solid("blue.png", {100, 100}, Qt::blue);
+    const QString song = home.filePath("pictures.lrs");
+    WriteFileBytes(song, "#Songweaver\r\n#TITLE=Pictures\r\n#IMAGE=red.png%0\r\n#IMAGE=blue.png%2%Wipe Side%5%Left\r\n"
+                         "[1]One [1.5]two\r\n[6]three\r\n#End Songweaver\r\n");
+    auto render = [&](const char* at) {
+        const QString still = home.filePath(QStringLiteral("at-%1.png").arg(QLatin1String(at)));
+        const ToolRun run = Swtool({"render", song, "--at", at, "--size", "320x180", "-o", still}, home.path());
+        EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
+        return QImage(still).convertToFormat(QImage::Format_RGB32);
+    };
+    // The area is the whole 320 x 180 window: steps of 1 pixel every 9 ms, from the left.
+    const QImage before = render("1.9");
+    const QImage half = render("3.4");
+    const QImage after = render("5.5");
+    EXPECT_EQ(before.pixel(100, 20), qRgb(255, 0, 0));
+    EXPECT_EQ(half.pixel(100, 20), qRgb(0, 0, 255));
+    EXPECT_EQ(half.pixel(200, 20), qRgb(255, 0, 0));
+    EXPECT_EQ(after.pixel(200, 20), qRgb(0, 0, 255));
+    EXPECT_NE(after.pixel(300, 20), qRgb(255, 0, 0));
+
+    const QString frames = home.filePath("video");
+    const ToolRun video = Swtool({"render", song, "--video", frames, "--fps", "5", "--from", "3", "--to", "3.4",
+                                  "--size", "320x180"},
+                                 home.path());
+    EXPECT_EQ(video.exitCode, 0) << video.err.toStdString();
+    EXPECT_EQ(QImage(frames + "/00002.png").convertToFormat(QImage::Format_RGB32), half);
+}
+
 TEST(Swtool, TheDemoSongsLoadWithTheirLyrics)
 {
     QTemporaryDir home;
