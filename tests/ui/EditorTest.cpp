@@ -3,6 +3,7 @@
 // rows moved, copied and pasted, files opened within their limits, and the lyrics saved into
 // the song and played back.
 
+#include "ScriptedDialogs.h"
 #include "SessionWindows.h"
 #include "core/WindowPosition.h"
 #include "editor/EditorFiles.h"
@@ -26,46 +27,6 @@
 #include <gtest/gtest.h>
 
 namespace {
-
-// Answers the editor's dialogs as a user would, from queues the test fills.
-class ScriptedDialogs final : public EditorDialogs {
-public:
-    QString OpenFileName(const QString& title, const QString& filter) override
-    {
-        titles << title;
-        filters << filter;
-        return Next();
-    }
-    QString SaveFileName(const QString& title, const QString& suggested, const QString& filter) override
-    {
-        titles << title;
-        filters << filter;
-        suggestions << suggested;
-        return Next();
-    }
-    bool AskYesNo(const QString& text) override
-    {
-        questions << text;
-        return yes;
-    }
-    void Information(const QString& text) override { messages << QStringLiteral("info: ") + text; }
-    void Critical(const QString& text) override { messages << QStringLiteral("critical: ") + text; }
-    void Browse(const QString& address) override { browsed << address; }
-
-    std::deque<QString> files;
-    bool yes = true;
-    QStringList titles, filters, suggestions, questions, messages, browsed;
-
-private:
-    QString Next()
-    {
-        if (files.empty())
-            return {};
-        QString file = files.front();
-        files.pop_front();
-        return file;
-    }
-};
 
 class EditorWindow : public testing::Test {
 protected:

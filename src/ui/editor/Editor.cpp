@@ -2,10 +2,12 @@
 
 #include "core/SettingsStore.h"
 #include "core/WindowPosition.h"
+#include "editor/LyricsDetails.h"
 #include "lyrics/LyricsLoader.h"
 #include "playback/PlayerCommands.h"
 #include "playback/PlayerState.h"
 #include "playback/PlayerTransport.h"
+#include "ui/editor/DetailsDialog.h"
 #include "ui/editor/EditorDialogs.h"
 #include "ui/editor/LyricsTable.h"
 #include "ui/editor/TimeSpin.h"
@@ -15,6 +17,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QCloseEvent>
+#include <QFileInfo>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
@@ -271,6 +274,10 @@ QWidget* Editor::BuildTimingBar()
     m_doOff->setObjectName(QStringLiteral("DoOff"));
     connect(m_doOff, &QPushButton::clicked, this, [this] { DoOff(); });
 
+    m_details = new QPushButton(bar);
+    m_details->setObjectName(QStringLiteral("Detale"));
+    connect(m_details, &QPushButton::clicked, this, [this] { MenuDetails(); });
+
     m_capture = new QPushButton(bar);
     m_capture->setObjectName(QStringLiteral("Capture"));
     m_capture->setMinimumWidth(110);
@@ -286,6 +293,7 @@ QWidget* Editor::BuildTimingBar()
     layout->addWidget(m_offset);
     layout->addWidget(m_doOff);
     layout->addStretch(1);
+    layout->addWidget(m_details);
     layout->addWidget(m_capture);
     return bar;
 }
@@ -305,7 +313,7 @@ void Editor::BuildMenus()
         {"MenuEdit",
          {{"MenuCut"}, {"MenuCopy"}, {"MenuPaste"}, {"MenuDelete"}, {"MenuSelectAll"}, {"MenuRemoveAll"}}},
         {"MenuKaraoke",
-         {{"MenuDetails", false}, {nullptr}, {"MenuSplitText"}, {"MenuMergeText"}, {nullptr}, {"MenuInsert"},
+         {{"MenuDetails"}, {nullptr}, {"MenuSplitText"}, {"MenuMergeText"}, {nullptr}, {"MenuInsert"},
           {"MenuAddNew"}, {nullptr}, {"MenuClear"}}},
         {"MenuHelp", {{"MenuTutorial"}, {"MenuSupport", false}, {"MenuVersion"}, {nullptr}, {"MenuAbout", false}}},
     };
@@ -378,6 +386,7 @@ void Editor::ApplyLanguage()
     m_break->setText(Text("LineBreak"));
     m_doOff->setText(Text("Offset"));
     m_capture->setText(Text("Capture"));
+    m_details->setText(Text("Details"));
     m_capture->setToolTip(QStringLiteral("Space, `"));
     m_model->HeadersChanged();
     const QFontMetrics metrics(m_list->horizontalHeader()->font());
@@ -498,6 +507,7 @@ void Editor::Command(const QString& key)
         {QStringLiteral("MenuInsert"), &Editor::InsertRow},
         {QStringLiteral("MenuAddNew"), &Editor::AddNewRow},
         {QStringLiteral("MenuClear"), &Editor::RemoveAll},
+        {QStringLiteral("MenuDetails"), &Editor::MenuDetails},
         {QStringLiteral("MenuVersion"), &Editor::MenuVersion},
         {QStringLiteral("MenuTutorial"), &Editor::MenuTutorial},
     };
@@ -614,12 +624,21 @@ void Editor::ShowOnDisplay(bool newRows)
     m_timing.ShowOnDisplay();
     if (!newRows || !m_state.SongOpen())
         return;
+    ShowPicturesOnDisplay(m_state.Lyrics, QFileInfo(m_state.CurrentFile).absolutePath());
     FinishShownLyrics(m_state.Lyrics, m_transport.LyricsEnvironmentOfSong());
     // From the first row again: the tick catches up with stamped rows and waits at an untimed
     // one, where a jump to the position would take every row at 0 as sung.
     KaraokeForm* lyric = m_forms.Lyric();
     if (m_state.KaraokeOpen && lyric)
         lyric->ChangeLyrics();
+}
+
+void Editor::MenuDetails()
+{
+    const QString folder = m_state.EditorFile.isEmpty() ? QString() : QFileInfo(m_state.EditorFile).absolutePath();
+    DetailsDialog dialog(m_state.Lyrics, *m_state.Theme, m_state.Language, m_dialogs, folder, this);
+    if (dialog.exec() == QDialog::Accepted)
+        ShowOnDisplay(true);
 }
 
 void Editor::ShowRowState(int row)

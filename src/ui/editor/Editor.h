@@ -129,6 +129,9 @@ private:
     // The karaoke display takes the document while a song is open; after new rows it lays them out anew.
     void ShowOnDisplay(bool newRows);
 
+    // The details dialog on the document's header and pictures; what it sets shows at once.
+    void MenuDetails();
+
     // File and Help menu commands.
     void MenuSave();
     void SaveIntoSong();
@@ -171,6 +174,7 @@ private:
     QDoubleSpinBox* m_offset = nullptr;
     QPushButton* m_doOff = nullptr;
     QCheckBox* m_break = nullptr;
+    QPushButton* m_details = nullptr;
     QPushButton* m_capture = nullptr;
     QLabel* m_fileLabel = nullptr;
     QLabel* m_countLabel = nullptr;

@@ -3,6 +3,7 @@
 #include "ui/kit/Desktop.h"
 
 #include <QApplication>
+#include <QColorDialog>
 #include <QDesktopServices>
 #include <QFileDialog>
 #include <QMessageBox>
@@ -44,4 +45,12 @@ void WidgetEditorDialogs::Browse(const QString& address)
 {
     const QUrl url = QUrl::fromUserInput(address);
     QDesktopServices::openUrl(url);
+}
+
+std::optional<QColor> WidgetEditorDialogs::ChooseColor(const QColor& initial)
+{
+    const QColor colour = QColorDialog::getColor(initial, QApplication::activeWindow());
+    if (!colour.isValid())
+        return std::nullopt;
+    return colour;
 }

@@ -2,7 +2,9 @@
 // What the editor asks of the desktop: file dialogs, questions and messages, and the browser.
 // The window's tests answer them in place of a user.
 
+#include <QColor>
 #include <QString>
+#include <optional>
 
 class EditorDialogs {
 public:
@@ -16,6 +18,8 @@ public:
     virtual void Critical(const QString& text) = 0;
     // The page or file in the user's browser.
     virtual void Browse(const QString& address) = 0;
+    // The colour picked, nothing when the picker was cancelled.
+    virtual std::optional<QColor> ChooseColor(const QColor& initial) = 0;
 };
 
 // The desktop's dialogs, over the window that is active when they are asked for.
@@ -27,4 +31,5 @@ public:
     void Information(const QString& text) override;
     void Critical(const QString& text) override;
     void Browse(const QString& address) override;
+    std::optional<QColor> ChooseColor(const QColor& initial) override;
 };
