@@ -44,6 +44,7 @@ constexpr std::pair<const char*, int> kPicturePlaces[] = {{"DetailsTop", 1}, {"D
                                                           {"DetailsBottom", 2}};
 const QSize kSwatch(44, 18);
 const QSize kPreviewSize(192, 108);
+const QSize kMinimumSize(640, 520);
 
 QIcon Swatch(const QColor& colour)
 {
@@ -86,6 +87,7 @@ DetailsDialog::DetailsDialog(LyricsState& lyrics, const ThemeClass& theme, const
     setWindowTitle(Text("DetailsCaption"));
     setPalette(ControlsPalette());
     setModal(true);
+    setMinimumSize(kMinimumSize);
 
     EditPicture = [this](const PictureItem* row, const QImage& before) -> std::optional<PictureItem> {
         PictureDialog dialog(row, before, m_theme, m_language, m_dialogs, m_baseFolder, this);
@@ -338,6 +340,7 @@ void DetailsDialog::ShowPictures(int selectRow)
         m_pictures->addTopLevelItem(item);
     }
     m_pictures->resizeColumnToContents(0);
+    m_pictures->resizeColumnToContents(1);
     if (selectRow >= 1 && selectRow <= m_pictures->topLevelItemCount())
         m_pictures->setCurrentItem(m_pictures->topLevelItem(selectRow - 1));
     else
