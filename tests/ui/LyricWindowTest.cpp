@@ -6,6 +6,7 @@
 #include "core/WindowPosition.h"
 #include "ui/karaoke/LyricWindow.h"
 
+#include <QTemporaryDir>
 #include <QTest>
 #include <gtest/gtest.h>
 
@@ -115,4 +116,32 @@ TEST(LyricWindow, FullScreenReturnsToTheFramedPlaceWhichIsSavedOnUnload)
     const auto saved = ReadWindowPosition(w.settings.store, "karaoke window position");
     ASSERT_TRUE(saved.has_value());
     EXPECT_EQ(*saved, framed);
+}
+
+TEST(LyricWindow, ATimedPictureComesInOnTheWindowsOwnTimerWhileTheEventsFlow)
+{
+    Window w;
+    QTemporaryDir dir;
+    QImage picture(160, 90, QImage::Format_RGB32);
+    picture.fill(Qt::blue);
+    const QString file = dir.filePath(QStringLiteral("blue.png"));
+    ASSERT_TRUE(picture.save(file));
+    w.lyrics.PlayPictures = {PictureItem{}, {file, 1, QStringLiteral("Wipe Side"), QStringLiteral("Left"), 10}};
+    BuildPictureOrder(w.lyrics);
+    w.window->ChangeLyrics();
+    w.PlayTo(1.2);
+    ASSERT_TRUE(w.window->View().TransitionRunning());
+    const QImage first = w.window->View().Frame().copy();
+
+    // The window's timer steps it; the test's own events keep coming meanwhile.
+    int turns = 0;
+    EXPECT_TRUE(QTest::qWaitFor([&] {
+        ++turns;
+        return !w.window->View().TransitionRunning();
+    }, 5000));
+    EXPECT_GT(turns, 2);
+    const QImage last = w.window->View().Frame();
+    EXPECT_NE(first, last);
+    EXPECT_EQ(last.pixelColor(3, 3), QColor(Qt::blue)) << "the picture fills the window whole";
+    EXPECT_EQ(last.pixelColor(636, 356), QColor(Qt::blue));
 }
