@@ -24,22 +24,11 @@ std::array<int32_t, kDetailsColors> SettingColors(const ThemeClass& theme)
 DetailsChoice DetailsOf(const LyricItem& header, const std::vector<PictureItem>& pictures, const ThemeClass& theme)
 {
     DetailsChoice c;
-    c.Artist = header.Artist;
-    c.Title = header.Title;
-    c.Picture = header.Picture;
-    LyricItem copy = header;
-    const auto fields = HeaderColors(copy);
+    c.Header = header;
+    const auto fields = HeaderColors(c.Header);
     const auto settings = SettingColors(theme);
     for (int i = 0; i < kDetailsColors; ++i)
         c.Colors[size_t(i)] = *fields[size_t(i)] == -1 ? settings[size_t(i)] : *fields[size_t(i)];
-    c.Alignment = header.Alignment;
-    c.Layout = header.Layout;
-    c.ImageLayout = header.ImageLayout;
-    c.ImagePosition = header.ImagePosition;
-    c.ImageCustomX = header.ImageCustomX;
-    c.ImageCustomY = header.ImageCustomY;
-    c.ImageOffsetX = header.ImageOffsetX;
-    c.ImageOffsetY = header.ImageOffsetY;
     c.Pictures = pictures.empty() ? std::vector<PictureItem>(1) : pictures;
     return c;
 }
@@ -47,45 +36,40 @@ DetailsChoice DetailsOf(const LyricItem& header, const std::vector<PictureItem>&
 void AcceptDetails(const DetailsChoice& choice, const ThemeClass& theme, LyricItem& header,
                    std::vector<PictureItem>& pictures)
 {
+    const int16_t alignment = header.Alignment;
+    const int16_t layout = header.Layout;
+    header = choice.Header;
     const auto fields = HeaderColors(header);
     const auto settings = SettingColors(theme);
     for (int i = 0; i < kDetailsColors; ++i) {
         const int32_t chosen = choice.Colors[size_t(i)];
         *fields[size_t(i)] = chosen == settings[size_t(i)] ? -1 : chosen;
     }
-    if (choice.Alignment >= 0 && choice.Alignment <= 2)
-        header.Alignment = choice.Alignment;
-    if (choice.Layout >= 0 && choice.Layout <= 2)
-        header.Layout = choice.Layout;
-    header.Picture = choice.Picture;
-    header.Artist = choice.Artist;
-    header.Title = choice.Title;
-    header.ImageLayout = choice.ImageLayout;
-    header.ImagePosition = choice.ImagePosition;
-    header.ImageCustomX = choice.ImageCustomX;
-    header.ImageCustomY = choice.ImageCustomY;
-    header.ImageOffsetX = choice.ImageOffsetX;
-    header.ImageOffsetY = choice.ImageOffsetY;
+    if (header.Alignment < 0 || header.Alignment > 2)
+        header.Alignment = alignment;
+    if (header.Layout < 0 || header.Layout > 2)
+        header.Layout = layout;
     pictures = choice.Pictures.empty() ? std::vector<PictureItem>(1) : choice.Pictures;
 }
 
 void ClearDetails(DetailsChoice& choice, const ThemeClass& theme)
 {
-    choice.Artist.clear();
-    choice.Title.clear();
-    choice.Picture.clear();
+    choice.Header.Artist.clear();
+    choice.Header.Title.clear();
+    choice.Header.Picture.clear();
     choice.Pictures.assign(1, PictureItem{});
     choice.Colors = SettingColors(theme);
 }
 
 void DefaultImagePlacing(DetailsChoice& choice, const ThemeClass& theme)
 {
-    choice.ImageLayout = theme.ImageSize;
-    choice.ImagePosition = theme.ImageAlign;
-    choice.ImageCustomX = theme.ImageSizeX;
-    choice.ImageCustomY = theme.ImageSizeY;
-    choice.ImageOffsetX = theme.ImageOffsetX;
-    choice.ImageOffsetY = theme.ImageOffsetY;
+    LyricItem& h = choice.Header;
+    h.ImageLayout = theme.ImageSize;
+    h.ImagePosition = theme.ImageAlign;
+    h.ImageCustomX = theme.ImageSizeX;
+    h.ImageCustomY = theme.ImageSizeY;
+    h.ImageOffsetX = theme.ImageOffsetX;
+    h.ImageOffsetY = theme.ImageOffsetY;
 }
 
 QString PictureTimeText(int32_t seconds)

@@ -12,20 +12,11 @@ class ThemeClass;
 // 4, background.
 constexpr int kDetailsColors = 7;
 
+// The dialog's working copy: the header as opened, the colours as shown, the pictures as listed.
 struct DetailsChoice {
-    QString Artist;
-    QString Title;
-    QString Picture;
+    LyricItem Header;
     std::array<int32_t, kDetailsColors> Colors{};  // Win32 colour numbers, never -1
-    int16_t Alignment = -1;                         // the option that is set; -1 for none
-    int16_t Layout = -1;
-    int16_t ImageLayout = 1;
-    int16_t ImagePosition = 0;
-    int16_t ImageCustomX = 320;
-    int16_t ImageCustomY = 240;
-    int16_t ImageOffsetX = 0;
-    int16_t ImageOffsetY = 0;
-    std::vector<PictureItem> Pictures;  // the rows of the list, element 0 unused
+    std::vector<PictureItem> Pictures;              // the rows of the list, element 0 unused
 };
 
 // The settings' colours in the header's order.
@@ -35,7 +26,8 @@ std::array<int32_t, kDetailsColors> SettingColors(const ThemeClass& theme);
 DetailsChoice DetailsOf(const LyricItem& header, const std::vector<PictureItem>& pictures, const ThemeClass& theme);
 
 // Accepting: colours equal to the settings become -1, so they keep following the settings;
-// alignment and layout only when an option is set; then names, image placing and pictures.
+// alignment and layout change only when an option is set (the copy holds -1 otherwise); then
+// names, image placing and pictures.
 void AcceptDetails(const DetailsChoice& choice, const ThemeClass& theme, LyricItem& header,
                    std::vector<PictureItem>& pictures);
 

@@ -50,16 +50,16 @@ TEST(LyricsDetails, AcceptingWritesOptionsOnlyWhenSetAndEverythingElseAsChosen)
     header.LineText = QStringLiteral("kept");
     std::vector<PictureItem> pictures(1);
     DetailsChoice choice = DetailsOf(header, pictures, s.theme);
-    choice.Alignment = -1;  // no option set: the song keeps what it had
-    choice.Artist = QStringLiteral("Artist");
-    choice.Title = QStringLiteral("Title");
-    choice.Picture = QStringLiteral("back.jpg");
-    choice.ImageLayout = 2;
-    choice.ImagePosition = 1;
-    choice.ImageCustomX = 400;
-    choice.ImageCustomY = 300;
-    choice.ImageOffsetX = -5;
-    choice.ImageOffsetY = 7;
+    choice.Header.Alignment = -1;  // no option set: the song keeps what it had
+    choice.Header.Artist = QStringLiteral("Artist");
+    choice.Header.Title = QStringLiteral("Title");
+    choice.Header.Picture = QStringLiteral("back.jpg");
+    choice.Header.ImageLayout = 2;
+    choice.Header.ImagePosition = 1;
+    choice.Header.ImageCustomX = 400;
+    choice.Header.ImageCustomY = 300;
+    choice.Header.ImageOffsetX = -5;
+    choice.Header.ImageOffsetY = 7;
     choice.Pictures.push_back({QStringLiteral("a.png"), 12, QStringLiteral("Poker"), QStringLiteral("Vertical"), 4});
     AcceptDetails(choice, s.theme, header, pictures);
     EXPECT_EQ(header.Alignment, 2);
@@ -78,7 +78,7 @@ TEST(LyricsDetails, AcceptingWritesOptionsOnlyWhenSetAndEverythingElseAsChosen)
     EXPECT_EQ(pictures[1].File, "a.png");
     EXPECT_EQ(pictures[1].Speed, 4);
 
-    choice.Alignment = 0;
+    choice.Header.Alignment = 0;
     AcceptDetails(choice, s.theme, header, pictures);
     EXPECT_EQ(header.Alignment, 0);
 }
@@ -97,16 +97,16 @@ TEST(LyricsDetails, ClearEmptiesNamesAndPicturesAndTakesTheSettingsColours)
     std::vector<PictureItem> pictures(2);
     DetailsChoice choice = DetailsOf(header, pictures, s.theme);
     ClearDetails(choice, s.theme);
-    EXPECT_TRUE(choice.Artist.isEmpty());
+    EXPECT_TRUE(choice.Header.Artist.isEmpty());
     EXPECT_EQ(choice.Pictures.size(), 1u);
     EXPECT_EQ(choice.Colors, SettingColors(s.theme));
 
     DefaultImagePlacing(choice, s.theme);
-    EXPECT_EQ(choice.ImageLayout, 2);
-    EXPECT_EQ(choice.ImageCustomX, 640);
-    EXPECT_EQ(choice.ImageCustomY, 480);
-    EXPECT_EQ(choice.ImagePosition, 2);
-    EXPECT_EQ(choice.ImageOffsetX, 3);
+    EXPECT_EQ(choice.Header.ImageLayout, 2);
+    EXPECT_EQ(choice.Header.ImageCustomX, 640);
+    EXPECT_EQ(choice.Header.ImageCustomY, 480);
+    EXPECT_EQ(choice.Header.ImagePosition, 2);
+    EXPECT_EQ(choice.Header.ImageOffsetX, 3);
 }
 
 TEST(LyricsDetails, TimesReadAsMinutesAndSecondsAndTheAspectIsKept)

@@ -312,18 +312,18 @@ QWidget* DetailsDialog::BuildPlacing()
 void DetailsDialog::ShowChoice()
 {
     m_filling = true;
-    m_artist->setText(m_choice.Artist);
-    m_title->setText(m_choice.Title);
+    m_artist->setText(m_choice.Header.Artist);
+    m_title->setText(m_choice.Header.Title);
     for (int i = 0; i < kDetailsColors; ++i)
         m_colors[size_t(i)]->setIcon(Swatch(ShownColor(i)));
-    CheckOption(m_alignment, m_choice.Alignment);
-    m_picPath->setText(m_choice.Picture);
-    CheckOption(m_sizing, m_choice.ImageLayout);
-    CheckOption(m_position, m_choice.ImagePosition);
-    m_sizeX->setValue(m_choice.ImageCustomX);
-    m_sizeY->setValue(m_choice.ImageCustomY);
-    m_offsetX->setValue(m_choice.ImageOffsetX);
-    m_offsetY->setValue(m_choice.ImageOffsetY);
+    CheckOption(m_alignment, m_choice.Header.Alignment);
+    m_picPath->setText(m_choice.Header.Picture);
+    CheckOption(m_sizing, m_choice.Header.ImageLayout);
+    CheckOption(m_position, m_choice.Header.ImagePosition);
+    m_sizeX->setValue(m_choice.Header.ImageCustomX);
+    m_sizeY->setValue(m_choice.Header.ImageCustomY);
+    m_offsetX->setValue(m_choice.Header.ImageOffsetX);
+    m_offsetY->setValue(m_choice.Header.ImageOffsetY);
     m_filling = false;
     ShowPictures(1);
     ShowSizing();
@@ -361,26 +361,26 @@ QColor DetailsDialog::ShownColor(int index) const
 
 void DetailsDialog::ReadControls()
 {
-    m_choice.Artist = m_artist->text();
-    m_choice.Title = m_title->text();
-    m_choice.Picture = m_picPath->text();
-    m_choice.Alignment = int16_t(m_alignment->checkedId());
+    m_choice.Header.Artist = m_artist->text();
+    m_choice.Header.Title = m_title->text();
+    m_choice.Header.Picture = m_picPath->text();
+    m_choice.Header.Alignment = int16_t(m_alignment->checkedId());
     if (m_sizing->checkedId() > 0)
-        m_choice.ImageLayout = int16_t(m_sizing->checkedId());
+        m_choice.Header.ImageLayout = int16_t(m_sizing->checkedId());
     if (m_position->checkedId() >= 0)
-        m_choice.ImagePosition = int16_t(m_position->checkedId());
-    m_choice.ImageCustomX = int16_t(m_sizeX->value());
-    m_choice.ImageCustomY = int16_t(m_sizeY->value());
-    m_choice.ImageOffsetX = int16_t(m_offsetX->value());
-    m_choice.ImageOffsetY = int16_t(m_offsetY->value());
+        m_choice.Header.ImagePosition = int16_t(m_position->checkedId());
+    m_choice.Header.ImageCustomX = int16_t(m_sizeX->value());
+    m_choice.Header.ImageCustomY = int16_t(m_sizeY->value());
+    m_choice.Header.ImageOffsetX = int16_t(m_offsetX->value());
+    m_choice.Header.ImageOffsetY = int16_t(m_offsetY->value());
 }
 
 void DetailsDialog::SizeChanged(bool width, int value)
 {
     if (m_filling)
         return;
-    int16_t& changed = width ? m_choice.ImageCustomX : m_choice.ImageCustomY;
-    int16_t& other = width ? m_choice.ImageCustomY : m_choice.ImageCustomX;
+    int16_t& changed = width ? m_choice.Header.ImageCustomX : m_choice.Header.ImageCustomY;
+    int16_t& other = width ? m_choice.Header.ImageCustomY : m_choice.Header.ImageCustomX;
     if (m_aspect->isChecked()) {
         other = int16_t(std::clamp(KeptAspect(changed, value, other), 1, 32767));
         m_filling = true;
