@@ -2,6 +2,7 @@
 // it) to the karaoke display array holding the new time, and to the karaoke window's next
 // painted page, while a song plays on the null device's wall clock. Prints figures; judges nothing.
 
+#include "BenchKit.h"
 #include "app/AppState.h"
 #include "app/AppWindows.h"
 #include "audio/AudioEngine.h"
@@ -25,12 +26,6 @@
 #include <cstdio>
 
 namespace {
-
-class MemorySettings final : public SettingsStore {
-public:
-    QString RegReadString(const QString&) const override { return {}; }
-    void RegWriteString(const QString&, const QString&) override {}
-};
 
 class NoTray final : public TrayIcon {
 public:

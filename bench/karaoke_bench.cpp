@@ -2,6 +2,7 @@
 // the CPU share of a playing song with a syllable every 250 ms in a full-HD window on the null
 // device (BENCH_CPU_SECONDS, 30 by default). Prints figures; judges nothing.
 
+#include "BenchKit.h"
 #include "audio/AudioEngine.h"
 #include "audio/NullDevice.h"
 #include "core/SettingsStore.h"
@@ -23,19 +24,6 @@
 #include <vector>
 
 namespace {
-
-class MemorySettings final : public SettingsStore {
-public:
-    QString RegReadString(const QString&) const override { return {}; }
-    void RegWriteString(const QString&, const QString&) override {}
-};
-
-class FixedClock final : public SongPosition {
-public:
-    bool HasSong() const override { return true; }
-    double Position() const override { return now; }
-    double now = 0;
-};
 
 // Lines of eight syllables, one every 250 ms, with a second's rest between lines.
 std::vector<LyricItem> SyllableEvery250ms(double seconds)

@@ -2,6 +2,7 @@
 // longest the interface thread was ever kept from its events), and loading an auto-saved list of
 // 10,000 rows. Prints figures; judges nothing.
 
+#include "BenchKit.h"
 #include "app/AppState.h"
 #include "core/SettingsStore.h"
 #include "playback/PlayerTransport.h"
@@ -20,12 +21,6 @@
 #include <cstdlib>
 
 namespace {
-
-class MemorySettings final : public SettingsStore {
-public:
-    QString RegReadString(const QString&) const override { return {}; }
-    void RegWriteString(const QString&, const QString&) override {}
-};
 
 // The main window and the playlist window; no karaoke window is loaded.
 class Windows final : public FormProvider {

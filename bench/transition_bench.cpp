@@ -4,6 +4,7 @@
 // probe timer asking every millisecond; then the machine's own stalls for comparison. Prints
 // figures; judges nothing.
 
+#include "BenchKit.h"
 #include "core/SettingsStore.h"
 #include "core/ThemeClass.h"
 #include "karaoke/KaraokeView.h"
@@ -23,19 +24,6 @@
 namespace {
 
 const QSize kFullHd(1920, 1080);
-
-class MemorySettings final : public SettingsStore {
-public:
-    QString RegReadString(const QString&) const override { return {}; }
-    void RegWriteString(const QString&, const QString&) override {}
-};
-
-class FixedClock final : public SongPosition {
-public:
-    bool HasSong() const override { return true; }
-    double Position() const override { return now; }
-    double now = 0;
-};
 
 QImage Picture(QSize size, QColor a, QColor b)
 {
