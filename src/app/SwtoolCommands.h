@@ -1,10 +1,27 @@
 #pragma once
 // The commands of swtool that read songs and their files; each returns the exit code.
 
+#include "core/Language.h"
+#include "core/SettingsStore.h"
+#include "core/ThemeClass.h"
+#include "lyrics/LyricsLoader.h"
+#include "tags/MP3Class.h"
+
 #include <QStringList>
 
 struct LyricsState;
-struct LyricsEnvironment;
+
+// A song read as the player reads it: the user's settings and language, and the song's tags.
+struct PlayerReading {
+    explicit PlayerReading(const QString& file);
+    LyricsEnvironment Environment();
+
+    QSettingsStore store;
+    std::vector<MonitorRecord> monitors;
+    ThemeClass theme;
+    LanguageTable language;
+    MP3Class song;
+};
 
 // swtool lyrics FILE [--editor | --import] [--write OUT]
 int PrintLyrics(const QStringList& args);

@@ -68,19 +68,11 @@ int PrintMerge(const QStringList& args)
     const QString& path = args[0];
     if (!QFileInfo(path).isFile())
         return Refuse(QStringLiteral("File not found: %1").arg(path));
-    QSettingsStore store;
-    std::vector<MonitorRecord> monitors;
-    const ThemeClass theme(store, ThemeEnvironment::FromSystem(), monitors);
-    LanguageTable language;
-    language.LoadLanguage(store);
-    MP3Class song(language.IsPolish);
-    song.SetFilename(path);
-    song.ReadFile();
+    PlayerReading reading(path);
 
     // The editor takes the lyrics the player shows for the song.
     LyricsState lyrics;
-    if (const QString error = LoadPlayerLyrics(lyrics, path, {theme.LyricsFontFace(), language.IsPolish, &song, {}});
-        !error.isEmpty())
+    if (const QString error = LoadPlayerLyrics(lyrics, path, reading.Environment()); !error.isEmpty())
         return Refuse(error);
     lyrics.EditLyrics = lyrics.PlayLyrics;
     QTextStream(stdout) << EditorDocument(lyrics).Merge();

@@ -138,15 +138,8 @@ int PrintLyrics(const QStringList& args)
     if (!QFileInfo(options.file).isFile())
         return Fail(QStringLiteral("File not found: %1").arg(options.file));
 
-    QSettingsStore store;
-    std::vector<MonitorRecord> monitors;
-    const ThemeClass theme(store, ThemeEnvironment::FromSystem(), monitors);
-    LanguageTable language;
-    language.LoadLanguage(store);
-    MP3Class song(language.IsPolish);
-    song.SetFilename(options.file);
-    song.ReadFile();
-    const LyricsEnvironment env{theme.LyricsFontFace(), language.IsPolish, &song, {}};
+    PlayerReading reading(options.file);
+    const LyricsEnvironment env = reading.Environment();
 
     LyricsState lyrics;
     const std::vector<LyricItem>* document = &lyrics.PlayLyrics;
@@ -159,7 +152,7 @@ int PrintLyrics(const QStringList& args)
         pictures = &lyrics.EditPictures;
     } else if (options.import) {
         MidiFigures figures;
-        if (!ImportLyrics(lyrics, figures, &song, options.file, env.Polish))
+        if (!ImportLyrics(lyrics, figures, &reading.song, options.file, env.Polish))
             return 1;
         document = &lyrics.EditLyrics;
         pictures = &lyrics.EditPictures;
@@ -172,4 +165,26 @@ int PrintLyrics(const QStringList& args)
                                          && SaveLrsFile(options.writeTo, *document, *pictures)))
         return Fail(QStringLiteral("Cannot write %1").arg(options.writeTo));
     return 0;
+}
+
+namespace {
+
+bool LoadLanguageOf(LanguageTable& language, const SettingsStore& store)
+{
+    language.LoadLanguage(store);
+    return language.IsPolish;
+}
+
+} // namespace
+
+PlayerReading::PlayerReading(const QString& file)
+    : theme(store, ThemeEnvironment::FromSystem(), monitors), song(LoadLanguageOf(language, store))
+{
+    song.SetFilename(file);
+    song.ReadFile();
+}
+
+LyricsEnvironment PlayerReading::Environment()
+{
+    return {theme.LyricsFontFace(), language.IsPolish, &song, {}};
 }

@@ -129,19 +129,13 @@ int RenderFrames(const QStringList& args)
     if (!QFileInfo(o.song).isFile())
         return Fail(QStringLiteral("File not found: %1").arg(o.song));
 
-    QSettingsStore store;
-    std::vector<MonitorRecord> monitors;
-    ThemeClass theme(store, ThemeEnvironment::FromSystem(), monitors);
+    PlayerReading reading(o.song);
+    ThemeClass& theme = reading.theme;
     if (o.mode >= 0)
         theme.DisplayMode = int16_t(o.mode);
-    LanguageTable language;
-    language.LoadLanguage(store);
-    MP3Class song(language.IsPolish);
-    song.SetFilename(o.song);
-    song.ReadFile();
 
     LyricsState lyrics;
-    const LyricsEnvironment env{theme.LyricsFontFace(), language.IsPolish, &song, {}};
+    const LyricsEnvironment env = reading.Environment();
     if (const QString error = LoadPlayerLyrics(lyrics, o.song, env); !error.isEmpty())
         return Fail(error);
 
