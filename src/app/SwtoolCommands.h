@@ -33,6 +33,8 @@ int PrintSplit(const QStringList& args);
 int PrintMerge(const QStringList& args);
 // swtool embed SONG LYRICS.lrs: the lyrics stored in the song as the editor's Save stores them.
 int EmbedLyrics(const QStringList& args);
+// swtool tags FILE [--set FIELD=VALUE]... [--ape]: the information dialog's save.
+int SaveTags(const QStringList& args);
 // swtool probe FILE
 int PrintProbe(const QStringList& args);
 // swtool render SONG --at SECONDS ... | --video DIR --fps N --from A --to B

@@ -29,6 +29,9 @@ const char* const kUsage =
     "  merge LYRICS          the editor's text of a song's (or a .lrs file's) lyrics\n"
     "  embed SONG LYRICS.lrs the lyrics stored in the song file as the editor's Save stores them\n"
     "  probe FILE            what the program reads of an audio file: kind, length, tags, texts\n"
+    "  tags FILE [--set FIELD=VALUE]... [--ape]\n"
+    "                        the information dialog's save of the ID3 tags (or of the APE tag with\n"
+    "                        Title1..Track1); prints result<TAB>N\n"
     "  render SONG --at SECONDS -o OUT.png [--size WxH] [--mode N] [--scale F] [--fullscreen]\n"
     "  render SONG --video DIR --fps N --from A --to B [--size WxH] [--mode N] [--scale F]\n"
     "                        the karaoke window at a song position, or numbered frames\n"
@@ -107,6 +110,10 @@ int main(int argc, char* argv[])
     }
     if (command == QLatin1String("render")) {
         const int result = RenderFrames(args);
+        return result == 2 ? Usage() : result;
+    }
+    if (command == QLatin1String("tags")) {
+        const int result = SaveTags(args);
         return result == 2 ? Usage() : result;
     }
     if (command == QLatin1String("probe")) {

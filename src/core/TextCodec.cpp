@@ -1,7 +1,9 @@
 #include "core/TextCodec.h"
 
 #include <QStringDecoder>
+#include <algorithm>
 #include <array>
+#include <optional>
 
 namespace {
 
@@ -68,4 +70,41 @@ QString DecodeText(const QByteArray& bytes, bool polish)
 QByteArray EncodeText(const QString& text)
 {
     return text.toUtf8();
+}
+
+namespace {
+
+std::optional<QByteArray> EncodeSingleByte(const QString& text, const std::array<char16_t, 128>& high)
+{
+    QByteArray bytes;
+    bytes.reserve(text.size());
+    for (const QChar c : text) {
+        if (c.unicode() < 0x80) {
+            bytes.append(char(c.unicode()));
+            continue;
+        }
+        const auto it = std::find(high.begin(), high.end(), c.unicode());
+        if (it == high.end() || c.unicode() == 0xFFFD)
+            return std::nullopt;
+        bytes.append(char(0x80 + (it - high.begin())));
+    }
+    return bytes;
+}
+
+} // namespace
+
+QByteArray EncodeLegacyField(const QString& text, bool polish, qsizetype size)
+{
+    if (const auto legacy = EncodeSingleByte(text, polish ? kWindows1250 : kWindows1252))
+        return legacy->left(size);
+    QByteArray utf8;
+    for (qsizetype i = 0; i < text.size();) {
+        const qsizetype length = text.at(i).isHighSurrogate() && i + 1 < text.size() ? 2 : 1;
+        const QByteArray next = text.mid(i, length).toUtf8();
+        if (utf8.size() + next.size() > size)
+            break;
+        utf8 += next;
+        i += length;
+    }
+    return utf8;
 }

@@ -8,3 +8,8 @@
 QString DecodeText(const QByteArray& bytes, bool polish);
 // Files are written as UTF-8 without a byte order mark.
 QByteArray EncodeText(const QString& text);
+
+// Text for a fixed-size legacy field: the user's code page when every character has a byte
+// there, else UTF-8, which the reader above takes back first; cut to the field at a character's
+// end.
+QByteArray EncodeLegacyField(const QString& text, bool polish, qsizetype size);

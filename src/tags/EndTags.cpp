@@ -119,6 +119,35 @@ bool ReadId3v1(QByteArrayView bytes, bool polish, Id3v1Fields& fields)
     return true;
 }
 
+bool RemoveId3v1(QByteArray& image)
+{
+    const qsizetype at = image.size() - kId3v1Size;
+    if (at < 0 || !HasAt(image, at, "TAG"))
+        return false;
+    image.truncate(at);
+    return true;
+}
+
+void AppendId3v1(QByteArray& image, const Id3v1Fields& fields, bool polish)
+{
+    QByteArray tag(kId3v1Size, '\0');
+    auto put = [&](qsizetype offset, qsizetype length, const QString& text) {
+        const QByteArray bytes = EncodeLegacyField(text, polish, length);
+        std::copy(bytes.begin(), bytes.end(), tag.begin() + offset);
+    };
+    tag.replace(0, 3, "TAG");
+    put(3, 30, fields.Title);
+    put(33, 30, fields.Artist);
+    put(63, 30, fields.Album);
+    put(93, 4, fields.Year);
+    const bool hasTrack = fields.Track > 0 && fields.Track < 256;
+    put(97, hasTrack ? 28 : 30, fields.Comment);
+    if (hasTrack)
+        tag[126] = char(fields.Track);
+    tag[127] = char(fields.Genre >= 0 && fields.Genre < 256 ? fields.Genre : 0);
+    image += tag;
+}
+
 namespace {
 
 constexpr uint32_t kApeItemKindMask = 0x6;  // 0 is UTF-8 text; binary and links are skipped

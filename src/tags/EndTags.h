@@ -36,6 +36,10 @@ struct Id3v1Fields {
 };
 // The ID3v1 tag of the last 128 bytes; texts decoded as the user's legacy text is.
 bool ReadId3v1(QByteArrayView bytes, bool polish, Id3v1Fields& fields);
+// Takes off the ID3v1 tag at the end of a file image, if there is one.
+bool RemoveId3v1(QByteArray& image);
+// Adds an ID3v1.1 tag at the end (a track of 1 to 255 takes the comment's last two bytes).
+void AppendId3v1(QByteArray& image, const Id3v1Fields& fields, bool polish);
 
 struct ApeTagFields {
     int16_t Version = 0;  // 1000 or 2000

@@ -16,6 +16,19 @@ struct Id3v2Fields;
 // where it was. The player supplies it; without a player the rewrite simply runs.
 using PlayingFileRelease = std::function<void(const QString& path, const std::function<void()>& rewrite)>;
 
+// The texts the information dialog saves, in the order SaveId3Tag takes them: the ID3v1 set,
+// the ID3v2 set, then the ID3v2 tag's other five.
+struct Id3TagTexts {
+    QString Title1, Artist1, Album1, Year1, Comment1, Genre1, Track1;
+    QString Title2, Artist2, Album2, Year2, Comment2, Genre2, Track2;
+    QString Composer, OriginalArtist, Copyright, URL, Encoded;
+};
+
+// The seven texts of an APE or Musepack save: title, artist, album, year, comment, genre, track.
+struct ApeTagTexts {
+    QString Title, Artist, Album, Year, Comment, Genre, Track;
+};
+
 // "mid", "midi" and "kar" files are MIDI whatever they hold; the only use of the extension.
 bool IsMidiName(const QString& path);
 
@@ -37,6 +50,21 @@ public:
     // Writes a Lyrics3 v2 tag with these fields into the file, keeping its other tags.
     bool SaveLyrics(const QString& nAuthor, const QString& nartist, const QString& nTitle, const QString& nalbum,
                     const QString& nPicture, const QString& nLyrics, const PlayingFileRelease& release = {});
+
+    // Writes the two ID3 tags (an empty set removes its tag) and reads them back: 1 or 0 when
+    // the file changed, -1, -2 or -3 when its ID3v1 tag came back as before though ID3v1, ID3v2
+    // or both were touched. The fields keep what the last ReadTag found.
+    int16_t SaveId3Tag(const Id3TagTexts& texts, const PlayingFileRelease& release = {});
+    // The APE tag of the file from the seven texts; 1 when the file holds them changed, -1 when
+    // not, 0 when the genre is no number and nothing was done.
+    int16_t SaveAPETag(const ApeTagTexts& texts, const PlayingFileRelease& release = {});
+    // A Musepack file's tag of the kind asked for: "Force ID3v1", "ID3v1", "Auto" write ID3v1;
+    // "APE v2.00", "APE v1.00" write APE; the other kind goes.
+    int16_t SaveMPCTag(const ApeTagTexts& texts, const QString& kind, const PlayingFileRelease& release = {});
+    // Removes the ID3 tags of an MP3 or Musepack file; APE tags stay.
+    void RemoveTag(const PlayingFileRelease& release = {});
+    // The texts as the information dialog starts from them.
+    Id3TagTexts TagTexts() const;
 
     QString format() const { return m_format; }
     double Length() const { return m_length; }
@@ -118,6 +146,9 @@ private:
     void ReadTagFields(QByteArrayView bytes, const EndOfFileTags& tags);
     void CopyMergedToFirstSet();
     void TakeId3v2Set(const Id3v2Fields& v2);
+    // The file's bytes through an edit, written back whole when the edit changed them.
+    bool EditFile(const PlayingFileRelease& release, const std::function<void(QByteArray&)>& edit);
+    int16_t VerifyId3Save(bool touchedV1, bool touchedV2) const;
     void SetMerged(const QString& title, const QString& artist, const QString& album, const QString& year,
                    const QString& comment, const QString& track, const QString& genre);
 

@@ -3,8 +3,15 @@
 #include "tags/StreamFacts.h"
 
 #include <QFile>
+#include "tags/EndTags.h"
+
+#include <taglib/apefile.h>
+#include <taglib/apetag.h>
 #include <taglib/id3v2tag.h>
+#include <taglib/mpcfile.h>
 #include <taglib/mpegfile.h>
+#include <taglib/textidentificationframe.h>
+#include <taglib/urllinkframe.h>
 #include <taglib/tbytevectorstream.h>
 #include <taglib/vorbisfile.h>
 #include <taglib/xiphcomment.h>
@@ -29,7 +36,130 @@ QString FieldText(const TagLib::Ogg::XiphComment& comment, const char* key)
     return it == fields.end() || it->second.isEmpty() ? QString() : ToQString(it->second.front());
 }
 
+TagLib::String ToTagString(const QString& text)
+{
+    return TagLib::String(text.toStdString(), TagLib::String::UTF8);
+}
+
+QByteArray ImageOf(TagLib::ByteVectorStream& stream)
+{
+    const TagLib::ByteVector* data = stream.data();
+    return QByteArray(data->data(), qsizetype(data->size()));
+}
+
+void SetTextFrame(TagLib::ID3v2::Tag& tag, const char* id, const QString& text)
+{
+    tag.removeFrames(id);
+    if (text.isEmpty())
+        return;
+    auto* frame = new TagLib::ID3v2::TextIdentificationFrame(id, TagLib::String::UTF8);
+    frame->setText(ToTagString(text));
+    tag.addFrame(frame);
+}
+
+void SetUrl(TagLib::ID3v2::Tag& tag, const QString& url)
+{
+    tag.removeFrames("WXXX");
+    if (url.isEmpty())
+        return;
+    auto* frame = new TagLib::ID3v2::UserUrlLinkFrame(TagLib::String::UTF8);
+    frame->setUrl(ToTagString(url));
+    tag.addFrame(frame);
+}
+
+void FillId3v2(TagLib::ID3v2::Tag& tag, const Id3v2Fields& f)
+{
+    tag.setTitle(ToTagString(f.Title));
+    tag.setArtist(ToTagString(f.Artist));
+    tag.setAlbum(ToTagString(f.Album));
+    tag.setComment(ToTagString(f.Comment));
+    tag.setGenre(ToTagString(f.Genre));
+    SetTextFrame(tag, "TRCK", f.Track);
+    tag.removeFrames("TYER");
+    SetTextFrame(tag, "TDRC", f.Year);
+    SetTextFrame(tag, "TCOM", f.Composer);
+    SetTextFrame(tag, "TENC", f.Encoded);
+    SetTextFrame(tag, "TCOP", f.Copyright);
+    SetTextFrame(tag, "TOPE", f.OriginalArtist);
+    SetUrl(tag, f.Url);
+}
+
+void FillApe(TagLib::APE::Tag& tag, const ApeTagFields& f)
+{
+    tag.setTitle(ToTagString(f.Title));
+    tag.setArtist(ToTagString(f.Artist));
+    tag.setAlbum(ToTagString(f.Album));
+    tag.setComment(ToTagString(f.Comment));
+    tag.setGenre(ToTagString(f.Genre));
+    tag.addValue("TRACK", ToTagString(f.Track), true);
+    tag.addValue("YEAR", ToTagString(f.Year), true);
+    if (f.Track.isEmpty())
+        tag.removeItem("TRACK");
+    if (f.Year.isEmpty())
+        tag.removeItem("YEAR");
+}
+
+// An APE tag kept or written on any file kind TagLib opens from a stream.
+template <typename File>
+std::optional<QByteArray> SaveApe(const QByteArray& image, const ApeTagFields* fields, int apeFlag)
+{
+    TagLib::ByteVector data(image.constData(), static_cast<unsigned int>(image.size()));
+    TagLib::ByteVectorStream stream(data);
+    File file(&stream, false);
+    if (!file.isValid())
+        return std::nullopt;
+    if (fields)
+        FillApe(*file.APETag(true), *fields);
+    else
+        file.strip(apeFlag);
+    if (!file.save())
+        return std::nullopt;
+    return ImageOf(stream);
+}
+
 } // namespace
+
+std::optional<QByteArray> WriteId3v2(const QByteArray& image, const Id3v2Fields* fields)
+{
+    TagLib::ByteVector data(image.constData(), static_cast<unsigned int>(image.size()));
+    TagLib::ByteVectorStream stream(data);
+    TagLib::MPEG::File file(&stream, TagLib::ID3v2::FrameFactory::instance(), false);
+    if (!file.isValid())
+        return std::nullopt;
+    if (!fields) {
+        if (file.hasID3v2Tag())
+            file.strip(TagLib::MPEG::File::ID3v2);
+        return ImageOf(stream);
+    }
+    const bool had = file.hasID3v2Tag();
+    TagLib::ID3v2::Tag* tag = file.ID3v2Tag(true);
+    const auto version = had && tag->header()->majorVersion() == 4 ? TagLib::ID3v2::v4 : TagLib::ID3v2::v3;
+    FillId3v2(*tag, *fields);
+    if (!file.save(TagLib::MPEG::File::ID3v2, TagLib::File::StripNone, version, TagLib::File::DoNotDuplicate))
+        return std::nullopt;
+    return ImageOf(stream);
+}
+
+std::optional<QByteArray> WriteApeTag(const QByteArray& image, const QString& format, const ApeTagFields* fields)
+{
+    if (format == u"APE")
+        return SaveApe<TagLib::APE::File>(image, fields, TagLib::APE::File::APE);
+    if (format == u"MPC")
+        return SaveApe<TagLib::MPC::File>(image, fields, TagLib::MPC::File::APE);
+    TagLib::ByteVector data(image.constData(), static_cast<unsigned int>(image.size()));
+    TagLib::ByteVectorStream stream(data);
+    TagLib::MPEG::File file(&stream, TagLib::ID3v2::FrameFactory::instance(), false);
+    if (!file.isValid())
+        return std::nullopt;
+    if (!fields) {
+        file.strip(TagLib::MPEG::File::APE);
+        return ImageOf(stream);
+    }
+    FillApe(*file.APETag(true), *fields);
+    if (!file.save(TagLib::MPEG::File::APE, TagLib::File::StripNone, TagLib::ID3v2::v4, TagLib::File::DoNotDuplicate))
+        return std::nullopt;
+    return ImageOf(stream);
+}
 
 bool ReadId3v2(QByteArrayView bytes, Id3v2Fields& fields)
 {
