@@ -36,6 +36,7 @@ public:
     ControlsForm& LoadMidiEq() override { std::abort(); }
     EditorForm& LoadEditor() override { std::abort(); }
     std::vector<Form*> LoadedForms() override { return {}; }
+    void ShowFileInfo(const QString&, const QString&) override {}
     PlaylistForm* list = nullptr;
 
 private:

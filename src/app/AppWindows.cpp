@@ -6,11 +6,14 @@
 #include "core/WindowPosition.h"
 #include "ui/editor/Editor.h"
 #include "ui/editor/EditorDialogs.h"
+#include "ui/info/InfoDialogs.h"
 #include "ui/karaoke/LyricWindow.h"
 #include "ui/midi/MidiEq.h"
 #include "ui/player/PlayerServices.h"
 #include "ui/player/PlayerWindow.h"
 #include "ui/playlist/UserList.h"
+
+#include <QMessageBox>
 
 bool SessionPosition::HasSong() const
 {
@@ -76,6 +79,7 @@ PlaylistForm& AppWindows::LoadUserList()
 {
     if (!m_userList) {
         m_userList = std::make_unique<::UserList>(m_state, m_state.Songs, m_store, m_docking, *m_transport);
+        m_userList->ShowInfo = [this] { m_commands->GetInfo(); };
         m_loaded.push_back(m_userList.get());
     }
     return *m_userList;
@@ -112,4 +116,36 @@ EditorForm& AppWindows::LoadEditor()
         m_loaded.push_back(m_editor.get());
     }
     return *m_editor;
+}
+
+void AppWindows::ShowFileInfo(const QString& format, const QString& path)
+{
+    QWidget* owner = &PlayerWidget();
+    const bool polish = m_state.Language.IsPolish;
+    QDialog* dialog = nullptr;
+    if (format == u"MP3") {
+        InfoContext context;
+        context.Polish = polish;
+        context.List = &m_state.Songs;
+        context.Release = [this](const QString& file, const std::function<void()>& rewrite) {
+            m_transport->ReopenAround(file, rewrite);
+        };
+        context.Critical = [owner](const QString& text, const QString& title) {
+            QMessageBox::critical(owner, title, text);
+        };
+        dialog = new Id3InfoDialog(path, std::move(context), owner);
+    } else if (format == u"OGG") {
+        dialog = new OggInfoDialog(path, polish, owner);
+    } else if (format == u"WAV") {
+        dialog = new WavInfoDialog(path, polish, owner);
+    } else if (format == u"MIDI") {
+        // One MIDI box at a time.
+        if (owner->findChild<MidiInfoDialog*>())
+            return;
+        dialog = new MidiInfoDialog(path, polish, owner);
+    }
+    if (!dialog)
+        return;
+    dialog->setWindowFlag(Qt::Dialog);
+    dialog->show();
 }

@@ -56,6 +56,7 @@ public:
     ControlsForm& LoadMidiEq() override;
     EditorForm& LoadEditor() override;
     std::vector<Form*> LoadedForms() override { return m_loaded; }
+    void ShowFileInfo(const QString& format, const QString& path) override;
 
 private:
     AppState& m_state;

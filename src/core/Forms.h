@@ -101,6 +101,9 @@ public:
     virtual EditorForm& LoadEditor() = 0;
     // The loaded windows in the order they were loaded.
     virtual std::vector<Form*> LoadedForms() = 0;
+    // The information dialog of a file by its kind ("MP3", "OGG", "WAV", "MIDI"), modeless over
+    // the main window.
+    virtual void ShowFileInfo(const QString& format, const QString& path) = 0;
 };
 
 // The playlist's rows as the transport walks and fills them; the list outlives its window.
@@ -117,6 +120,8 @@ public:
     // Files read on worker threads and appended in their order, after the rows there are.
     virtual void AppendFiles(const QStringList& paths) = 0;
     virtual void SetItemPath(int index, const QString& path) = 0;
+    // A row's display text, after its tags were saved.
+    virtual void SetItemText(int index, const QString& text) = 0;
     // The row drawn as the one playing.
     virtual void SetCurrentPlaying(int index) = 0;
 };

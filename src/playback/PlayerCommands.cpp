@@ -2,7 +2,9 @@
 
 #include "playback/PlayerState.h"
 #include "playback/PlayerTransport.h"
+#include "tags/MP3Class.h"
 
+#include <QFile>
 #include <QFileInfo>
 #include <map>
 #include <set>
@@ -22,7 +24,7 @@ bool CommandNotBuiltYet(const QString& key)
     static const std::set<QString> kNotBuiltYet = {
         QStringLiteral("Preferences"), QStringLiteral("SwitchMicrophone"),
         QStringLiteral("Record"),      QStringLiteral("YourVoice"),
-        QStringLiteral("About"),       QStringLiteral("FileInfo"),  QStringLiteral("MnuHelp"),
+        QStringLiteral("About"),       QStringLiteral("MnuHelp"),
     };
     return kNotBuiltYet.count(key) > 0;
 }
@@ -87,6 +89,24 @@ void PlayerCommands::ToggleMute()
 {
     m_transport.SetMuted(!m_state.Muted);
     m_forms.Player().SetButton(6, 0);
+}
+
+void PlayerCommands::GetInfo()
+{
+    const QString path = m_transport.SelectedPath();
+    if (path.isEmpty())
+        return;
+    MP3Class song(m_state.Language.IsPolish);
+    song.SetFilename(path);
+    if (!song.ReadFile())
+        return;
+    const QString& format = song.format();
+    static const QStringList kShown = {QStringLiteral("MP3"), QStringLiteral("OGG"), QStringLiteral("WAV"),
+                                       QStringLiteral("MIDI")};
+    // A MIDI file's box needs the file open for reading.
+    if (!kShown.contains(format) || (format == u"MIDI" && !QFile(path).open(QIODevice::ReadOnly)))
+        return;
+    m_forms.ShowFileInfo(format, path);
 }
 
 void PlayerCommands::OpenFileDialog()
@@ -177,6 +197,8 @@ void PlayerCommands::MenuCommand(const QString& key)
     // "Control" stays inert: the dispatcher has always looked for "Controls", which no item has.
     if (const auto it = kButtons.find(key); it != kButtons.end())
         ButtonAction(it->second);
+    else if (key == u"Info" && !m_state.Recording)
+        GetInfo();
     else if (key == u"Current")
         m_forms.Player().SetTimeStyle(QStringLiteral("CURRENT"));
     else if (key == u"Elapsed")
@@ -218,8 +240,11 @@ bool PlayerCommands::KeyDown(int key, Qt::KeyboardModifiers modifiers)
         OpenFileDialog();
         return true;
     }
-    if (key == Qt::Key_3 && alt)
-        return !CommandNotBuiltYet(QStringLiteral("FileInfo"));
+    if (key == Qt::Key_3 && alt) {
+        if (!recording)
+            GetInfo();
+        return true;
+    }
     if (key == Qt::Key_M)
         return !CommandNotBuiltYet(QStringLiteral("SwitchMicrophone"));
     if (key == Qt::Key_R || key == Qt::Key_S)

@@ -44,6 +44,8 @@ public:
     void MenuCommand(const QString& key);
     // True when the key matched a row of the keyboard table and its command exists.
     bool KeyDown(int key, Qt::KeyboardModifiers modifiers);
+    // The information dialog of the playlist's selected row, by the kind of its file.
+    void GetInfo();
     // The player's "Open file(s)" command.
     void OpenFileDialog();
     // The open dialog and the load behind that command, whatever window asks; false when cancelled.

@@ -215,6 +215,12 @@ void PlayerTransport::SetMuted(bool muted)
     m_state.Muted = muted;
 }
 
+QString PlayerTransport::SelectedPath() const
+{
+    const int row = m_list.SelectedIndex();
+    return row < 0 ? QString() : m_list.ItemPath(row);
+}
+
 void PlayerTransport::ReopenAround(const QString& path, const std::function<void()>& rewrite)
 {
     SongSession* session = m_state.Session.get();

@@ -58,6 +58,8 @@ public:
     // Lets `rewrite` change the file while no session holds it; a session on that file comes
     // back at the same whole second, in the same state.
     void ReopenAround(const QString& path, const std::function<void()>& rewrite);
+    // The file of the playlist's selected row; empty without a selection.
+    QString SelectedPath() const;
 
     // Loads a song: the old one closed, the file read, its session, labels and lyrics. False
     // only when the file does not exist, or while another song is still being opened.

@@ -69,6 +69,14 @@ void Playlist::SetItemPath(int index, const QString& path)
     m_model.SetItemPath(index, path);
 }
 
+void Playlist::SetItemText(int index, const QString& text)
+{
+    if (index < 0 || index >= ListCount())
+        return;
+    m_model.SetItemText(index, text);
+    emit changed();
+}
+
 void Playlist::SetCurrentPlaying(int index)
 {
     m_model.SetCurrentPlaying(index);

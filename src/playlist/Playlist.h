@@ -26,6 +26,7 @@ public:
     void AddItem(const QString& text, const QString& time, const QString& path) override;
     void AppendFiles(const QStringList& paths) override;
     void SetItemPath(int index, const QString& path) override;
+    void SetItemText(int index, const QString& text) override;
     void SetCurrentPlaying(int index) override;
 
     // The list a run saved at exit: trusted, not probed; files gone missing are dropped.

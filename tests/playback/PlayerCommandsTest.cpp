@@ -59,10 +59,35 @@ TEST_F(Commands, CommandsWithoutTheirWindowsAreInertAndNotHandled)
     EXPECT_FALSE(CommandNotBuiltYet("Controls"));
     EXPECT_FALSE(CommandNotBuiltYet("Editor"));
     EXPECT_FALSE(commands.KeyDown(Qt::Key_M, {}));
-    EXPECT_FALSE(commands.KeyDown(Qt::Key_3, Qt::AltModifier));
     EXPECT_TRUE(commands.KeyDown(Qt::Key_K, Qt::ControlModifier));
     commands.ButtonAction(7);
     EXPECT_EQ(journal.calls, QStringList{"Lyric.Unload"}) << "only Ctrl+K did something";
+}
+
+TEST_F(Commands, InfoOpensTheDialogOfTheSelectedRowsKindButNotWhileRecording)
+{
+    const QStringList files = {MediaFixture("id3v1.mp3"), MediaFixture("comments.ogg"),
+                               MediaFixture("pcm16-stereo.wav"), MediaFixture("untitled.mid"),
+                               MediaFixture("not-audio.txt"), QStringLiteral("/no/such/song.mp3")};
+    for (const QString& file : files)
+        list.AddItem(QString(), QString(), file);
+    commands.GetInfo();
+    EXPECT_TRUE(windows.shownInfo.isEmpty()) << "no row selected";
+    for (int row = 0; row < files.size(); ++row) {
+        list.selected = row;
+        if (row % 2)
+            commands.MenuCommand(QStringLiteral("Info"));
+        else
+            EXPECT_TRUE(commands.KeyDown(Qt::Key_3, Qt::AltModifier));
+    }
+    EXPECT_EQ(windows.shownInfo, (QStringList{"MP3 " + files[0], "OGG " + files[1], "WAV " + files[2],
+                                              "MIDI " + files[3]}));
+
+    state.Recording = true;
+    list.selected = 0;
+    EXPECT_TRUE(commands.KeyDown(Qt::Key_3, Qt::AltModifier));
+    commands.MenuCommand(QStringLiteral("Info"));
+    EXPECT_EQ(windows.shownInfo.size(), 4) << "refused while recording";
 }
 
 TEST_F(Commands, ButtonFourteenAndCtrlEOpenAndUnloadTheEditorButNotWhileRecording)

@@ -109,6 +109,10 @@ public:
             AddItem(QString(), QString(), file);
     }
     void SetItemPath(int index, const QString& path) override { paths[index] = path; }
+    void SetItemText(int index, const QString& text) override
+    {
+        texts[index] = text + texts[index].mid(texts[index].indexOf(u'|'));
+    }
     void SetCurrentPlaying(int index) override
     {
         playing = index;
@@ -178,6 +182,8 @@ public:
     ControlsForm& LoadMidiEq() override { return Load(midiEq); }
     EditorForm& LoadEditor() override { return Load(editor); }
     std::vector<Form*> LoadedForms() override { return m_loaded; }
+    void ShowFileInfo(const QString& format, const QString& path) override { shownInfo << format + u' ' + path; }
+    QStringList shownInfo;
 
     FakePlayer player;
     FakePlaylistWindow userList;

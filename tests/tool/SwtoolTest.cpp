@@ -3,6 +3,9 @@
 #include "support/TestSupport.h"
 
 #include <QDir>
+#include <QElapsedTimer>
+#include <QRandomGenerator>
+#include <QThread>
 #include <QImage>
 #include <QProcess>
 #include <QTemporaryDir>
@@ -202,6 +205,55 @@ TEST(Swtool, RenderShowsATransitionHalfDoneInStillsAndVideoAlike)
                                  home.path());
     EXPECT_EQ(video.exitCode, 0) << video.err.toStdString();
     EXPECT_EQ(QImage(frames + "/00002.png").convertToFormat(QImage::Format_RGB32), half);
+}
+
+TEST(Swtool, TagsSavesAsTheDialogDoesAndAKilledSaveLeavesAWholeFile)
+{
+    QTemporaryDir home;
+    // A song of some megabytes, so that a kill can land in the middle of its write.
+    const QByteArray small = ReadFileBytes(MediaFixture("both.mp3"));
+    const qsizetype head = (qsizetype(uint8_t(small[6])) << 21 | qsizetype(uint8_t(small[7])) << 14
+                            | qsizetype(uint8_t(small[8])) << 7 | qsizetype(uint8_t(small[9]))) + 10;
+    const QByteArray audio = small.mid(head, small.size() - head - 128);
+    const QByteArray original = small.left(head) + audio.repeated(600) + small.right(128);
+    const QString reference = home.filePath("reference.mp3");
+    WriteFileBytes(reference, original);
+
+    const QStringList change = {"--set", "Title2=Killed or not", "--set", "Comment1=whole"};
+    QElapsedTimer clock;
+    clock.start();
+    const ToolRun run = Swtool(QStringList{"tags", reference} + change, home.path());
+    const qint64 runMs = clock.elapsed();
+    ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
+    EXPECT_EQ(run.out, "result\t1\n");
+    const QByteArray saved = ReadFileBytes(reference);
+    ASSERT_NE(saved, original);
+
+    QRandomGenerator random(20261122);
+    int whole = 0;
+    for (int attempt = 0; attempt < 12; ++attempt) {
+        const QString song = home.filePath(QStringLiteral("song%1.mp3").arg(attempt));
+        WriteFileBytes(song, original);
+        QProcess process;
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert("XDG_CONFIG_HOME", home.path());
+        env.insert("QT_QPA_PLATFORM", "offscreen");
+        process.setProcessEnvironment(env);
+        process.start(QStringLiteral(SWTOOL_PATH), QStringList{"tags", song} + change);
+        ASSERT_TRUE(process.waitForStarted());
+        QThread::msleep(random.bounded(int(std::max<qint64>(1, runMs))));
+        process.kill();
+        process.waitForFinished();
+        const QByteArray now = ReadFileBytes(song);
+        EXPECT_TRUE(now == original || now == saved) << "attempt " << attempt << ": " << now.size() << " bytes";
+        whole += now == original || now == saved ? 1 : 0;
+    }
+    EXPECT_EQ(whole, 12);
+
+    const ToolRun ape = Swtool({"tags", reference, "--ape", "--set", "Title2=x"}, home.path());
+    EXPECT_EQ(ape.exitCode, 2) << "the APE save takes the first set only";
+    EXPECT_EQ(Swtool({"tags", reference, "--set", "Nothing=x"}, home.path()).exitCode, 2);
+    EXPECT_EQ(Swtool({"tags", "/no/such.mp3"}, home.path()).exitCode, 1);
 }
 
 TEST(Swtool, TheDemoSongsLoadWithTheirLyrics)

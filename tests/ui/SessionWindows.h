@@ -18,6 +18,8 @@ public:
     ControlsForm& LoadMidiEq() override { return midiEq; }
     EditorForm& LoadEditor() override { return editor; }
     std::vector<Form*> LoadedForms() override { return {&player, &userList, &lyric, &midiEq, &editor}; }
+    void ShowFileInfo(const QString& format, const QString& path) override { shownInfo << format + u' ' + path; }
+    QStringList shownInfo;
 
     MemoryStore store;
     Docking docking;

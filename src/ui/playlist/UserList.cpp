@@ -1,7 +1,6 @@
 #include "ui/playlist/UserList.h"
 
 #include "core/WindowPosition.h"
-#include "playback/PlayerCommands.h"
 #include "playback/PlayerTransport.h"
 #include "ui/kit/Desktop.h"
 #include "ui/kit/Docking.h"
@@ -150,15 +149,16 @@ void UserList::Command(const QString& key)
         fnListSave();
     } else if (key == u"ListLoad") {
         fnListLoad();
+    } else if (key == u"Info" && ShowInfo) {
+        ShowInfo();
     }
-    // "Info" opens the file information dialogs, which this build does not have yet.
 }
 
 bool UserList::KeyDown(int key, Qt::KeyboardModifiers modifiers)
 {
     if (key == Qt::Key_3 && modifiers == Qt::AltModifier)
-        return !CommandNotBuiltYet(QStringLiteral("FileInfo"));
-    if (key == Qt::Key_Delete)
+        Command(QStringLiteral("Info"));
+    else if (key == Qt::Key_Delete)
         Command(QStringLiteral("Rem"));
     else if (key == Qt::Key_Z)
         m_transport.WSTECZ();

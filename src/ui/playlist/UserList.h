@@ -9,6 +9,7 @@
 #include "ui/playlist/FlatList.h"
 
 #include <QWidget>
+#include <functional>
 #include <map>
 
 class Docking;
@@ -34,6 +35,9 @@ public:
     void fnAddSong();
     void fnListLoad();
     void fnListSave();
+
+    // The player's information command for the selected row.
+    std::function<void()> ShowInfo;
 
     void Command(const QString& key);
     bool KeyDown(int key, Qt::KeyboardModifiers modifiers);
