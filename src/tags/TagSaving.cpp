@@ -140,6 +140,12 @@ int16_t MP3Class::VerifyId3Save(bool touchedV1, bool touchedV2) const
     const bool hasV1 = file.IsOpen() && ReadId3v1(file.View(), m_polish, v1);
     if (file.IsOpen())
         ReadId3v2(file.View(), v2);
+    // The fields of the last read have their trailing blanks cut; so has what the file holds now.
+    for (QString* text : {&v1.Title, &v1.Artist, &v1.Album, &v1.Year, &v1.Comment})
+        CutSp(*text);
+    for (QString* text : {&v2.Title, &v2.Artist, &v2.Album, &v2.Year, &v2.Comment, &v2.Genre, &v2.Composer,
+                          &v2.Encoded, &v2.Copyright, &v2.Url, &v2.OriginalArtist})
+        CutSp(*text);
     const QString track1 = v1.Track != 0 ? QString::number(v1.Track) : QString();
     const QString oldTrack1 = NumericValue(m_track1) != 0 ? m_track1 : QString();
     const bool v1Differs = track1 != oldTrack1 || v1.Comment != Comment1() || v1.Artist != Artist1()
