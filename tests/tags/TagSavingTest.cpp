@@ -197,3 +197,30 @@ TEST(TagSaving, ApeSavesCountTheGenreByItsNumberAndReportAChange)
     EXPECT_EQ(after->Track(), "9");
     EXPECT_TRUE(after->ID3v1Exist()) << "the ID3v1 tag behind it stays";
 }
+
+TEST(TagSaving, RemoveTagAndTheMusepackWriterTakeTheKindsTheyAreAsked)
+{
+    Copy both("both.mp3");
+    const QByteArray audio = Audio(both.Bytes());
+    Tagged(both.path)->RemoveTag();
+    EXPECT_EQ(both.Bytes(), audio) << "both ID3 tags gone, the audio as it was";
+
+    Copy mpc("tone.mpc");
+    auto song = Tagged(mpc.path);
+    ASSERT_EQ(song->format(), "MPC");
+    const ApeTagTexts texts{QStringLiteral("Tone"), QStringLiteral("Nobody"), QString(), QStringLiteral("2026"),
+                            QString(), QStringLiteral("Rock"), QStringLiteral("1")};
+    EXPECT_EQ(song->SaveMPCTag(texts, QStringLiteral("APE v2.00")), 1);
+    ApeTagFields ape;
+    ASSERT_TRUE(ReadApeTag(mpc.Bytes(), ape));
+    EXPECT_EQ(ape.Title, "Tone");
+    EXPECT_EQ(ape.Year, "2026");
+
+    EXPECT_EQ(Tagged(mpc.path)->SaveMPCTag(texts, QStringLiteral("ID3v1")), 1);
+    Id3v1Fields v1;
+    ASSERT_TRUE(ReadId3v1(mpc.Bytes(), false, v1));
+    EXPECT_EQ(v1.Title, "Tone");
+    EXPECT_EQ(v1.Genre, 17);
+    EXPECT_FALSE(ReadApeTag(mpc.Bytes(), ape)) << "the APE tag made way for the ID3v1 tag";
+    EXPECT_EQ(Tagged(mpc.path)->SaveMPCTag(texts, QStringLiteral("Lyrics")), 0) << "a kind not known touches nothing";
+}
