@@ -27,6 +27,7 @@
 namespace {
 
 const QString kSaveErrorTitle = QStringLiteral("SWV: Save error");
+constexpr int kMinimumWidth = 460;
 const char* const kV1Labels[5] = {"Title", "Artist", "Album", "Year", "Comment"};
 const char* const kV2Labels[10] = {"Title",           "Artist",    "Album", "Year", "Comment",
                                    "Composer",        "Original artist", "Copyright", "URL", "Encoded by"};
@@ -99,6 +100,7 @@ void Prepare(QDialog& dialog, const QString& name, const QString& caption)
     dialog.setWindowTitle(caption);
     dialog.setPalette(ControlsPalette());
     dialog.setAttribute(Qt::WA_DeleteOnClose);
+    dialog.setMinimumWidth(kMinimumWidth);
 }
 
 QDialogButtonBox* OkBox(QDialog& dialog)
@@ -326,8 +328,9 @@ OggInfoDialog::OggInfoDialog(const QString& path, bool polish, QWidget* parent) 
     song.ReadFile();
     song.ReadTag();
     auto* selector = new SelectOnFocus(this);
+    auto* file = new QFormLayout;
+    file->addRow(QStringLiteral("File"), PathBox(song.Filename()));
     auto* form = new QFormLayout;
-    form->addRow(QStringLiteral("File"), PathBox(song.Filename()));
     const QString values[8] = {song.Title(), song.Artist(),  song.Album(),     song.Track(),
                                song.Year(),  song.Comment(), song.Performer(), song.Description()};
     const char* const labels[8] = {"Title", "Artist", "Album", "Track", "Year", "Comment", "Performer", "Description"};
@@ -342,6 +345,7 @@ OggInfoDialog::OggInfoDialog(const QString& path, bool polish, QWidget* parent) 
     m_genre->lineEdit()->setReadOnly(true);
     form->addRow(QStringLiteral("Genre"), m_genre);
     auto* layout = new QVBoxLayout(this);
+    layout->addLayout(file);
     layout->addWidget(InfoText(QStringLiteral("OGGfo"), song.OGGInfo()));
     layout->addLayout(form);
     layout->addWidget(OkBox(*this));
