@@ -67,13 +67,20 @@ void SetUrl(TagLib::ID3v2::Tag& tag, const QString& url)
     tag.addFrame(frame);
 }
 
-void FillId3v2(TagLib::ID3v2::Tag& tag, const Id3v2Fields& f)
+// The five fields every tag kind has; an empty text removes its field.
+template <typename Fields>
+void FillCommon(TagLib::Tag& tag, const Fields& f)
 {
     tag.setTitle(ToTagString(f.Title));
     tag.setArtist(ToTagString(f.Artist));
     tag.setAlbum(ToTagString(f.Album));
     tag.setComment(ToTagString(f.Comment));
     tag.setGenre(ToTagString(f.Genre));
+}
+
+void FillId3v2(TagLib::ID3v2::Tag& tag, const Id3v2Fields& f)
+{
+    FillCommon(tag, f);
     SetTextFrame(tag, "TRCK", f.Track);
     tag.removeFrames("TYER");
     SetTextFrame(tag, "TDRC", f.Year);
@@ -86,11 +93,7 @@ void FillId3v2(TagLib::ID3v2::Tag& tag, const Id3v2Fields& f)
 
 void FillApe(TagLib::APE::Tag& tag, const ApeTagFields& f)
 {
-    tag.setTitle(ToTagString(f.Title));
-    tag.setArtist(ToTagString(f.Artist));
-    tag.setAlbum(ToTagString(f.Album));
-    tag.setComment(ToTagString(f.Comment));
-    tag.setGenre(ToTagString(f.Genre));
+    FillCommon(tag, f);
     tag.addValue("TRACK", ToTagString(f.Track), true);
     tag.addValue("YEAR", ToTagString(f.Year), true);
     if (f.Track.isEmpty())
@@ -99,37 +102,56 @@ void FillApe(TagLib::APE::Tag& tag, const ApeTagFields& f)
         tag.removeItem("YEAR");
 }
 
-// An APE tag kept or written on any file kind TagLib opens from a stream.
+// A file image opened by TagLib in memory; the stream holds the bytes as they are edited.
+template <typename File>
+struct Opened {
+    TagLib::ByteVector data;
+    TagLib::ByteVectorStream stream;
+    File file;
+
+    template <typename... Options>
+    explicit Opened(const QByteArray& image, Options... options)
+        : data(image.constData(), static_cast<unsigned int>(image.size())), stream(data), file(&stream, options...)
+    {
+    }
+    QByteArray Image() { return ImageOf(stream); }
+};
+
+struct OpenedMpeg : Opened<TagLib::MPEG::File> {
+    explicit OpenedMpeg(const QByteArray& image)
+        : Opened<TagLib::MPEG::File>(image, TagLib::ID3v2::FrameFactory::instance(), false)
+    {
+    }
+};
+
+// An APE tag kept or written on a Monkey's Audio or Musepack file.
 template <typename File>
 std::optional<QByteArray> SaveApe(const QByteArray& image, const ApeTagFields* fields, int apeFlag)
 {
-    TagLib::ByteVector data(image.constData(), static_cast<unsigned int>(image.size()));
-    TagLib::ByteVectorStream stream(data);
-    File file(&stream, false);
-    if (!file.isValid())
+    Opened<File> opened(image, false);
+    if (!opened.file.isValid())
         return std::nullopt;
     if (fields)
-        FillApe(*file.APETag(true), *fields);
+        FillApe(*opened.file.APETag(true), *fields);
     else
-        file.strip(apeFlag);
-    if (!file.save())
+        opened.file.strip(apeFlag);
+    if (!opened.file.save())
         return std::nullopt;
-    return ImageOf(stream);
+    return opened.Image();
 }
 
 } // namespace
 
 std::optional<QByteArray> WriteId3v2(const QByteArray& image, const Id3v2Fields* fields)
 {
-    TagLib::ByteVector data(image.constData(), static_cast<unsigned int>(image.size()));
-    TagLib::ByteVectorStream stream(data);
-    TagLib::MPEG::File file(&stream, TagLib::ID3v2::FrameFactory::instance(), false);
+    OpenedMpeg opened(image);
+    TagLib::MPEG::File& file = opened.file;
     if (!file.isValid())
         return std::nullopt;
     if (!fields) {
         if (file.hasID3v2Tag())
             file.strip(TagLib::MPEG::File::ID3v2);
-        return ImageOf(stream);
+        return opened.Image();
     }
     const bool had = file.hasID3v2Tag();
     TagLib::ID3v2::Tag* tag = file.ID3v2Tag(true);
@@ -137,7 +159,7 @@ std::optional<QByteArray> WriteId3v2(const QByteArray& image, const Id3v2Fields*
     FillId3v2(*tag, *fields);
     if (!file.save(TagLib::MPEG::File::ID3v2, TagLib::File::StripNone, version, TagLib::File::DoNotDuplicate))
         return std::nullopt;
-    return ImageOf(stream);
+    return opened.Image();
 }
 
 std::optional<QByteArray> WriteApeTag(const QByteArray& image, const QString& format, const ApeTagFields* fields)
@@ -146,19 +168,18 @@ std::optional<QByteArray> WriteApeTag(const QByteArray& image, const QString& fo
         return SaveApe<TagLib::APE::File>(image, fields, TagLib::APE::File::APE);
     if (format == u"MPC")
         return SaveApe<TagLib::MPC::File>(image, fields, TagLib::MPC::File::APE);
-    TagLib::ByteVector data(image.constData(), static_cast<unsigned int>(image.size()));
-    TagLib::ByteVectorStream stream(data);
-    TagLib::MPEG::File file(&stream, TagLib::ID3v2::FrameFactory::instance(), false);
+    OpenedMpeg opened(image);
+    TagLib::MPEG::File& file = opened.file;
     if (!file.isValid())
         return std::nullopt;
     if (!fields) {
         file.strip(TagLib::MPEG::File::APE);
-        return ImageOf(stream);
+        return opened.Image();
     }
     FillApe(*file.APETag(true), *fields);
     if (!file.save(TagLib::MPEG::File::APE, TagLib::File::StripNone, TagLib::ID3v2::v4, TagLib::File::DoNotDuplicate))
         return std::nullopt;
-    return ImageOf(stream);
+    return opened.Image();
 }
 
 bool ReadId3v2(QByteArrayView bytes, Id3v2Fields& fields)

@@ -111,6 +111,14 @@ QDialogButtonBox* OkBox(QDialog& dialog)
     return buttons;
 }
 
+// A file as its dialog shows it: the stream, then every tag.
+void ReadWholly(MP3Class& song, const QString& path)
+{
+    song.SetFilename(path);
+    song.ReadFile();
+    song.ReadTag();
+}
+
 // The playlist text of a song: artist - title, or whichever of them there is.
 QString RowText(const QString& artist, const QString& title)
 {
@@ -209,9 +217,7 @@ void Id3InfoDialog::ClearGroup(int group)
 
 void Id3InfoDialog::ReadInfo()
 {
-    m_song.SetFilename(m_path);
-    m_song.ReadFile();
-    m_song.ReadTag();
+    ReadWholly(m_song, m_path);
     m_filepath->setText(m_song.Filename());
     m_mpegInfo->setPlainText(m_song.MPEGInfo());
     const Id3TagTexts t = m_song.TagTexts();
@@ -324,9 +330,7 @@ OggInfoDialog::OggInfoDialog(const QString& path, bool polish, QWidget* parent) 
 {
     Prepare(*this, QStringLiteral("OGGInfo"), QStringLiteral("Ogg Vorbis information - %1").arg(QFileInfo(path).fileName()));
     MP3Class song(polish);
-    song.SetFilename(path);
-    song.ReadFile();
-    song.ReadTag();
+    ReadWholly(song, path);
     auto* selector = new SelectOnFocus(this);
     auto* file = new QFormLayout;
     file->addRow(QStringLiteral("File"), PathBox(song.Filename()));
@@ -365,9 +369,7 @@ WavInfoDialog::WavInfoDialog(const QString& path, bool polish, QWidget* parent) 
 {
     Prepare(*this, QStringLiteral("WAVInfo"), QStringLiteral("WAV information - %1").arg(QFileInfo(path).fileName()));
     MP3Class song(polish);
-    song.SetFilename(path);
-    song.ReadFile();
-    song.ReadTag();
+    ReadWholly(song, path);
     m_info = InfoText(QStringLiteral("WAVEfo"), song.WAVInfo());
     auto* form = new QFormLayout;
     form->addRow(QStringLiteral("File"), PathBox(song.Filename()));
