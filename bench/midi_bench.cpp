@@ -192,6 +192,9 @@ public:
     int SampleRate() const override { return kRate; }
     double Now() const override { return m_device.Now(); }
     std::string Name() const override { return "timed null output"; }
+    bool StartInput(int) override { return false; }
+    void StopInput() override {}
+    bool InputRunning() const override { return false; }
     void Render(float* out, int frames, const BufferTiming& timing) noexcept override
     {
         if (thread == 0)

@@ -90,10 +90,20 @@ ControlsForm* AppWindows::MidiEq()
     return m_midiEq.get();
 }
 
+void AppWindows::AttachVoice(Equalizer& equalizer, VoiceCommands& voice)
+{
+    m_equalizer = &equalizer;
+    m_voice = &voice;
+    if (m_midiEq)
+        m_midiEq->AttachVoice(equalizer, voice);
+}
+
 ControlsForm& AppWindows::LoadMidiEq()
 {
     if (!m_midiEq) {
         m_midiEq = std::make_unique<::MidiEq>(m_state, m_store, m_docking);
+        if (m_equalizer && m_voice)
+            m_midiEq->AttachVoice(*m_equalizer, *m_voice);
         if (const auto saved = ReadWindowPosition(m_store, QStringLiteral("eq position")))
             m_midiEq->move(saved->topLeft());
         else

@@ -20,6 +20,8 @@ class UserList;
 class MidiEq;
 class Editor;
 class WidgetEditorDialogs;
+class Equalizer;
+class VoiceCommands;
 
 // The song's position as the karaoke window reads it: the session's, whatever plays the song.
 class SessionPosition final : public SongPosition {
@@ -40,6 +42,8 @@ public:
     // The transport and the commands that the windows' events reach; before any window but the
     // main one is loaded.
     void Attach(PlayerTransport& transport, PlayerCommands& commands);
+    // The equaliser and the voice commands the MIDI window's microphone part works through.
+    void AttachVoice(Equalizer& equalizer, VoiceCommands& voice);
     // Called with each karaoke window as it is loaded.
     std::function<void(LyricWindow&)> LyricLoaded;
 
@@ -71,5 +75,7 @@ private:
     std::unique_ptr<::Editor> m_editor;
     PlayerTransport* m_transport = nullptr;
     PlayerCommands* m_commands = nullptr;
+    Equalizer* m_equalizer = nullptr;
+    VoiceCommands* m_voice = nullptr;
     std::vector<Form*> m_loaded;
 };

@@ -12,6 +12,9 @@
 #include "ui/kit/Desktop.h"
 #include "ui/player/PlayerServices.h"
 #include "ui/player/PlayerWindow.h"
+#include "ui/voice/RegMe.h"
+#include "voice/Equalizer.h"
+#include "voice/VoiceRecorder.h"
 
 #include <QApplication>
 #include <QIcon>
@@ -46,6 +49,11 @@ int main(int argc, char* argv[])
     PlayerCommands commands(state, windows, transport, tray, dialogs);
     commandsForTray = &commands;
     windows.Attach(transport, commands);
+    Equalizer equalizer(state);
+    RegMe regMe(state, player);
+    VoiceRecorder recorder(state, windows, messages, equalizer, regMe);
+    transport.AttachVoice(recorder);
+    windows.AttachVoice(equalizer, recorder);
 
     bool ended = false;
     Platform platform{store,
@@ -58,14 +66,19 @@ int main(int argc, char* argv[])
                           ended = true;
                           QCoreApplication::quit();
                       }};
-    Application application(state, std::move(platform), windows, transport, nullptr, messages, instance);
+    Application application(state, std::move(platform), windows, transport, &equalizer, messages, instance);
 
-    commands.CloseApp = [&application] { application.CloseApp(); };
-    QObject::connect(&player, &PlayerWindow::closeRequested, [&application] { application.CloseApp(); });
+    // A take being recorded is kept when the program closes.
+    const auto closeApp = [&application, &recorder] {
+        recorder.StopVoiceRecord();
+        application.CloseApp();
+    };
+    commands.CloseApp = closeApp;
+    QObject::connect(&player, &PlayerWindow::closeRequested, closeApp);
     QObject::connect(&instance, &SingleInstance::commandLineReceived,
                      [&transport](const QString& handed) { transport.OpenFromCommandLine(handed); });
     windows.LyricLoaded = [&state](LyricWindow& lyric) { LogLitSyllables(lyric, state.Lyrics); };
-    ArmHeadlessRun([&application] { application.CloseApp(); });
+    ArmHeadlessRun(closeApp);
 
     if (!application.Main(commandLine) || ended)
         return 0;

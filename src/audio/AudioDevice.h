@@ -8,6 +8,10 @@
 struct BufferTiming {
     // Seconds on the device's clock (AudioDevice::Now) at which frame 0 of the buffer is heard.
     double heardAt = 0;
+    // While the input runs: as many interleaved stereo frames of the microphone as the buffer
+    // has, and the device-clock second at which the first of them reached the converter.
+    const float* input = nullptr;
+    double capturedAt = 0;
 };
 
 // What a device calls for every buffer. Real-time: no locks, no allocation, no I/O.
@@ -29,6 +33,18 @@ public:
     virtual double Now() const = 0;
     virtual std::string Name() const = 0;
     virtual std::string Error() const { return {}; }
+
+    // The capture side, beside the running output: input device 1 and up of InputDeviceNames(),
+    // anything else the default. False (and Error()) when the device cannot record.
+    virtual bool StartInput(int inputDeviceIndex) = 0;
+    virtual void StopInput() = 0;
+    virtual bool InputRunning() const = 0;
+    // Seconds from the air to the input buffer and from the output buffer to the air, as the
+    // device reports them.
+    virtual double InputLatency() const { return 0; }
+    virtual double OutputLatency() const { return 0; }
+    // True when input and output run in one stream, on one clock.
+    virtual bool Duplex() const { return false; }
 };
 
 // Seconds of the process's steady clock, the clock of every real device.

@@ -8,6 +8,10 @@
 
 class AudioSource {
 public:
+    // The mixer's line the source plays on: decoded files or the synthesiser.
+    enum class Bus { Wave = 0, Synth = 1 };
+
+    explicit AudioSource(Bus bus = Bus::Wave) : LineBus(bus) {}
     virtual ~AudioSource() = default;
 
     // Overwrites `frames` interleaved stereo frames. Real-time: no locks, no allocation, no I/O.
@@ -18,6 +22,7 @@ public:
     // -10000 (right silent) to 10000 (left silent), hundredths of a decibel on the weaker side.
     std::atomic<int> Balance{0};
     std::atomic<bool> Muted{false};
+    const Bus LineBus;
 };
 
 // Linear gain of a level in hundredths of a decibel; -10000 and below is exact silence, and no

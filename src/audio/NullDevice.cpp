@@ -1,5 +1,10 @@
 #include "audio/NullDevice.h"
 
+#include "audio/PcmConversion.h"
+
+#include <QFile>
+#include <QString>
+#include <algorithm>
 #include <chrono>
 
 double SteadySeconds()
@@ -8,7 +13,10 @@ double SteadySeconds()
 }
 
 NullDevice::NullDevice(int sampleRate, int framesPerBuffer)
-    : m_sampleRate(sampleRate), m_framesPerBuffer(framesPerBuffer), m_buffer(size_t(framesPerBuffer) * 2)
+    : m_sampleRate(sampleRate),
+      m_framesPerBuffer(framesPerBuffer),
+      m_buffer(size_t(framesPerBuffer) * 2),
+      m_input(size_t(framesPerBuffer) * 2)
 {
 }
 
@@ -32,6 +40,49 @@ void NullDevice::Stop()
         m_thread.join();
 }
 
+bool NullDevice::StartInput(int)
+{
+    if (m_inputRunning)
+        return true;
+    m_loop.clear();
+    m_loopRead = 0;
+    const QString wav = qEnvironmentVariable("SONGWEAVER_CAPTURE_WAV");
+    if (!wav.isEmpty()) {
+        std::string error;
+        m_loop = DecodeWholeFile(QFile::encodeName(wav).toStdString(), m_sampleRate, 2, error);
+        if (m_loop.empty()) {
+            m_error = "cannot read the capture file " + wav.toStdString() + ": " + error;
+            return false;
+        }
+    }
+    m_inputRunning = true;
+    return true;
+}
+
+void NullDevice::StopInput()
+{
+    m_inputRunning = false;
+    // The pacing thread marks itself busy before it reads the flag (both sequentially
+    // consistent), so once it is not busy it no longer reads the loop.
+    while (m_inputBusy.load())
+        std::this_thread::yield();
+}
+
+const float* NullDevice::NextInput() noexcept
+{
+    if (!m_inputRunning.load())
+        return nullptr;
+    if (m_loop.empty()) {
+        std::fill(m_input.begin(), m_input.end(), 0.0f);
+        return m_input.data();
+    }
+    for (float& sample : m_input) {
+        sample = m_loop[m_loopRead];
+        m_loopRead = (m_loopRead + 1) % m_loop.size();
+    }
+    return m_input.data();
+}
+
 void NullDevice::Pace(AudioRenderer& renderer)
 {
     using Clock = std::chrono::steady_clock;
@@ -42,6 +93,8 @@ void NullDevice::Pace(AudioRenderer& renderer)
         const double due = start + k * period;
         std::this_thread::sleep_until(Clock::time_point(std::chrono::duration_cast<Clock::duration>(
             std::chrono::duration<double>(due))));
-        renderer.Render(m_buffer.data(), m_framesPerBuffer, BufferTiming{due + period});
+        m_inputBusy = true;
+        renderer.Render(m_buffer.data(), m_framesPerBuffer, BufferTiming{due + period, NextInput(), due - period});
+        m_inputBusy = false;
     }
 }

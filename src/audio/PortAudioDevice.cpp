@@ -5,36 +5,61 @@
 
 #include <portaudio.h>
 
+#include <algorithm>
+
 namespace {
 
-int OutputDeviceAt(int index)
+// Input and output buffers are widened in blocks of this many frames at most.
+constexpr int kMaxBufferFrames = 16384;
+
+int DeviceAt(int index, bool input)
 {
     int seen = 0;
     for (int i = 0; i < Pa_GetDeviceCount(); ++i) {
         const PaDeviceInfo* info = Pa_GetDeviceInfo(i);
-        if (info && info->maxOutputChannels > 0 && ++seen == index)
+        if (info && (input ? info->maxInputChannels : info->maxOutputChannels) > 0 && ++seen == index)
             return i;
     }
-    return Pa_GetDefaultOutputDevice();
+    return input ? Pa_GetDefaultInputDevice() : Pa_GetDefaultOutputDevice();
 }
 
-// The stream callback PortAudio calls on its real-time thread.
-int RenderStream(const void*, void* output, unsigned long frames, const PaStreamCallbackTimeInfo* time,
+int RenderStream(const void* input, void* output, unsigned long frames, const PaStreamCallbackTimeInfo* time,
                  PaStreamCallbackFlags, void* device) noexcept
 {
-    static_cast<PortAudioDevice*>(device)->RenderBuffer(static_cast<float*>(output), int(frames), time->currentTime,
-                                                        time->outputBufferDacTime);
+    static_cast<PortAudioDevice*>(device)->RenderBuffer(static_cast<const float*>(input), static_cast<float*>(output),
+                                                        int(frames), time->currentTime, time->outputBufferDacTime,
+                                                        time->inputBufferAdcTime);
     return paContinue;
+}
+
+int CaptureStream(const void* input, void*, unsigned long frames, const PaStreamCallbackTimeInfo* time,
+                  PaStreamCallbackFlags, void* device) noexcept
+{
+    static_cast<PortAudioDevice*>(device)->TakeInputBuffer(static_cast<const float*>(input), int(frames),
+                                                           time->currentTime, time->inputBufferAdcTime);
+    return paContinue;
+}
+
+PaStreamParameters StreamParameters(int device, int channels, bool input)
+{
+    const PaDeviceInfo* info = Pa_GetDeviceInfo(device);
+    PaStreamParameters params{};
+    params.device = device;
+    params.channelCount = channels;
+    params.sampleFormat = paFloat32;
+    params.suggestedLatency = input ? info->defaultLowInputLatency : info->defaultLowOutputLatency;
+    return params;
 }
 
 } // namespace
 
 PortAudioDevice::PortAudioDevice(int deviceIndex)
+    : m_inputStereo(size_t(kMaxBufferFrames) * 2), m_ringInput(size_t(kMaxBufferFrames) * 2)
 {
     m_error = PortAudioStartError();
     if (!m_error.empty())
         return;
-    m_device = OutputDeviceAt(deviceIndex);
+    m_device = DeviceAt(deviceIndex, false);
     const PaDeviceInfo* info = m_device >= 0 ? Pa_GetDeviceInfo(m_device) : nullptr;
     if (!info) {
         m_error = "no output device";
@@ -51,47 +76,176 @@ PortAudioDevice::~PortAudioDevice()
 
 bool PortAudioDevice::Start(AudioRenderer& renderer)
 {
-    if (!m_error.empty())
+    if (m_device < 0)
         return false;
-    Stop();
-    const PaDeviceInfo* info = Pa_GetDeviceInfo(m_device);
-    PaStreamParameters params{};
-    params.device = m_device;
-    params.channelCount = 2;
-    params.sampleFormat = paFloat32;
-    params.suggestedLatency = info->defaultLowOutputLatency;
-
-    QuietAudioLibraries quiet;
     m_renderer = &renderer;
-    PaError err = Pa_OpenStream(&m_stream, nullptr, &params, m_sampleRate, paFramesPerBufferUnspecified,
-                                paNoFlag, &RenderStream, this);
-    if (err == paNoError) {
-        const PaStreamInfo* stream = Pa_GetStreamInfo(m_stream);
-        m_clock = std::make_unique<DacClock>(m_sampleRate, stream ? stream->outputLatency : 0);
-        err = Pa_StartStream(m_stream);
+    return OpenStreams();
+}
+
+void PortAudioDevice::Stop()
+{
+    CloseStreams();
+    m_renderer = nullptr;
+}
+
+bool PortAudioDevice::StartInput(int inputDeviceIndex)
+{
+    if (m_device < 0)
+        return false;
+    const int device = DeviceAt(inputDeviceIndex, true);
+    const PaDeviceInfo* info = device >= 0 ? Pa_GetDeviceInfo(device) : nullptr;
+    if (!info) {
+        m_error = "no recording device";
+        return false;
     }
-    if (err != paNoError) {
-        m_error = Pa_GetErrorText(err);
-        Stop();
+    m_inputDevice = device;
+    m_inputChannels = std::min(2, info->maxInputChannels);
+    if (!m_renderer || OpenStreams())
+        return true;
+    // The output must go on even when the microphone cannot be had.
+    m_inputDevice = -1;
+    const std::string error = m_error;
+    OpenStreams();
+    m_error = error;
+    return false;
+}
+
+void PortAudioDevice::StopInput()
+{
+    if (m_inputDevice < 0)
+        return;
+    m_inputDevice = -1;
+    if (m_renderer)
+        OpenStreams();
+}
+
+bool PortAudioDevice::OpenStreams()
+{
+    CloseStreams();
+    QuietAudioLibraries quiet;
+    m_duplex = false;
+    if (m_inputDevice >= 0 && OpenOutput(true)) {
+        m_duplex = true;
+        return true;
+    }
+    if (!OpenOutput(false))
+        return false;
+    if (m_inputDevice >= 0 && !OpenSeparateInput()) {
+        CloseStreams();
+        OpenOutput(false);
         return false;
     }
     return true;
 }
 
-void PortAudioDevice::Stop()
+bool PortAudioDevice::OpenOutput(bool withInput)
 {
-    if (!m_stream)
-        return;
-    QuietAudioLibraries quiet;
-    Pa_StopStream(m_stream);
-    Pa_CloseStream(m_stream);
-    m_stream = nullptr;
+    const PaStreamParameters output = StreamParameters(m_device, 2, false);
+    const PaStreamParameters input = withInput ? StreamParameters(m_inputDevice, m_inputChannels, true)
+                                               : PaStreamParameters{};
+    PaError err = Pa_OpenStream(&m_stream, withInput ? &input : nullptr, &output, m_sampleRate,
+                                paFramesPerBufferUnspecified, paNoFlag, &RenderStream, this);
+    if (err == paNoError) {
+        const PaStreamInfo* stream = Pa_GetStreamInfo(m_stream);
+        m_outputLatency = stream ? stream->outputLatency : 0;
+        if (withInput)
+            m_inputLatency = stream ? stream->inputLatency : 0;
+        m_clock = std::make_unique<DacClock>(m_sampleRate, m_outputLatency);
+        err = Pa_StartStream(m_stream);
+    }
+    if (err != paNoError) {
+        if (!withInput)
+            m_error = Pa_GetErrorText(err);
+        if (m_stream)
+            Pa_CloseStream(m_stream);
+        m_stream = nullptr;
+        return false;
+    }
+    return true;
 }
 
-void PortAudioDevice::RenderBuffer(float* output, int frames, double streamNow, double dacTime) noexcept
+bool PortAudioDevice::OpenSeparateInput()
 {
-    const double heardAt = m_clock->HeardAt(SteadySeconds(), streamNow, dacTime, frames);
-    m_renderer->Render(output, frames, BufferTiming{heardAt});
+    m_inputRing.Clear();
+    const PaStreamParameters input = StreamParameters(m_inputDevice, m_inputChannels, true);
+    PaError err = Pa_OpenStream(&m_inputStream, &input, nullptr, m_sampleRate, paFramesPerBufferUnspecified, paNoFlag,
+                                &CaptureStream, this);
+    if (err == paNoError) {
+        const PaStreamInfo* stream = Pa_GetStreamInfo(m_inputStream);
+        m_inputLatency = stream ? stream->inputLatency : 0;
+        err = Pa_StartStream(m_inputStream);
+    }
+    if (err != paNoError) {
+        m_error = Pa_GetErrorText(err);
+        if (m_inputStream)
+            Pa_CloseStream(m_inputStream);
+        m_inputStream = nullptr;
+        return false;
+    }
+    return true;
+}
+
+void PortAudioDevice::CloseStreams()
+{
+    QuietAudioLibraries quiet;
+    for (PaStream** stream : {&m_stream, &m_inputStream}) {
+        if (!*stream)
+            continue;
+        Pa_StopStream(*stream);
+        Pa_CloseStream(*stream);
+        *stream = nullptr;
+    }
+}
+
+double PortAudioDevice::CapturedAt(double cpuNow, double streamNow, double adcTime, int frames) const
+{
+    const double age = streamNow - adcTime;
+    if (adcTime > 0 && age >= 0 && age < DacClock::kMaxLatency)
+        return cpuNow - age;
+    return cpuNow - m_inputLatency - double(frames) / m_sampleRate;
+}
+
+int PortAudioDevice::Widen(const float* input, int frames) noexcept
+{
+    const int n = std::min(frames, kMaxBufferFrames);
+    for (int i = 0; i < n; ++i) {
+        const float left = input[i * m_inputChannels];
+        m_inputStereo[size_t(2 * i)] = left;
+        m_inputStereo[size_t(2 * i + 1)] = m_inputChannels > 1 ? input[i * m_inputChannels + 1] : left;
+    }
+    return n;
+}
+
+void PortAudioDevice::RenderBuffer(const float* input, float* output, int frames, double streamNow, double dacTime,
+                                   double adcTime) noexcept
+{
+    const double cpuNow = SteadySeconds();
+    BufferTiming timing{m_clock->HeardAt(cpuNow, streamNow, dacTime, frames)};
+    if (input && frames <= kMaxBufferFrames) {
+        Widen(input, frames);
+        timing.input = m_inputStereo.data();
+        timing.capturedAt = CapturedAt(cpuNow, streamNow, adcTime, frames);
+    } else if (m_inputStream && frames <= kMaxBufferFrames) {
+        // The input stream runs on its own clock: take what it has, silence for what it lacks.
+        const size_t first = m_inputRing.TotalRead();
+        const size_t got = m_inputRing.Read(m_ringInput.data(), size_t(frames) * 2);
+        std::fill(m_ringInput.begin() + std::ptrdiff_t(got), m_ringInput.begin() + std::ptrdiff_t(frames) * 2, 0.0f);
+        timing.input = m_ringInput.data();
+        const double blockAt = m_ringBlockAt.load();
+        const auto framesAfterBlock = double(std::ptrdiff_t(first) - std::ptrdiff_t(m_ringBlockStart.load())) / 2;
+        timing.capturedAt = blockAt + framesAfterBlock / m_sampleRate;
+    }
+    m_renderer->Render(output, frames, timing);
+}
+
+void PortAudioDevice::TakeInputBuffer(const float* input, int frames, double streamNow, double adcTime) noexcept
+{
+    if (!input)
+        return;
+    const int n = Widen(input, frames);
+    m_ringBlockAt.store(CapturedAt(SteadySeconds(), streamNow, adcTime, frames));
+    m_ringBlockStart.store(m_inputRing.TotalWritten());
+    m_inputRing.Write(m_inputStereo.data(), size_t(n) * 2);
 }
 
 std::unique_ptr<AudioDevice> CreateOutputDevice(int deviceIndex)

@@ -69,7 +69,9 @@ QuietAudioLibraries::~QuietAudioLibraries()
     }
 }
 
-QStringList OutputDeviceNames()
+namespace {
+
+QStringList DeviceNames(bool input)
 {
     QStringList names;
     if (!PortAudioStartError().empty())
@@ -77,10 +79,22 @@ QStringList OutputDeviceNames()
     const int count = Pa_GetDeviceCount();
     for (int i = 0; i < count; ++i) {
         const PaDeviceInfo* info = Pa_GetDeviceInfo(i);
-        if (info && info->maxOutputChannels > 0)
+        if (info && (input ? info->maxInputChannels : info->maxOutputChannels) > 0)
             names << QString::fromLocal8Bit(info->name);
     }
     return names;
+}
+
+} // namespace
+
+QStringList OutputDeviceNames()
+{
+    return DeviceNames(false);
+}
+
+QStringList InputDeviceNames()
+{
+    return DeviceNames(true);
 }
 
 bool HasOutputDevice()

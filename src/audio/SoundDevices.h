@@ -16,6 +16,8 @@ const std::string& PortAudioStartError();
 
 // Names of the output devices PortAudio reports.
 QStringList OutputDeviceNames();
+// Names of the devices PortAudio can record from.
+QStringList InputDeviceNames();
 
 // True when the null device is chosen or PortAudio reports an output device.
 bool HasOutputDevice();

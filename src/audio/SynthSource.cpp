@@ -81,7 +81,7 @@ std::shared_ptr<SynthSource> SynthSource::Create(const std::string& soundFont, i
 }
 
 SynthSource::SynthSource(int sampleRate, std::unique_ptr<Synth> synth)
-    : m_sampleRate(sampleRate), m_synth(std::move(synth))
+    : AudioSource(Bus::Synth), m_sampleRate(sampleRate), m_synth(std::move(synth))
 {
 }
 

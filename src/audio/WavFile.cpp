@@ -1,9 +1,9 @@
 #include "audio/WavFile.h"
 
+#include "audio/PcmConversion.h"
+
 #include <QDataStream>
 #include <QSaveFile>
-#include <algorithm>
-#include <cmath>
 
 QByteArray WavHeader(int sampleRate, int channels, int bitsPerSample, quint32 dataBytes)
 {
@@ -23,13 +23,7 @@ QByteArray WavHeader(int sampleRate, int channels, int bitsPerSample, quint32 da
 
 bool WriteStereoWav(const QString& path, const std::vector<float>& interleaved, int sampleRate)
 {
-    QByteArray samples;
-    samples.reserve(qsizetype(interleaved.size() * 2));
-    for (float value : interleaved) {
-        const auto sample = qint16(std::lround(std::clamp(value, -1.0f, 1.0f) * 32767.0f));
-        samples.append(char(sample & 0xFF));
-        samples.append(char((sample >> 8) & 0xFF));
-    }
+    const QByteArray samples = Pcm16Of(interleaved);
     QSaveFile file(path);
     return file.open(QIODevice::WriteOnly) && file.write(WavHeader(sampleRate, 2, 16, quint32(samples.size())))
            && file.write(samples) == samples.size() && file.commit();

@@ -2,6 +2,7 @@
 
 #include "playback/PlayerState.h"
 #include "playback/PlayerTransport.h"
+#include "playback/VoiceCommands.h"
 #include "tags/MP3Class.h"
 
 #include <QFile>
@@ -22,9 +23,9 @@ const char* const kButtonKeys[] = {nullptr,           "Previous", "Play",   "Pau
 bool CommandNotBuiltYet(const QString& key)
 {
     static const std::set<QString> kNotBuiltYet = {
-        QStringLiteral("Preferences"), QStringLiteral("SwitchMicrophone"),
-        QStringLiteral("Record"),      QStringLiteral("YourVoice"),
-        QStringLiteral("About"),       QStringLiteral("MnuHelp"),
+        QStringLiteral("Preferences"),
+        QStringLiteral("About"),
+        QStringLiteral("MnuHelp"),
     };
     return kNotBuiltYet.count(key) > 0;
 }
@@ -75,6 +76,17 @@ void PlayerCommands::ButtonAction(int button)
     case 10:
         TogglePlaylist();
         break;
+    case 11:
+        if (!recording && m_transport.Voice())
+            m_transport.Voice()->SwitchMicrophone();
+        break;
+    case 12:
+        ToggleRecording();
+        break;
+    case 13:
+        if (VoiceCommands* voice = m_transport.Voice())
+            m_state.VoicePlaying ? voice->StopVoice() : voice->ToggleVoice();
+        break;
     case 14:
         if (!recording)
             ToggleEditor();
@@ -83,6 +95,12 @@ void PlayerCommands::ButtonAction(int button)
         ToggleKaraoke();
         break;
     }
+}
+
+void PlayerCommands::ToggleRecording()
+{
+    if (VoiceCommands* voice = m_transport.Voice())
+        m_state.Recording ? voice->StopVoiceRecord() : voice->StartVoiceRecord();
 }
 
 void PlayerCommands::ToggleMute()
@@ -245,10 +263,23 @@ bool PlayerCommands::KeyDown(int key, Qt::KeyboardModifiers modifiers)
             GetInfo();
         return true;
     }
-    if (key == Qt::Key_M)
-        return !CommandNotBuiltYet(QStringLiteral("SwitchMicrophone"));
-    if (key == Qt::Key_R || key == Qt::Key_S)
-        return !CommandNotBuiltYet(QString::fromLatin1(key == Qt::Key_R ? "Record" : "YourVoice"));
+    VoiceCommands* voice = m_transport.Voice();
+    if (key == Qt::Key_M) {
+        if (!recording && voice)
+            voice->SwitchMicrophone();
+        return voice != nullptr;
+    }
+    if (key == Qt::Key_R) {
+        ToggleRecording();
+        return voice != nullptr;
+    }
+    // The key's test runs the other way round from the button's: with the voice playing it
+    // places the voice again at the song's second, and it never starts it.
+    if (key == Qt::Key_S) {
+        if (voice)
+            m_state.VoicePlaying ? voice->ToggleVoice() : voice->StopVoice();
+        return voice != nullptr;
+    }
     if (key == Qt::Key_L && alt) {
         TogglePlaylist();
         return true;

@@ -63,6 +63,7 @@ private:
     void ToggleEditor();
     void SwapTimeStyle();
     void ToggleMute();
+    void ToggleRecording();
 
     PlayerState& m_state;
     FormProvider& m_forms;

@@ -7,6 +7,7 @@
 #include "playback/MidiControls.h"
 #include "playback/MediaSession.h"
 #include "playback/PlayerState.h"
+#include "playback/VoiceCommands.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -129,8 +130,9 @@ void PlayerTransport::StopSong()
     KaraokeForm* lyric = m_forms.Lyric();
     if (m_state.KaraokeOpen && lyric)
         lyric->ClearLyrics();
-    if (m_state.VoiceControl)
-        m_state.VoiceControl->Stop();
+    if (m_state.Recording && m_voice)
+        m_voice->StopVoiceRecord();
+    StopVoice();
     m_ticks.Stop();
     if (m_state.Session) {
         m_state.Session->put_CurrentPosition(0);
@@ -141,6 +143,16 @@ void PlayerTransport::StopSong()
     if (lyric)
         lyric->GetLastPos();
     TransportLamps(0, 0, 1);
+}
+
+void PlayerTransport::StopVoice()
+{
+    if (!m_state.VoiceControl)
+        return;
+    if (m_voice)
+        m_voice->StopVoice();
+    else
+        m_state.VoiceControl->Stop();
 }
 
 void PlayerTransport::CloseSong()
@@ -160,8 +172,7 @@ void PlayerTransport::CloseSong()
         midi->CloseDevice();
     m_state.IsMidi = false;
     m_state.MidiDuration = 0;
-    if (m_state.VoiceControl)
-        m_state.VoiceControl->Stop();
+    StopVoice();
     if (m_state.Session) {
         m_state.Session->Stop();
         m_state.Session.reset();

@@ -14,6 +14,7 @@ struct PlayerState;
 class AudioEngine;
 class MP3Class;
 class SongSession;
+class VoiceCommands;
 
 // The path a command line names: made absolute, and a lyrics file ("...lrs") stands for the
 // song beside it with the extension "mp3".
@@ -34,6 +35,9 @@ public:
                     SessionFactory sessions = BuiltInSessions);
 
     PlaybackTicks& Ticks() { return m_ticks; }
+    // Recording and the voice's playback; without them the voice commands are refused.
+    void AttachVoice(VoiceCommands& voice) { m_voice = &voice; }
+    VoiceCommands* Voice() const { return m_voice; }
 
     // Starts the output stream once. A device that cannot play is reported once on stderr and
     // replaced by the null device, so the program still runs and keeps time.
@@ -82,6 +86,7 @@ private:
     bool CreateGraph(const QString& path);
     std::unique_ptr<SongSession> RenderedSession(const QString& path, bool& failed);
     void TransportLamps(int play, int pause, int stop);
+    void StopVoice();
     void OpenAudioSong(const QString& path, bool autoplay);
     void OpenMidiSong(const QString& path);
     void ReportUnplayable();
@@ -97,6 +102,7 @@ private:
     SongList& m_list;
     MessageBoxes* m_messages;
     SessionFactory m_sessions;
+    VoiceCommands* m_voice = nullptr;
     PlaybackTicks m_ticks;
     bool m_opening = false;
     QString m_unavailableKind;  // the message of a session that could play no song of its kind

@@ -29,6 +29,7 @@ class FakeMessages final : public MessageBoxes {
 public:
     explicit FakeMessages(Journal& j) : m_journal(j) {}
     void Critical(const QString& text) override { m_journal(QStringLiteral("Critical ") + text); }
+    void Inform(const QString& text) override { m_journal(QStringLiteral("Inform ") + text); }
 
 private:
     Journal& m_journal;

@@ -148,6 +148,7 @@ TEST_F(Evening, ALoadIsNeverNestedInAnother)
     struct Reentrant final : MessageBoxes {
         std::function<void()> during;
         void Critical(const QString&) override { during(); }
+        void Inform(const QString&) override {}
     } messages;
     PlayerTransport withMessages{state, windows, state.Songs, &messages};
     messages.during = [&] { nested = withMessages.OpenSong(second, true); };

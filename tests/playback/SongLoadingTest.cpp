@@ -15,6 +15,7 @@ namespace {
 class RecordedMessages final : public MessageBoxes {
 public:
     void Critical(const QString& text) override { shown << text; }
+    void Inform(const QString& text) override { shown << text; }
     QStringList shown;
 };
 

@@ -21,3 +21,8 @@ void WidgetMessageBoxes::Critical(const QString& text)
 {
     QMessageBox::critical(nullptr, QStringLiteral("Songweaver"), DisplayText(text));
 }
+
+void WidgetMessageBoxes::Inform(const QString& text)
+{
+    QMessageBox::information(nullptr, QStringLiteral("Songweaver"), DisplayText(text));
+}

@@ -16,4 +16,5 @@ void SetTopMost(QWidget& window, bool flag);
 class WidgetMessageBoxes final : public MessageBoxes {
 public:
     void Critical(const QString& text) override;
+    void Inform(const QString& text) override;
 };

@@ -5,9 +5,11 @@
 #include "midi/MidiKnobs.h"
 #include "playback/MidiControls.h"
 #include "playback/PlayerState.h"
+#include "playback/VoiceCommands.h"
 #include "ui/kit/Desktop.h"
 #include "ui/kit/Docking.h"
 #include "ui/midi/MidiEqLayout.h"
+#include "voice/Equalizer.h"
 
 #include <QCloseEvent>
 #include <QMouseEvent>
@@ -22,6 +24,11 @@ namespace {
 constexpr int kMaxControllerValue = 127;
 // A whole-song balance drag: pixels for the knob's full turn.
 constexpr double kBalanceDragPixels = 160;
+
+// The level bar follows the microphone this often.
+constexpr int kLevelMilliseconds = 50;
+// The right column of the equaliser face: the switch, the bar and the voice's fader.
+constexpr QRectF kMicrophoneColumn{192, 28, 64, 124};
 
 int FaderValueAt(double y)
 {
@@ -48,12 +55,71 @@ MidiEq::MidiEq(PlayerState& state, SettingsStore& store, Docking& docking)
     setMouseTracking(true);
     setFixedSize(kWidth, kHeight);
     ZeroVariables();
+    m_levelTimer.setInterval(kLevelMilliseconds);
+    connect(&m_levelTimer, &QTimer::timeout, this, [this] { FollowLevel(); });
     // Opened while a MIDI song plays, the window shows that song's channels.
     if (m_state.IsMidi)
         ChangeMidi(m_state.CurrentFile, 0);
 }
 
 MidiEq::~MidiEq() = default;
+
+void MidiEq::AttachVoice(Equalizer& equalizer, VoiceCommands& voice)
+{
+    m_equalizer = &equalizer;
+    m_voice = &voice;
+    m_levelTimer.start();
+}
+
+void MidiEq::FollowLevel()
+{
+    if (!m_equalizer)
+        return;
+    const int pixels = m_equalizer->PollLevel();
+    if (m_face != Face::Equaliser || !isVisible())
+        return;
+    // The switch may have moved through the main window's button or key as well.
+    if (pixels != m_levelPixels || m_shownMicrophone != m_state.MicrophoneOn) {
+        m_levelPixels = pixels;
+        m_shownMicrophone = m_state.MicrophoneOn;
+        update(kMicrophoneColumn.toAlignedRect());
+    }
+}
+
+void MidiEq::MoveBass(int value)
+{
+    if (!m_equalizer)
+        return;
+    m_equalizer->setBass(value);
+    update();
+}
+
+void MidiEq::MoveTreble(int value)
+{
+    if (!m_equalizer)
+        return;
+    m_equalizer->setTreble(value);
+    update();
+}
+
+void MidiEq::MoveVoiceVolume(int value)
+{
+    if (!m_state.Theme)
+        return;
+    m_state.Theme->VoiceVolume = int16_t(std::clamp(value, 0, kVoiceFaderMax));
+    if (m_state.VoiceControl && m_equalizer)
+        m_state.VoiceControl->put_Volume(m_equalizer->VoiceLevel());
+    update(kMicrophoneColumn.toAlignedRect());
+}
+
+void MidiEq::PressMicrophone()
+{
+    // The same switch as the main window's button, refused while a take is recorded.
+    if (m_voice && !m_state.Recording)
+        m_voice->SwitchMicrophone();
+    m_shownMicrophone = m_state.MicrophoneOn;
+    update(kMicrophoneColumn.toAlignedRect());
+}
 
 QString MidiEq::Text(const char* key) const
 {
@@ -225,12 +291,8 @@ MidiEq::Hit MidiEq::HitAt(QPointF at) const
         return {Part::Tone};
     if (KnobTrack(kTempoX).adjusted(-4, -4, 4, 4).contains(at))
         return {Part::Tempo};
-    if (m_face == Face::Equaliser) {
-        const QPointF d = at - kBalanceKnob;
-        if (std::hypot(d.x(), d.y()) <= kBalanceRadius + 6)
-            return {Part::SongBalance};
-        return {Part::Window};
-    }
+    if (m_face == Face::Equaliser)
+        return EqualiserHitAt(at);
     for (int channel = 0; channel < kChannels; ++channel) {
         if (!StripBox(channel).contains(at))
             continue;
@@ -243,6 +305,21 @@ MidiEq::Hit MidiEq::HitAt(QPointF at) const
         if (PanBox(channel).contains(at))
             return {Part::Pan, channel};
     }
+    return {Part::Window};
+}
+
+MidiEq::Hit MidiEq::EqualiserHitAt(QPointF at) const
+{
+    if (KnobBox(kBalanceKnob).contains(at))
+        return {Part::SongBalance};
+    if (m_equalizer && KnobBox(kBassKnob).contains(at))
+        return {Part::Bass};
+    if (m_equalizer && KnobBox(kTrebleKnob).contains(at))
+        return {Part::Treble};
+    if (kMicSwitch.contains(at))
+        return {Part::Microphone};
+    if (VoiceFaderBox().contains(at))
+        return {Part::VoiceFader};
     return {Part::Window};
 }
 
@@ -263,6 +340,15 @@ void MidiEq::mousePressEvent(QMouseEvent* event)
     case Part::Mute:
         ToggleMute(hit.channel);
         return;
+    case Part::Microphone:
+        PressMicrophone();
+        return;
+    case Part::Bass:
+        m_dragStartValue = m_equalizer->Bass();
+        break;
+    case Part::Treble:
+        m_dragStartValue = m_equalizer->Treble();
+        break;
     case Part::Window:
         m_drag = hit;
         m_windowOffset = event->globalPosition().toPoint() - pos();
@@ -301,6 +387,15 @@ void MidiEq::DragTo(QPointF at)
     case Part::SongBalance:
         MoveSongBalance(m_dragStartValue + int(std::lround(turned / kBalanceDragPixels * 2 * kBalanceCentre)));
         break;
+    case Part::Bass:
+        MoveBass(m_dragStartValue + int(std::lround(turned / kBalanceDragPixels * 2 * Equalizer::kKnobCentre)));
+        break;
+    case Part::Treble:
+        MoveTreble(m_dragStartValue + int(std::lround(turned / kBalanceDragPixels * 2 * Equalizer::kKnobCentre)));
+        break;
+    case Part::VoiceFader:
+        MoveVoiceVolume(int(std::lround((at.y() - kVoiceFaderTop) / (kVoiceFaderBottom - kVoiceFaderTop) * kVoiceFaderMax)));
+        break;
     default:
         break;
     }
@@ -318,6 +413,11 @@ void MidiEq::mouseMoveEvent(QMouseEvent* event)
         return;
     }
     const bool switcherHover = kSwitcher.contains(at);
+    const bool microphoneHover = m_face == Face::Equaliser && kMicSwitch.contains(at);
+    if (microphoneHover != m_microphoneHover) {
+        m_microphoneHover = microphoneHover;
+        update(kMicSwitch.toAlignedRect());
+    }
     int hoverChannel = -1;
     for (int channel = 0; channel < kChannels && m_face == Face::Strips; ++channel)
         if (StripBox(channel).contains(at))
@@ -337,6 +437,7 @@ void MidiEq::mouseReleaseEvent(QMouseEvent*)
 void MidiEq::leaveEvent(QEvent*)
 {
     m_switcherHover = false;
+    m_microphoneHover = false;
     m_hoverChannel = -1;
     update();
 }
@@ -355,6 +456,12 @@ void MidiEq::ResetControl(const Hit& hit)
         break;
     case Part::SongBalance:
         MoveSongBalance(kBalanceCentre);
+        break;
+    case Part::Bass:
+        MoveBass(Equalizer::kKnobCentre);
+        break;
+    case Part::Treble:
+        MoveTreble(Equalizer::kKnobCentre);
         break;
     default:
         break;
@@ -387,6 +494,15 @@ void MidiEq::Nudge(const Hit& hit, int steps)
         break;
     case Part::SongBalance:
         MoveSongBalance(m_state.SongBalance + 500 * steps);
+        break;
+    case Part::Bass:
+        MoveBass(m_equalizer->Bass() + 500 * steps);
+        break;
+    case Part::Treble:
+        MoveTreble(m_equalizer->Treble() + 500 * steps);
+        break;
+    case Part::VoiceFader:
+        MoveVoiceVolume((m_state.Theme ? m_state.Theme->VoiceVolume : 0) - steps);
         break;
     default:
         break;

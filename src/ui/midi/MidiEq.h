@@ -5,11 +5,14 @@
 
 #include "core/Forms.h"
 
+#include <QTimer>
 #include <QWidget>
 #include <array>
 
 class Docking;
+class Equalizer;
 class SettingsStore;
+class VoiceCommands;
 struct PlayerState;
 
 class MidiEq final : public QWidget, public ControlsForm {
@@ -27,6 +30,8 @@ public:
 
     MidiEq(PlayerState& state, SettingsStore& store, Docking& docking);
     ~MidiEq() override;
+    // The equaliser face's tone knobs, level bar and microphone switch work once these are given.
+    void AttachVoice(Equalizer& equalizer, VoiceCommands& voice);
 
     void Show() override;
     void Hide() override;
@@ -43,7 +48,14 @@ public:
     void MoveTranspose(int top);
     void MoveTempo(int top);
     void MoveSongBalance(int value);
+    void MoveBass(int value);
+    void MoveTreble(int value);
+    // 0 loudest to 91 silent.
+    void MoveVoiceVolume(int value);
+    void PressMicrophone();
     void Switch();
+    // Lit pixels of the microphone's level bar.
+    int LevelPixels() const { return m_levelPixels; }
 
     const Strip& StripOf(int channel) const { return m_strips[size_t(channel)]; }
     int TransposeTop() const { return m_transposeTop; }
@@ -66,7 +78,9 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
-    enum class Part { None, Window, Switcher, Close, Mute, Volume, Pan, Tone, Tempo, SongBalance };
+    enum class Part {
+        None, Window, Switcher, Close, Mute, Volume, Pan, Tone, Tempo, SongBalance, Bass, Treble, Microphone, VoiceFader
+    };
     struct Hit {
         Part part = Part::None;
         int channel = -1;
@@ -82,6 +96,11 @@ private:
     void PaintStrips(QPainter& painter) const;
     void PaintStrip(QPainter& painter, int channel) const;
     void PaintEqualiser(QPainter& painter) const;
+    void PaintEqKnob(QPainter& painter, QPointF centre, const QString& caption, double share,
+                     const QString& value) const;
+    void PaintMicrophone(QPainter& painter) const;
+    Hit EqualiserHitAt(QPointF at) const;
+    void FollowLevel();
     void PaintKnobs(QPainter& painter) const;
     void PaintKnob(QPainter& painter, double x, int top, const QString& caption, const QString& label,
                    const QString& effect) const;
@@ -102,4 +121,11 @@ private:
     QPoint m_windowOffset;
     int m_hoverChannel = -1;
     bool m_switcherHover = false;
+    bool m_microphoneHover = false;
+    bool m_shownMicrophone = false;
+
+    Equalizer* m_equalizer = nullptr;
+    VoiceCommands* m_voice = nullptr;
+    QTimer m_levelTimer;
+    int m_levelPixels = 0;
 };

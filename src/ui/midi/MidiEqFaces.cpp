@@ -8,9 +8,11 @@
 #include "playback/PlayerState.h"
 #include "ui/kit/Palette.h"
 #include "ui/midi/MidiEqLayout.h"
+#include "voice/Equalizer.h"
 
 #include <QPainter>
 #include <QPainterPath>
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 
@@ -30,6 +32,13 @@ QFont PixelFont(const QFont& base, int pixels, bool bold, double spacing = 0)
     if (spacing > 0)
         font.setLetterSpacing(QFont::AbsoluteSpacing, spacing);
     return font;
+}
+
+// A tone knob's shelf, as "+4.5 dB".
+QString ToneText(int knob)
+{
+    const int shelf = Equalizer::ShelfOfKnob(knob);
+    return shelf == 0 ? QStringLiteral("0 dB") : QString::asprintf("%+.1f dB", shelf / 100.0);
 }
 
 // A point at `degrees` clockwise from twelve o'clock.
@@ -225,22 +234,77 @@ void MidiEq::PaintEqualiser(QPainter& painter) const
 {
     const QRectF well = kStripWell.united(kStripDisplay);
     PaintWell(painter, well);
-    painter.setFont(PixelFont(font(), 8, true, 1.5));
+    const int bass = m_equalizer ? m_equalizer->Bass() : Equalizer::kKnobCentre;
+    const int treble = m_equalizer ? m_equalizer->Treble() : Equalizer::kKnobCentre;
+    PaintEqKnob(painter, kBassKnob, QStringLiteral("BASS"), bass / (2.0 * Equalizer::kKnobCentre), ToneText(bass));
+    PaintEqKnob(painter, kTrebleKnob, QStringLiteral("TREBLE"), treble / (2.0 * Equalizer::kKnobCentre),
+                ToneText(treble));
+    PaintEqKnob(painter, kBalanceKnob, QStringLiteral("BALANCE"), m_state.SongBalance / (2.0 * kBalanceCentre),
+                BalanceText(m_state.SongBalance, kBalanceCentre));
+    painter.setFont(PixelFont(font(), 8, true));
     painter.setPen(Palette::CaptionText);
-    painter.drawText(QRectF(well.left(), 32, well.width(), 12), Qt::AlignCenter, QStringLiteral("BALANCE"));
-
-    const double share = m_state.SongBalance / (2.0 * kBalanceCentre);
-    PaintRoundKnob(painter, kBalanceKnob, kBalanceRadius, share, true, true);
-    painter.setFont(PixelFont(font(), 9, true));
-    painter.setPen(Palette::CaptionText);
-    const QPointF left = OnCircle(kBalanceKnob, kBalanceRadius + 15, -kSweep);
-    const QPointF right = OnCircle(kBalanceKnob, kBalanceRadius + 15, kSweep);
+    const QPointF left = OnCircle(kBalanceKnob, kEqKnobRadius + 12, -kSweep);
+    const QPointF right = OnCircle(kBalanceKnob, kEqKnobRadius + 12, kSweep);
     painter.drawText(QRectF(left.x() - 8, left.y() - 6, 16, 12), Qt::AlignCenter, QStringLiteral("L"));
     painter.drawText(QRectF(right.x() - 8, right.y() - 6, 16, 12), Qt::AlignCenter, QStringLiteral("R"));
 
-    const QRectF screen(kBalanceKnob.x() - 26, 136, 52, 17);
+    painter.setPen(QPen(Palette::WellEdge, 1));
+    painter.drawLine(QPointF(188, 34), QPointF(188, 164));
+    PaintMicrophone(painter);
+}
+
+void MidiEq::PaintEqKnob(QPainter& painter, QPointF centre, const QString& caption, double share,
+                         const QString& value) const
+{
+    painter.setFont(PixelFont(font(), 8, true, 1.5));
+    painter.setPen(Palette::CaptionText);
+    painter.drawText(QRectF(centre.x() - 28, 38, 56, 12), Qt::AlignCenter, caption);
+    PaintRoundKnob(painter, centre, kEqKnobRadius, share, true, true);
+    const QRectF screen(centre.x() - 25, 132, 50, 17);
     PaintWell(painter, screen, 4);
-    painter.setFont(PixelFont(font(), 11, true));
+    painter.setFont(PixelFont(font(), 10, true));
     painter.setPen(Palette::LitBlue);
-    painter.drawText(screen, Qt::AlignCenter, BalanceText(m_state.SongBalance, kBalanceCentre));
+    painter.drawText(screen, Qt::AlignCenter, value);
+}
+
+void MidiEq::PaintMicrophone(QPainter& painter) const
+{
+    // The switch: lit while the microphone is on.
+    const bool on = m_state.MicrophoneOn;
+    PaintButtonFace(painter, kMicSwitch, kMicSwitch.height() / 2, m_microphoneHover);
+    painter.setFont(PixelFont(font(), 8, true, 1.2));
+    painter.setPen(on ? Palette::LitGreen : Palette::ButtonText);
+    painter.drawText(kMicSwitch, Qt::AlignCenter, QStringLiteral("MIC"));
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(on ? Palette::LitGreen : Palette::Unlit);
+    painter.drawEllipse(QPointF(kMicSwitch.left() + 9, kMicSwitch.center().y()), 2.5, 2.5);
+
+    // The level bar: lit from the bottom, green to amber to red.
+    PaintWell(painter, kLevelBar.adjusted(-2, -2, 2, 2), 2);
+    painter.setBrush(Palette::Unlit);
+    painter.drawRect(kLevelBar);
+    const double lit = m_levelPixels;
+    if (lit > 0) {
+        QLinearGradient level(0, kLevelBar.bottom(), 0, kLevelBar.top());
+        level.setColorAt(0, Palette::LitGreen);
+        level.setColorAt(0.7, Palette::LitAmber);
+        level.setColorAt(1, Palette::LitRed);
+        painter.setBrush(level);
+        painter.drawRect(QRectF(kLevelBar.left(), kLevelBar.bottom() - lit, kLevelBar.width(), lit));
+    }
+
+    // The voice's fader: its top is the loudest.
+    painter.setBrush(kGroove);
+    painter.drawRoundedRect(QRectF(kVoiceFaderX - 2, kVoiceFaderTop, 4, kVoiceFaderBottom - kVoiceFaderTop), 2, 2);
+    const double share = double(m_state.Theme ? m_state.Theme->VoiceVolume : 33) / kVoiceFaderMax;
+    const double y = kVoiceFaderTop + std::clamp(share, 0.0, 1.0) * (kVoiceFaderBottom - kVoiceFaderTop);
+    const QRectF knob(kVoiceFaderX - 8, y - 4, 16, 8);
+    PaintButtonFace(painter, knob, 2, false);
+    painter.setPen(QPen(Palette::LitAmber, 1.2, Qt::SolidLine, Qt::RoundCap));
+    painter.drawLine(QPointF(knob.left() + 4, knob.center().y()), QPointF(knob.right() - 4, knob.center().y()));
+
+    painter.setFont(PixelFont(font(), 8, true, 1.2));
+    painter.setPen(Palette::CaptionText);
+    painter.drawText(QRectF(kLevelBar.center().x() - 16, 132, 32, 17), Qt::AlignCenter, QStringLiteral("IN"));
+    painter.drawText(QRectF(kVoiceFaderX - 20, 132, 40, 17), Qt::AlignCenter, QStringLiteral("VOICE"));
 }

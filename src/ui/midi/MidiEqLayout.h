@@ -43,8 +43,21 @@ constexpr double kKnobHeight = 10;
 constexpr double kKnobWidth = 22;
 inline QRectF KnobTrack(double x) { return {x - kKnobWidth / 2, kKnobTravelTop, kKnobWidth, kKnobTravelBottom - kKnobTravelTop + kKnobHeight}; }
 
-// The equaliser face: the whole-song balance knob.
-constexpr QPointF kBalanceKnob{132, 90};
-constexpr double kBalanceRadius = 27;
+// The equaliser face: the bass, treble and whole-song balance knobs, the microphone's switch
+// and level bar, and the voice's fader.
+constexpr double kEqKnobY = 86;
+constexpr double kEqKnobRadius = 19;
+constexpr QPointF kBassKnob{42, kEqKnobY};
+constexpr QPointF kTrebleKnob{100, kEqKnobY};
+constexpr QPointF kBalanceKnob{158, kEqKnobY};
+constexpr QRectF kMicSwitch{197, 32, 54, 16};
+constexpr QRectF kLevelBar{205, 62, 8, 63};
+constexpr double kVoiceFaderX = 236;
+constexpr double kVoiceFaderTop = 62;
+constexpr double kVoiceFaderBottom = 125;
+// The voice fader's values, 0 (loudest) at the top.
+constexpr int kVoiceFaderMax = 91;
+inline QRectF KnobBox(QPointF centre) { return {centre.x() - kEqKnobRadius - 6, centre.y() - kEqKnobRadius - 6, 2 * kEqKnobRadius + 12, 2 * kEqKnobRadius + 12}; }
+inline QRectF VoiceFaderBox() { return {kVoiceFaderX - 9, kVoiceFaderTop - 6, 18, kVoiceFaderBottom - kVoiceFaderTop + 12}; }
 
 } // namespace MidiEqLayout

@@ -1,0 +1,152 @@
+#include "voice/VoiceFiles.h"
+
+#include "audio/WavFile.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QLocale>
+#include <QSaveFile>
+#include <QtEndian>
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+quint32 Le32(const char* at)
+{
+    return qFromLittleEndian<quint32>(at);
+}
+
+quint16 Le16(const char* at)
+{
+    return qFromLittleEndian<quint16>(at);
+}
+
+// `bytes` is the start of a file of `fileSize` bytes.
+bool ReadWaveBytes(const QByteArray& bytes, qint64 fileSize, WaveFormat& format)
+{
+    if (bytes.size() < 12 || !bytes.startsWith("RIFF") || bytes.mid(8, 4) != "WAVE")
+        return false;
+    bool haveFormat = false;
+    for (qint64 at = 12; at + 8 <= bytes.size();) {
+        const QByteArray id = bytes.mid(at, 4);
+        const qint64 size = Le32(bytes.constData() + at + 4);
+        const qint64 body = at + 8;
+        if (id == "fmt " && size >= 16 && body + 16 <= bytes.size()) {
+            const char* f = bytes.constData() + body;
+            format.formatTag = Le16(f);
+            format.channels = Le16(f + 2);
+            format.rate = int(Le32(f + 4));
+            format.bits = Le16(f + 14);
+            haveFormat = true;
+        } else if (id == "data") {
+            format.dataOffset = body;
+            // A size past the end (a take cut short) counts what the file holds.
+            format.dataBytes = std::min(size, fileSize - body);
+            return haveFormat;
+        }
+        at = body + size + (size & 1);
+    }
+    return false;
+}
+
+// The file's bytes and its layout; false when it is not a WAV file.
+bool ReadWave(const QString& path, QByteArray& bytes, WaveFormat& format)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    bytes = file.readAll();
+    return ReadWaveBytes(bytes, bytes.size(), format);
+}
+
+bool ReplaceFile(const QString& path, const QList<QByteArray>& parts)
+{
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly))
+        return false;
+    for (const QByteArray& part : parts)
+        if (file.write(part) != part.size())
+            return false;
+    return file.commit();
+}
+
+} // namespace
+
+bool ReadWaveFormat(const QString& path, WaveFormat& format)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    // The chunks before the samples are small; the samples themselves are not needed here.
+    return ReadWaveBytes(file.read(64 * 1024), file.size(), format);
+}
+
+QString VoiceFolder(const QString& songPath, int recordFolder, const QString& voiceDirectory)
+{
+    return recordFolder == 1 ? QFileInfo(songPath).absolutePath() : voiceDirectory;
+}
+
+QString VoiceFileIn(const QString& folder, const QString& songPath)
+{
+    const QString separator = folder.endsWith(u'/') ? QString() : QStringLiteral("/");
+    return folder + separator + QFileInfo(songPath).completeBaseName() + QStringLiteral(".wav");
+}
+
+QString TempWaveName(const QDateTime& now)
+{
+    return QLocale::c().toString(now, QStringLiteral("MMddyyyyHHmmssAP")) + QStringLiteral(".WAV");
+}
+
+qint64 FramesBefore(double seconds, int rate)
+{
+    return std::max<qint64>(0, std::llround(seconds * rate));
+}
+
+PlaceResult WriteNewVoiceFile(const QString& voiceFile, const QString& tempWave, double recordStart)
+{
+    QByteArray take;
+    WaveFormat format;
+    if (!ReadWave(tempWave, take, format) || !format.IsPcm16())
+        return PlaceResult::TakeUnreadable;
+    const qint64 silence = FramesBefore(recordStart, format.rate) * format.BlockAlign();
+    const QByteArray samples = take.mid(format.dataOffset, format.dataBytes);
+    const QByteArray header = WavHeader(format.rate, format.channels, 16, quint32(silence + samples.size()));
+    return ReplaceFile(voiceFile, {header, QByteArray(silence, '\0'), samples}) ? PlaceResult::Done
+                                                                                : PlaceResult::WriteFailed;
+}
+
+PlaceResult OverdubVoiceFile(const QString& voiceFile, const QString& tempWave, double recordStart)
+{
+    QByteArray takeFile;
+    WaveFormat take;
+    if (!ReadWave(tempWave, takeFile, take) || !take.IsPcm16())
+        return PlaceResult::TakeUnreadable;
+    QByteArray file;
+    WaveFormat voice;
+    if (!ReadWave(voiceFile, file, voice) || !voice.IsPcm16())
+        return PlaceResult::WriteFailed;
+    if (voice.rate != take.rate || voice.channels != take.channels)
+        return PlaceResult::FormatMismatch;
+
+    const qint64 at = FramesBefore(recordStart, voice.rate) * voice.BlockAlign();
+    const QByteArray samples = takeFile.mid(take.dataOffset, take.dataBytes);
+    const qint64 oldEnd = voice.dataOffset + voice.dataBytes;
+    const qint64 newBytes = std::max(voice.dataBytes, at + samples.size());
+
+    QByteArray head = file.left(voice.dataOffset + std::min(at, voice.dataBytes));
+    qToLittleEndian(quint32(newBytes), head.data() + voice.dataOffset - 4);
+    const QByteArray gap(std::max<qint64>(0, at - voice.dataBytes), '\0');
+    const qint64 tailFrom = voice.dataOffset + at + samples.size();
+    const QByteArray rest = tailFrom < oldEnd ? file.mid(tailFrom, oldEnd - tailFrom) : QByteArray();
+    // Chunks after the samples stay; an odd-sized sample chunk gets its pad byte.
+    const qint64 oldPad = voice.dataBytes & 1;
+    const QByteArray after = file.mid(oldEnd + oldPad);
+    const QByteArray pad((newBytes & 1) && !after.isEmpty() ? 1 : 0, '\0');
+    const qint64 total = head.size() + gap.size() + samples.size() + rest.size() + pad.size() + after.size();
+    qToLittleEndian(quint32(total - 8), head.data() + 4);
+    return ReplaceFile(voiceFile, {head, gap, samples, rest, pad, after}) ? PlaceResult::Done
+                                                                           : PlaceResult::WriteFailed;
+}

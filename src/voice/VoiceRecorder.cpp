@@ -1,0 +1,213 @@
+#include "voice/VoiceRecorder.h"
+
+#include "core/Forms.h"
+#include "playback/MediaSession.h"
+#include "playback/PlayerState.h"
+#include "voice/Equalizer.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTextStream>
+#include <algorithm>
+
+VoiceRecorder::VoiceRecorder(PlayerState& state, FormProvider& forms, MessageBoxes& messages, Equalizer& equalizer,
+                             VoiceIndicator& indicator)
+    : TempFolder(QDir::tempPath()),
+      m_state(state),
+      m_forms(forms),
+      m_messages(messages),
+      m_equalizer(equalizer),
+      m_indicator(indicator)
+{
+}
+
+QString VoiceRecorder::Said(const char* english, const char* polish) const
+{
+    return QString::fromUtf8(m_state.Language.IsPolish ? polish : english);
+}
+
+void VoiceRecorder::SwitchMicrophone()
+{
+    if (m_state.Recording)
+        return;
+    PlayerForm& player = m_forms.Player();
+    if (m_state.MicrophoneOn) {
+        m_equalizer.SwitchLineOut(0);
+        m_equalizer.StopMicro();
+        m_state.MicrophoneOn = false;
+        player.Light(3, 0);
+        return;
+    }
+    if (!m_equalizer.SetMicro()) {
+        QTextStream(stderr) << "Songweaver: the microphone cannot be opened (" << m_equalizer.MicroError() << ")\n";
+        return;
+    }
+    // While the voice plays the singer hears the recording, not the microphone.
+    m_equalizer.SwitchLineOut(m_state.VoicePlaying ? 0 : 1);
+    m_state.MicrophoneOn = true;
+    player.Light(3, 1);
+}
+
+void VoiceRecorder::VoicePath()
+{
+    const ThemeClass& theme = *m_state.Theme;
+    VoiceFile = VoiceFileIn(VoiceFolder(m_state.CurrentFile, theme.RecordFolder, theme.VoiceDirectory),
+                            m_state.CurrentFile);
+    RecordRate = theme.RecordQuality > 0 ? theme.RecordQuality : 22050;
+    RecordChannels = theme.RecordMode == 1 ? 1 : 2;
+    WaveFormat existing;
+    if (QFile::exists(VoiceFile) && ReadWaveFormat(VoiceFile, existing) && existing.IsPcm16()) {
+        RecordRate = existing.rate;
+        RecordChannels = existing.channels;
+    }
+}
+
+void VoiceRecorder::StartVoiceRecord()
+{
+    if (!m_state.SongOpen() || m_state.Recording)
+        return;
+    if (!m_state.MicrophoneOn) {
+        m_messages.Inform(Said("Switch microphone function first.", "Włącz funkcję mikrofonu, by móc nagrywać."));
+        return;
+    }
+    if (m_state.VoicePlaying)
+        StopVoice();
+    m_state.Recording = true;
+    m_forms.Player().Light(4, 1);
+    m_forms.Player().SetButton(12, 2);
+    m_indicator.Show();
+    BeginWaveFile();
+}
+
+bool VoiceRecorder::BeginWaveFile()
+{
+    VoicePath();
+    TempWave = QDir(TempFolder).filePath(TempWaveName(Clock()));
+    QFile::remove(TempWave);
+    WaveFormat existing;
+    const bool unusableVoiceFile =
+        QFile::exists(VoiceFile) && !(ReadWaveFormat(VoiceFile, existing) && existing.IsPcm16());
+    if (unusableVoiceFile || !m_writer.Begin(TempWave, RecordRate, RecordChannels)) {
+        m_writer.Finish();
+        m_messages.Critical(m_state.Language.GetText(QStringLiteral("ErrorCreateWav")));
+        FinishRecording(true);
+        return false;
+    }
+    return StartCapture();
+}
+
+bool VoiceRecorder::StartCapture()
+{
+    AudioEngine* engine = m_state.Engine.get();
+    if (!engine || !engine->InputRunning()) {
+        m_writer.Finish();
+        m_messages.Critical(engine ? QString::fromStdString(engine->DeviceError()) : QString());
+        FinishRecording(true);
+        return false;
+    }
+    m_armedAt = engine->Now();
+    m_armedPosition = SongPosition();
+    m_armedPace = SongPace();
+    m_writer.Start(*engine);
+    m_capturing = true;
+    return true;
+}
+
+double VoiceRecorder::SongPosition() const
+{
+    return m_state.Session ? m_state.Session->get_CurrentPosition() : 0.0;
+}
+
+double VoiceRecorder::SongPace() const
+{
+    if (!m_state.Session || m_state.Session->GetState() != SongSession::Running)
+        return 0;
+    return m_state.IsMidi ? 1.0 : m_state.PlaybackRate;
+}
+
+void VoiceRecorder::EndCapture()
+{
+    if (!m_capturing)
+        return;
+    m_capturing = false;
+    // The take starts where the song stood when its first frame was sung: the audible second at
+    // arming, moved by the time between arming and that frame reaching the converter.
+    double capturedAt = m_armedAt;
+    m_state.Engine->CaptureStartedAt(capturedAt);
+    RecordStart = std::max(0.0, m_armedPosition + (capturedAt - m_armedAt) * m_armedPace);
+    if (!m_writer.Finish())
+        QFile::remove(TempWave);
+}
+
+void VoiceRecorder::FinishRecording(bool cancel)
+{
+    if (!m_state.Recording)
+        return;
+    EndCapture();
+    if (!cancel && QFile::exists(TempWave)) {
+        const PlaceResult placed = QFile::exists(VoiceFile) ? OverdubVoiceFile(VoiceFile, TempWave, RecordStart)
+                                                            : WriteNewVoiceFile(VoiceFile, TempWave, RecordStart);
+        if (placed != PlaceResult::Done)
+            m_messages.Critical(m_state.Language.GetText(QStringLiteral("ErrorCreateWav")));
+    }
+    QFile::remove(TempWave);
+    EndRecordingState();
+}
+
+void VoiceRecorder::EndRecordingState()
+{
+    m_state.Recording = false;
+    m_forms.Player().Light(4, 0);
+    m_forms.Player().SetButton(12, 0);
+    m_indicator.Hide();
+}
+
+QString VoiceRecorder::VoicePlaybackFile() const
+{
+    const ThemeClass& theme = *m_state.Theme;
+    const QString placed = VoiceFileIn(VoiceFolder(m_state.CurrentFile, theme.RecordFolder, theme.VoiceDirectory),
+                                       m_state.CurrentFile);
+    return QFile::exists(placed) ? placed : VoiceFileIn(theme.VoiceDirectory, m_state.CurrentFile);
+}
+
+void VoiceRecorder::ToggleVoice()
+{
+    if (!m_state.SongOpen())
+        return;
+    if (m_state.Recording) {
+        m_messages.Inform(Said("Stop recording first.", "Wyłącz nagrywanie, by włączyć głos."));
+        return;
+    }
+    PlayerForm& player = m_forms.Player();
+    player.Light(5, 1);
+    const QString path = VoicePlaybackFile();
+    auto voice = m_state.Engine && QFile::exists(path) ? std::make_unique<MediaSession>(*m_state.Engine) : nullptr;
+    if (!voice || !voice->RenderFile(path)) {
+        player.Light(5, 0);
+        m_state.VoicePlaying = false;
+        return;
+    }
+    if (m_state.VoiceControl)
+        m_state.VoiceControl->Stop();
+    m_state.VoicePlaying = true;
+    m_equalizer.SwitchLineOut(0);
+    m_indicator.Show();
+    m_state.VoiceControl = std::move(voice);
+    m_state.VoiceControl->put_CurrentPosition(SongPosition() + m_state.Theme->LyricsOffset());
+    m_state.VoiceControl->put_Volume(m_equalizer.VoiceLevel());
+    if (m_state.Session && m_state.Session->GetState() == SongSession::Running)
+        m_state.VoiceControl->Run();
+}
+
+void VoiceRecorder::StopVoice()
+{
+    if (m_state.VoiceControl) {
+        m_state.VoiceControl->Stop();
+        m_state.VoiceControl.reset();
+    }
+    m_state.VoicePlaying = false;
+    if (m_state.MicrophoneOn)
+        m_equalizer.SwitchLineOut(1);
+    m_indicator.Hide();
+    m_forms.Player().Light(5, 0);
+}
