@@ -86,7 +86,10 @@ bool ReadWaveFormat(const QString& path, WaveFormat& format)
 
 QString VoiceFolder(const QString& songPath, int recordFolder, const QString& voiceDirectory)
 {
-    return recordFolder == 1 ? QFileInfo(songPath).absolutePath() : voiceDirectory;
+    const QFileInfo song(songPath);
+    // A WAV song's voice beside it would be the song itself.
+    const bool voiceIsTheSong = song.suffix().compare(QLatin1String("wav"), Qt::CaseInsensitive) == 0;
+    return recordFolder == 1 && !voiceIsTheSong ? song.absolutePath() : voiceDirectory;
 }
 
 QString VoiceFileIn(const QString& folder, const QString& songPath)

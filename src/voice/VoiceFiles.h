@@ -23,7 +23,8 @@ struct WaveFormat {
 bool ReadWaveFormat(const QString& path, WaveFormat& format);
 
 // The folder of a song's voice file: the song's own with `recordFolder` 1 ("Save in the same
-// folder as karaoke files"), else `voiceDirectory`.
+// folder as karaoke files"), else `voiceDirectory`. A WAV song's voice always goes to
+// `voiceDirectory`, since beside the song it would take the song's own name.
 QString VoiceFolder(const QString& songPath, int recordFolder, const QString& voiceDirectory);
 // The folder, a "/" unless it ends in one, the song's base name and ".wav".
 QString VoiceFileIn(const QString& folder, const QString& songPath);

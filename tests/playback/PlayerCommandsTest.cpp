@@ -53,12 +53,14 @@ TEST_F(Commands, WithoutASystemTrayMinimisingMinimisesTheWindows)
 
 TEST_F(Commands, CommandsWithoutTheirWindowsAreInertAndNotHandled)
 {
-    for (const char* key : {"Preferences", "SwitchMicrophone", "Record", "YourVoice"})
+    for (const char* key : {"Preferences", "About", "MnuHelp"})
         EXPECT_TRUE(CommandNotBuiltYet(QString::fromLatin1(key))) << key;
+    for (const char* key : {"SwitchMicrophone", "Record", "YourVoice"})
+        EXPECT_FALSE(CommandNotBuiltYet(QString::fromLatin1(key))) << key;
     EXPECT_FALSE(CommandNotBuiltYet("KaraokeWindow"));
     EXPECT_FALSE(CommandNotBuiltYet("Controls"));
     EXPECT_FALSE(CommandNotBuiltYet("Editor"));
-    EXPECT_FALSE(commands.KeyDown(Qt::Key_M, {}));
+    EXPECT_FALSE(commands.KeyDown(Qt::Key_M, {})) << "a build without the voice commands";
     EXPECT_TRUE(commands.KeyDown(Qt::Key_K, Qt::ControlModifier));
     commands.ButtonAction(7);
     EXPECT_EQ(journal.calls, QStringList{"Lyric.Unload"}) << "only Ctrl+K did something";

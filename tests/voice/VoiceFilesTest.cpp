@@ -46,6 +46,9 @@ TEST(VoiceFiles, TheFileLivesBesideTheSongOrInTheVoiceFolder)
     EXPECT_EQ(VoiceFolder(song, 0, QStringLiteral("/voices")), QStringLiteral("/voices"));
     EXPECT_EQ(VoiceFileIn(QStringLiteral("/voices"), song), QStringLiteral("/voices/Queen - Bohemian.Rhapsody.wav"));
     EXPECT_EQ(VoiceFileIn(QStringLiteral("/voices/"), song), QStringLiteral("/voices/Queen - Bohemian.Rhapsody.wav"));
+    EXPECT_EQ(VoiceFolder(QStringLiteral("/music/Take Five.WAV"), 1, QStringLiteral("/voices")),
+              QStringLiteral("/voices"))
+        << "never the song itself";
 }
 
 TEST(VoiceFiles, TheTemporaryNameIsMonthDayYearHourMinuteSecondAndHalfDay)
