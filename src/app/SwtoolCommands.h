@@ -42,5 +42,7 @@ int RenderFrames(const QStringList& args);
 
 // The lyrics the player shows for a song (or a ".lrs" file itself); the message when there are none.
 QString LoadPlayerLyrics(LyricsState& lyrics, const QString& file, const LyricsEnvironment& env);
+// swtool voice SONG --take TAKE.wav --at SECONDS: the take placed into the song's voice file.
+int PlaceVoiceTake(const QStringList& args);
 // swtool playlist FILE.m3u|FILE.pls [--saved]
 int PrintPlaylist(const QStringList& args);

@@ -36,7 +36,10 @@ const char* const kUsage =
     "  render SONG --video DIR --fps N --from A --to B [--size WxH] [--mode N] [--scale F]\n"
     "                        the karaoke window at a song position, or numbered frames\n"
     "  playlist FILE.m3u|FILE.pls [--saved]\n"
-    "                        the rows as the playlist loads them: text<TAB>time<TAB>path\n";
+    "                        the rows as the playlist loads them: text<TAB>time<TAB>path\n"
+    "  voice SONG --take TAKE.wav --at SECONDS\n"
+    "                        the take placed into the song's voice file as the end of a recording\n"
+    "                        places it (converted to an existing file's format); prints its path\n";
 
 int Usage()
 {
@@ -108,6 +111,8 @@ int main(int argc, char* argv[])
         const int result = PrintPlaylist(args);
         return result == 2 ? Usage() : result;
     }
+    if (command == QLatin1String("voice"))
+        return PlaceVoiceTake(args);
     if (command == QLatin1String("render")) {
         const int result = RenderFrames(args);
         return result == 2 ? Usage() : result;

@@ -75,8 +75,11 @@ std::vector<float> DecodeWholeFile(const std::string& path, int rate, int channe
         av_channel_layout_default(&input, codec->ch_layout.nb_channels);
     else
         av_channel_layout_copy(&input, &codec->ch_layout);
+    // Mono is widened by copying, at full level; FFmpeg's up-mix would lower it by 3 dB.
+    const bool widenMono = input.nb_channels == 1 && channels == 2;
+    const int decoded = widenMono ? 1 : channels;
     ResamplerHandle resampler(
-        MakeResampler(input, codec->sample_fmt, codec->sample_rate, channels, AV_SAMPLE_FMT_FLT, rate));
+        MakeResampler(input, codec->sample_fmt, codec->sample_rate, decoded, AV_SAMPLE_FMT_FLT, rate));
     av_channel_layout_uninit(&input);
     PacketHandle packet(av_packet_alloc());
     FrameHandle frame(av_frame_alloc());
@@ -85,15 +88,15 @@ std::vector<float> DecodeWholeFile(const std::string& path, int rate, int channe
         return samples;
     }
 
-    auto append = [&](const AVFrame* decoded) {
-        const int count = decoded ? decoded->nb_samples : 0;
+    auto append = [&](const AVFrame* frameIn) {
+        const int count = frameIn ? frameIn->nb_samples : 0;
         const int room = swr_get_out_samples(resampler.get(), count) + 32;
         const size_t base = samples.size();
-        samples.resize(base + size_t(room) * size_t(channels));
+        samples.resize(base + size_t(room) * size_t(decoded));
         auto* out = reinterpret_cast<uint8_t*>(samples.data() + base);
         const int made = swr_convert(resampler.get(), &out, room,
-                                     decoded ? const_cast<const uint8_t**>(decoded->extended_data) : nullptr, count);
-        samples.resize(base + size_t(std::max(made, 0)) * size_t(channels));
+                                     frameIn ? const_cast<const uint8_t**>(frameIn->extended_data) : nullptr, count);
+        samples.resize(base + size_t(std::max(made, 0)) * size_t(decoded));
     };
     bool flushed = false;
     for (;;) {
@@ -120,7 +123,12 @@ std::vector<float> DecodeWholeFile(const std::string& path, int rate, int channe
     append(nullptr);
     if (samples.empty())
         error = "no audio could be decoded";
-    return samples;
+    if (!widenMono)
+        return samples;
+    std::vector<float> stereo(samples.size() * 2);
+    for (size_t i = 0; i < samples.size(); ++i)
+        stereo[2 * i] = stereo[2 * i + 1] = samples[i];
+    return stereo;
 }
 
 QByteArray Pcm16Of(const std::vector<float>& samples)

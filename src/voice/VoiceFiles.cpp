@@ -1,6 +1,7 @@
 #include "voice/VoiceFiles.h"
 
 #include "audio/WavFile.h"
+#include "core/ThemeClass.h"
 
 #include <QDir>
 #include <QFile>
@@ -98,6 +99,21 @@ QString VoiceFileIn(const QString& folder, const QString& songPath)
     return folder + separator + QFileInfo(songPath).completeBaseName() + QStringLiteral(".wav");
 }
 
+VoiceTarget VoiceTargetOf(const QString& songPath, const ThemeClass& theme)
+{
+    VoiceTarget target;
+    target.file = VoiceFileIn(VoiceFolder(songPath, theme.RecordFolder, theme.VoiceDirectory), songPath);
+    if (theme.RecordQuality > 0)
+        target.rate = theme.RecordQuality;
+    target.channels = theme.RecordMode == 1 ? 1 : 2;
+    WaveFormat existing;
+    if (ReadWaveFormat(target.file, existing) && existing.IsPcm16()) {
+        target.rate = existing.rate;
+        target.channels = existing.channels;
+    }
+    return target;
+}
+
 QString TempWaveName(const QDateTime& now)
 {
     return QLocale::c().toString(now, QStringLiteral("MMddyyyyHHmmssAP")) + QStringLiteral(".WAV");
@@ -152,4 +168,10 @@ PlaceResult OverdubVoiceFile(const QString& voiceFile, const QString& tempWave, 
     qToLittleEndian(quint32(total - 8), head.data() + 4);
     return ReplaceFile(voiceFile, {head, gap, samples, rest, pad, after}) ? PlaceResult::Done
                                                                            : PlaceResult::WriteFailed;
+}
+
+PlaceResult PlaceTake(const QString& voiceFile, const QString& tempWave, double recordStart)
+{
+    return QFile::exists(voiceFile) ? OverdubVoiceFile(voiceFile, tempWave, recordStart)
+                                    : WriteNewVoiceFile(voiceFile, tempWave, recordStart);
 }

@@ -29,6 +29,17 @@ QString VoiceFolder(const QString& songPath, int recordFolder, const QString& vo
 // The folder, a "/" unless it ends in one, the song's base name and ".wav".
 QString VoiceFileIn(const QString& folder, const QString& songPath);
 
+class ThemeClass;
+
+// Where a song's takes go and the shape they are recorded in: the settings' rate and channels,
+// unless a voice file exists, whose own format then wins so that a new take fits the old one.
+struct VoiceTarget {
+    QString file;
+    int rate = 22050;
+    int channels = 2;
+};
+VoiceTarget VoiceTargetOf(const QString& songPath, const ThemeClass& theme);
+
 // The temporary take's name: month, day, year, 24-hour hour, minutes, seconds, AM or PM.
 QString TempWaveName(const QDateTime& now);
 
@@ -43,3 +54,5 @@ PlaceResult WriteNewVoiceFile(const QString& voiceFile, const QString& tempWave,
 // The take of `tempWave` written over `voiceFile` from `recordStart` on; the file grows when the
 // take runs past its end, with silence between its old end and a take that starts beyond it.
 PlaceResult OverdubVoiceFile(const QString& voiceFile, const QString& tempWave, double recordStart);
+// What the end of a recording does: an overdub when the voice file exists, else a new file.
+PlaceResult PlaceTake(const QString& voiceFile, const QString& tempWave, double recordStart);

@@ -50,16 +50,10 @@ void VoiceRecorder::SwitchMicrophone()
 
 void VoiceRecorder::VoicePath()
 {
-    const ThemeClass& theme = *m_state.Theme;
-    VoiceFile = VoiceFileIn(VoiceFolder(m_state.CurrentFile, theme.RecordFolder, theme.VoiceDirectory),
-                            m_state.CurrentFile);
-    RecordRate = theme.RecordQuality > 0 ? theme.RecordQuality : 22050;
-    RecordChannels = theme.RecordMode == 1 ? 1 : 2;
-    WaveFormat existing;
-    if (QFile::exists(VoiceFile) && ReadWaveFormat(VoiceFile, existing) && existing.IsPcm16()) {
-        RecordRate = existing.rate;
-        RecordChannels = existing.channels;
-    }
+    const VoiceTarget target = VoiceTargetOf(m_state.CurrentFile, *m_state.Theme);
+    VoiceFile = target.file;
+    RecordRate = target.rate;
+    RecordChannels = target.channels;
 }
 
 void VoiceRecorder::StartVoiceRecord()
@@ -145,9 +139,7 @@ void VoiceRecorder::FinishRecording(bool cancel)
         return;
     EndCapture();
     if (!cancel && QFile::exists(TempWave)) {
-        const PlaceResult placed = QFile::exists(VoiceFile) ? OverdubVoiceFile(VoiceFile, TempWave, RecordStart)
-                                                            : WriteNewVoiceFile(VoiceFile, TempWave, RecordStart);
-        if (placed != PlaceResult::Done)
+        if (PlaceTake(VoiceFile, TempWave, RecordStart) != PlaceResult::Done)
             m_messages.Critical(m_state.Language.GetText(QStringLiteral("ErrorCreateWav")));
     }
     QFile::remove(TempWave);
@@ -164,10 +156,8 @@ void VoiceRecorder::EndRecordingState()
 
 QString VoiceRecorder::VoicePlaybackFile() const
 {
-    const ThemeClass& theme = *m_state.Theme;
-    const QString placed = VoiceFileIn(VoiceFolder(m_state.CurrentFile, theme.RecordFolder, theme.VoiceDirectory),
-                                       m_state.CurrentFile);
-    return QFile::exists(placed) ? placed : VoiceFileIn(theme.VoiceDirectory, m_state.CurrentFile);
+    const QString placed = VoiceTargetOf(m_state.CurrentFile, *m_state.Theme).file;
+    return QFile::exists(placed) ? placed : VoiceFileIn(m_state.Theme->VoiceDirectory, m_state.CurrentFile);
 }
 
 void VoiceRecorder::ToggleVoice()

@@ -444,3 +444,36 @@ TEST(Swtool, LyricsOfAKaraokeFileForThePlayerAndTheImport)
     EXPECT_EQ(none.exitCode, 1);
     EXPECT_TRUE(none.out.isEmpty());
 }
+
+TEST(Swtool, VoicePlacesATakeAsTheEndOfARecordingDoes)
+{
+    QTemporaryDir home;
+    const QString song = CopyFixture(QStringLiteral("id3v1.mp3"), home.path(), QStringLiteral("Night Song.mp3"));
+    // A take of 0.5 s of a constant level, 8000 Hz mono, which the settings turn into 22050 Hz stereo.
+    QByteArray take("RIFF\0\0\0\0WAVEfmt \x10\0\0\0\x01\0\x01\0\x40\x1f\0\0\x80\x3e\0\0\x02\0\x10\0data", 40);
+    const QByteArray samples = QByteArray(8000, '\0').replace(QByteArray("\0\0", 2), QByteArray("\0\x20", 2));
+    const quint32 size = quint32(samples.size());
+    take += QByteArray(reinterpret_cast<const char*>(&size), 4) + samples;
+    const QString takePath = home.filePath(QStringLiteral("take.wav"));
+    WriteFileBytes(takePath, take);
+
+    const ToolRun first = Swtool({"voice", song, "--take", takePath, "--at", "1.0"}, home.path());
+    ASSERT_EQ(first.exitCode, 0) << first.err.toStdString();
+    const QString voice = home.filePath(QStringLiteral("Night Song.wav"));
+    EXPECT_EQ(first.out, voice + u'\n') << "beside the song, by the default settings";
+    QByteArray bytes = ReadFileBytes(voice);
+    ASSERT_NEAR(bytes.size(), 44 + qsizetype(1.5 * 22050) * 4, 4 * 4);
+    EXPECT_EQ(bytes.mid(44, 22050 * 4), QByteArray(22050 * 4, '\0')) << "a second of silence";
+    EXPECT_EQ(bytes.mid(44 + qsizetype(1.25 * 22050) * 4, 2), QByteArray("\0\x20", 2)) << "then the take";
+
+    const ToolRun again = Swtool({"voice", song, "--take", takePath, "--at", "0.25"}, home.path());
+    ASSERT_EQ(again.exitCode, 0) << again.err.toStdString();
+    const QByteArray overdubbed = ReadFileBytes(voice);
+    ASSERT_EQ(overdubbed.size(), bytes.size());
+    EXPECT_EQ(overdubbed.mid(44 + qsizetype(0.5 * 22050) * 4, 2), QByteArray("\0\x20", 2));
+    EXPECT_TRUE(overdubbed.mid(44 + 22050 * 4) == bytes.mid(44 + 22050 * 4)) << "after the new take";
+
+    EXPECT_EQ(Swtool({"voice", song, "--take", home.filePath("none.wav"), "--at", "1"}, home.path()).exitCode, 1);
+    EXPECT_EQ(Swtool({"voice", song, "--at", "1"}, home.path()).exitCode, 2);
+    EXPECT_TRUE(ReadFileBytes(voice) == overdubbed) << "a failed run leaves the voice file";
+}
