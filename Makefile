@@ -4,7 +4,7 @@ BUILD_TYPE ?= RelWithDebInfo
 JOBS ?= 2
 CMAKE_FLAGS ?=
 
-.PHONY: all bootstrap configure build run test bench fuzz clean
+.PHONY: all bootstrap configure build run record test bench fuzz clean
 
 all: build
 
@@ -21,6 +21,9 @@ build: configure
 
 run: build
 	@scripts/run $(BUILD_DIR)
+
+record: build
+	@scripts/record-demo $(BUILD_DIR)
 
 test: build
 	cd $(BUILD_DIR) && QT_QPA_PLATFORM=offscreen SONGWEAVER_AUDIO=null ctest -j$(JOBS) --output-on-failure --timeout 300

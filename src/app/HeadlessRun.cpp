@@ -53,6 +53,28 @@ void ArmHeadlessRun(std::function<void()> close)
     });
 }
 
+void ArmScriptedKeys(std::function<void(int)> key, std::function<void(int)> button)
+{
+    if (qEnvironmentVariableIsEmpty("SONGWEAVER_CAPTURE_DIR"))
+        return;
+    const QStringList presses = qEnvironmentVariable("SONGWEAVER_KEYS").split(u' ', Qt::SkipEmptyParts);
+    for (const QString& press : presses) {
+        const QString second = press.section(u':', 0, 0);
+        const QString what = press.section(u':', 1);
+        bool ok = false;
+        const int ms = int(second.toDouble(&ok) * 1000);
+        if (!ok || what.isEmpty())
+            continue;
+        QTimer::singleShot(ms, qApp, [key, button, what, second] {
+            QTextStream(stdout) << "press " << what << " at " << second << " s" << Qt::endl;
+            if (what.startsWith(u'#'))
+                button(what.mid(1).toInt());
+            else
+                key(Qt::Key_A + (what.at(0).toUpper().unicode() - u'A'));
+        });
+    }
+}
+
 void LogLitSyllables(LyricWindow& window, const LyricsState& lyrics)
 {
     if (qEnvironmentVariableIsEmpty("SONGWEAVER_CAPTURE_DIR"))

@@ -79,6 +79,8 @@ int main(int argc, char* argv[])
                      [&transport](const QString& handed) { transport.OpenFromCommandLine(handed); });
     windows.LyricLoaded = [&state](LyricWindow& lyric) { LogLitSyllables(lyric, state.Lyrics); };
     ArmHeadlessRun(closeApp);
+    ArmScriptedKeys([&commands](int key) { commands.KeyDown(key, Qt::NoModifier); },
+                    [&commands](int button) { commands.ButtonAction(button); });
 
     if (!application.Main(commandLine) || ended)
         return 0;
