@@ -10,6 +10,9 @@
 #include "support/PlayerSetup.h"
 #include "ui/midi/MidiEq.h"
 #include "ui/midi/MidiEqLayout.h"
+#include "ui/voice/RegMe.h"
+#include "voice/Equalizer.h"
+#include "voice/VoiceRecorder.h"
 
 #include <QTemporaryDir>
 #include <QTest>
@@ -127,4 +130,91 @@ TEST_F(MidiWindow, TheEqualiserFaceTurnsTheWholeSongBalanceAndANewSongResetsTheK
 
     window.Unload();
     EXPECT_FALSE(windows.store.RegReadString("eq position").isEmpty());
+}
+
+namespace {
+
+class QuietMessages final : public MessageBoxes {
+public:
+    void Critical(const QString& text) override { shown << text; }
+    void Inform(const QString& text) override { shown << text; }
+    QStringList shown;
+};
+
+} // namespace
+
+TEST_F(MidiWindow, TheEqualiserFacesMicrophoneToneKnobsLevelBarAndVoiceFader)
+{
+    ManualDevice& device = StartManualEngine(state);
+    QuietMessages messages;
+    Equalizer equalizer(state);
+    QWidget anchor;
+    RegMe indicator(state, anchor);
+    VoiceRecorder recorder(state, windows, messages, equalizer, indicator);
+    MidiEq window(state, windows.store, windows.docking);
+    window.AttachVoice(equalizer, recorder);
+    window.Show();
+    QTest::mouseClick(&window, Qt::LeftButton, {}, kSwitcher.center().toPoint());
+
+    QTest::mouseClick(&window, Qt::LeftButton, {}, kMicSwitch.center().toPoint());
+    ASSERT_TRUE(state.MicrophoneOn) << "the MIC switch is the main window's microphone button";
+    EXPECT_TRUE(state.Engine->InputRunning());
+    EXPECT_FALSE(state.Engine->MonitorMute());
+
+    // Treble a quarter turn up, bass reset by a double click after a turn down.
+    const QPoint treble = kTrebleKnob.toPoint();
+    QTest::mousePress(&window, Qt::LeftButton, {}, treble);
+    QTest::mouseMove(&window, treble + QPoint(40, 0));
+    QTest::mouseRelease(&window, Qt::LeftButton, {}, treble + QPoint(40, 0));
+    EXPECT_EQ(equalizer.Treble(), 15000);
+    EXPECT_EQ(state.Engine->MasterTreble(), 600) << "half the way to 12 dB";
+    const QPoint bass = kBassKnob.toPoint();
+    QTest::mousePress(&window, Qt::LeftButton, {}, bass);
+    QTest::mouseMove(&window, bass + QPoint(0, 40));
+    QTest::mouseRelease(&window, Qt::LeftButton, {}, bass + QPoint(0, 40));
+    EXPECT_EQ(state.Engine->MasterBass(), -600);
+
+    // The voice fader: its top is the loudest, its foot the quietest.
+    QTest::mousePress(&window, Qt::LeftButton, {}, QPointF(kVoiceFaderX, kVoiceFaderBottom).toPoint());
+    QTest::mouseRelease(&window, Qt::LeftButton, {}, QPointF(kVoiceFaderX, kVoiceFaderBottom).toPoint());
+    EXPECT_EQ(state.Theme->VoiceVolume, kVoiceFaderMax);
+    QTest::mousePress(&window, Qt::LeftButton, {}, QPointF(kVoiceFaderX, kVoiceFaderTop + 20).toPoint());
+    QTest::mouseRelease(&window, Qt::LeftButton, {}, QPointF(kVoiceFaderX, kVoiceFaderTop + 20).toPoint());
+    EXPECT_EQ(state.Theme->VoiceVolume, 29);
+
+    // A loud note lights the bar on the window's own timer.
+    device.FeedInput(std::vector<float>(512 * 2, 0.7f));
+    device.Step(512);
+    QTRY_COMPARE_WITH_TIMEOUT(window.LevelPixels(), changeVolume(2 * 22937), 2000);
+    Picture(window, QStringLiteral("midieq-microphone"));
+
+    QTest::mouseDClick(&window, Qt::LeftButton, {}, bass);
+    EXPECT_EQ(state.Engine->MasterBass(), 0);
+    state.Recording = true;
+    QTest::mouseClick(&window, Qt::LeftButton, {}, kMicSwitch.center().toPoint());
+    EXPECT_TRUE(state.MicrophoneOn) << "refused while a take is recorded";
+    state.Recording = false;
+    QTest::mouseClick(&window, Qt::LeftButton, {}, kMicSwitch.center().toPoint());
+    EXPECT_FALSE(state.MicrophoneOn);
+    EXPECT_FALSE(state.Engine->InputRunning());
+}
+
+TEST_F(MidiWindow, TheIndicatorsPanelsBlinkOnlyForWhatRuns)
+{
+    QWidget anchor;
+    anchor.setGeometry(100, 100, 360, 120);
+    RegMe indicator(state, anchor);
+    state.Recording = true;
+    indicator.Show();
+    EXPECT_TRUE(indicator.isVisible());
+    indicator.Blink();
+    EXPECT_EQ(indicator.RecoLeft(), kPanelOffScreen);
+    EXPECT_EQ(indicator.VocLeft(), 0) << "the voice does not play";
+    indicator.Blink();
+    EXPECT_EQ(indicator.RecoLeft(), 0);
+    const QString folder = qEnvironmentVariable("SONGWEAVER_CAPTURE_DIR");
+    if (!folder.isEmpty())
+        indicator.grab().save(folder + QStringLiteral("/regme.png"));
+    indicator.Hide();
+    EXPECT_FALSE(indicator.isVisible());
 }

@@ -305,6 +305,6 @@ void MidiEq::PaintMicrophone(QPainter& painter) const
 
     painter.setFont(PixelFont(font(), 8, true, 1.2));
     painter.setPen(Palette::CaptionText);
-    painter.drawText(QRectF(kLevelBar.center().x() - 16, 132, 32, 17), Qt::AlignCenter, QStringLiteral("IN"));
-    painter.drawText(QRectF(kVoiceFaderX - 20, 132, 40, 17), Qt::AlignCenter, QStringLiteral("VOICE"));
+    painter.drawText(QRectF(kLevelBar.center().x() - 10, 132, 20, 17), Qt::AlignCenter, QStringLiteral("IN"));
+    painter.drawText(QRectF(kVoiceFaderX - 18, 132, 36, 17), Qt::AlignCenter, QStringLiteral("VOICE"));
 }

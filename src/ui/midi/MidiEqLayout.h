@@ -51,8 +51,8 @@ constexpr QPointF kBassKnob{42, kEqKnobY};
 constexpr QPointF kTrebleKnob{100, kEqKnobY};
 constexpr QPointF kBalanceKnob{158, kEqKnobY};
 constexpr QRectF kMicSwitch{197, 32, 54, 16};
-constexpr QRectF kLevelBar{205, 62, 8, 63};
-constexpr double kVoiceFaderX = 236;
+constexpr QRectF kLevelBar{203, 62, 8, 63};
+constexpr double kVoiceFaderX = 238;
 constexpr double kVoiceFaderTop = 62;
 constexpr double kVoiceFaderBottom = 125;
 // The voice fader's values, 0 (loudest) at the top.
