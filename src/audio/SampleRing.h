@@ -7,13 +7,14 @@
 
 #include <algorithm>
 #include <atomic>
+#include <bit>
 #include <cstddef>
 #include <vector>
 
 class SampleRing {
 public:
     // Capacity in samples, rounded up to a power of two.
-    explicit SampleRing(size_t capacity) : m_samples(RoundUp(capacity)), m_mask(m_samples.size() - 1) {}
+    explicit SampleRing(size_t capacity) : m_samples(std::bit_ceil(capacity)), m_mask(m_samples.size() - 1) {}
 
     // Producer: copies as many of `count` samples as fit; returns how many did.
     size_t Write(const float* samples, size_t count) noexcept
@@ -51,14 +52,6 @@ public:
     size_t TotalRead() const noexcept { return m_read.load(std::memory_order_acquire); }
 
 private:
-    static size_t RoundUp(size_t n)
-    {
-        size_t p = 1;
-        while (p < n)
-            p <<= 1;
-        return p;
-    }
-
     std::vector<float> m_samples;
     const size_t m_mask;
     alignas(64) std::atomic<size_t> m_read{0};

@@ -7,6 +7,7 @@
 // side only, so no operation waits, locks or allocates after construction.
 
 #include <atomic>
+#include <bit>
 #include <cstddef>
 #include <vector>
 
@@ -14,7 +15,7 @@ template <typename T>
 class SpscQueue {
 public:
     // Capacity is rounded up to a power of two.
-    explicit SpscQueue(size_t capacity) : m_slots(RoundUp(capacity)), m_mask(m_slots.size() - 1) {}
+    explicit SpscQueue(size_t capacity) : m_slots(std::bit_ceil(capacity)), m_mask(m_slots.size() - 1) {}
 
     // For the producer only.
     bool Push(const T& value) noexcept
@@ -52,14 +53,6 @@ public:
     }
 
 private:
-    static size_t RoundUp(size_t n)
-    {
-        size_t p = 1;
-        while (p < n)
-            p <<= 1;
-        return p;
-    }
-
     std::vector<T> m_slots;
     const size_t m_mask;
     alignas(64) std::atomic<size_t> m_head{0};

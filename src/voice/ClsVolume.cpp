@@ -174,14 +174,14 @@ void clsVolume::setVolumeLevelTreble(int level)
         m_engine->SetMasterTreble(ShelfOfLevel(level));
 }
 
+// The pan's distance from the centre (0 to 32767) is the weaker side's cut, as a level.
 int clsVolume::VolumeLevelPan() const
 {
     if (!m_engine)
         return kCentre;
-    // The engine's balance is the weaker side's cut; the pan is where the sound stands.
     const int balance = m_engine->MasterBalance();
-    const int cut = kCentre - LevelOfHundredthsDb(-std::abs(balance)) / 2;
-    return balance > 0 ? kCentre + cut : kCentre - cut;
+    const int away = int(std::lround((kCentre - 1) * (1.0 - double(LevelOfHundredthsDb(-std::abs(balance))) / kFullLevel)));
+    return balance > 0 ? kCentre + away : kCentre - away;
 }
 
 void clsVolume::setVolumeLevelPan(int level)
@@ -189,6 +189,7 @@ void clsVolume::setVolumeLevelPan(int level)
     if (!m_engine)
         return;
     const int offset = std::clamp(level, 0, kFullLevel) - kCentre;
-    const int weaker = HundredthsDbOfLevel(kFullLevel - 2 * std::abs(offset));
+    const int away = std::min(std::abs(offset), kCentre - 1);
+    const int weaker = HundredthsDbOfLevel(int(std::lround(kFullLevel * (1.0 - double(away) / (kCentre - 1)))));
     m_engine->SetMasterBalance(offset > 0 ? -weaker : weaker);
 }

@@ -95,7 +95,8 @@ bool VoiceRecorder::StartCapture()
     AudioEngine* engine = m_state.Engine.get();
     if (!engine || !engine->InputRunning()) {
         m_writer.Finish();
-        m_messages.Critical(engine ? QString::fromStdString(engine->DeviceError()) : QString());
+        const QString error = engine ? QString::fromStdString(engine->DeviceError()) : QString();
+        m_messages.Critical(error.isEmpty() ? m_state.Language.GetText(QStringLiteral("ErrorCreateWav")) : error);
         FinishRecording(true);
         return false;
     }
@@ -119,29 +120,26 @@ double VoiceRecorder::SongPace() const
     return m_state.IsMidi ? 1.0 : m_state.PlaybackRate;
 }
 
-void VoiceRecorder::EndCapture()
+bool VoiceRecorder::EndCapture()
 {
     if (!m_capturing)
-        return;
+        return false;
     m_capturing = false;
     // The take starts where the song stood when its first frame was sung: the audible second at
     // arming, moved by the time between arming and that frame reaching the converter.
     double capturedAt = m_armedAt;
     m_state.Engine->CaptureStartedAt(capturedAt);
     RecordStart = std::max(0.0, m_armedPosition + (capturedAt - m_armedAt) * m_armedPace);
-    if (!m_writer.Finish())
-        QFile::remove(TempWave);
+    return m_writer.Finish();
 }
 
 void VoiceRecorder::FinishRecording(bool cancel)
 {
     if (!m_state.Recording)
         return;
-    EndCapture();
-    if (!cancel && QFile::exists(TempWave)) {
-        if (PlaceTake(VoiceFile, TempWave, RecordStart) != PlaceResult::Done)
-            m_messages.Critical(m_state.Language.GetText(QStringLiteral("ErrorCreateWav")));
-    }
+    const bool captured = EndCapture();
+    if (!cancel && (!captured || PlaceTake(VoiceFile, TempWave, RecordStart) != PlaceResult::Done))
+        m_messages.Critical(m_state.Language.GetText(QStringLiteral("ErrorCreateWav")));
     QFile::remove(TempWave);
     EndRecordingState();
 }

@@ -58,7 +58,8 @@ public:
 private:
     bool BeginWaveFile();
     bool StartCapture();
-    void EndCapture();
+    // False when the take could not be written whole.
+    bool EndCapture();
     void FinishRecording(bool cancel);
     void EndRecordingState();
     // The file the voice plays from: where takes are placed, else the voice folder.
