@@ -78,7 +78,10 @@ void Alignment(const QString& folder)
         session.RenderFile(song);
         session.put_CurrentPosition(start);
         session.Run();
-        while (session.SecondsBuffered() < 1)
+        // The decoder gets a second ahead; a queue still full of what came before the seek
+        // waits for the device to take it, so the wait has an end.
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(2);
+        while (session.SecondsBuffered() < 1 && std::chrono::steady_clock::now() < deadline)
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
 
         const QString take = QDir(folder).filePath(QStringLiteral("take.WAV"));
@@ -87,7 +90,7 @@ void Alignment(const QString& folder)
         const double armedAt = engine.Now();
         const double armedPosition = session.get_CurrentPosition();
         writer.Start(engine);
-        const double click = start + 1.2345;
+        const double click = armedPosition + 1.2345;
         std::vector<float> input(size_t(2 * kRate) * 2, 0.0f);
         const auto clickFrame = size_t(std::llround((click - start) * kRate));
         input[2 * clickFrame] = input[2 * clickFrame + 1] = 0.9f;
@@ -115,9 +118,9 @@ void Alignment(const QString& folder)
             }
         }
         const double expected = click * kVoiceRate;
-        std::printf("alignment, click sung at %.4f s: lands at frame %lld of %d Hz, expected %.1f: error %+.1f frames"
+        std::printf("alignment, song from %.2f s, click sung at %.4f s: lands at frame %lld of %d Hz, expected %.1f: error %+.1f frames"
                     " (%.3f ms)\n",
-                    click, static_cast<long long>(loudest), kVoiceRate, expected, double(loudest) - expected,
+                    start, click, static_cast<long long>(loudest), kVoiceRate, expected, double(loudest) - expected,
                     (double(loudest) - expected) / kVoiceRate * 1000);
     }
 }
