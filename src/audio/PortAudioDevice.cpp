@@ -153,15 +153,8 @@ bool PortAudioDevice::OpenOutput(bool withInput)
         m_clock = std::make_unique<DacClock>(m_sampleRate, m_outputLatency);
         err = Pa_StartStream(m_stream);
     }
-    if (err != paNoError) {
-        if (!withInput)
-            m_error = Pa_GetErrorText(err);
-        if (m_stream)
-            Pa_CloseStream(m_stream);
-        m_stream = nullptr;
-        return false;
-    }
-    return true;
+    // A duplex stream the card refuses is no error: the output opens alone next.
+    return err == paNoError || Abandon(m_stream, err, !withInput);
 }
 
 bool PortAudioDevice::OpenSeparateInput()
@@ -175,14 +168,17 @@ bool PortAudioDevice::OpenSeparateInput()
         m_inputLatency = stream ? stream->inputLatency : 0;
         err = Pa_StartStream(m_inputStream);
     }
-    if (err != paNoError) {
+    return err == paNoError || Abandon(m_inputStream, err, true);
+}
+
+bool PortAudioDevice::Abandon(PaStream*& stream, int err, bool keepReason)
+{
+    if (keepReason)
         m_error = Pa_GetErrorText(err);
-        if (m_inputStream)
-            Pa_CloseStream(m_inputStream);
-        m_inputStream = nullptr;
-        return false;
-    }
-    return true;
+    if (stream)
+        Pa_CloseStream(stream);
+    stream = nullptr;
+    return false;
 }
 
 void PortAudioDevice::CloseStreams()

@@ -47,6 +47,9 @@ private:
     bool OpenOutput(bool withInput);
     bool OpenSeparateInput();
     void CloseStreams();
+    // Closes a stream whose opening or start failed, keeping PortAudio's reason when asked;
+    // always false.
+    bool Abandon(PaStream*& stream, int err, bool keepReason);
     // Steady-clock second at which the first of `frames` input frames was at the converter.
     double CapturedAt(double cpuNow, double streamNow, double adcTime, int frames) const;
     // Mono or stereo input as stereo in m_inputStereo; the stereo frames made.

@@ -99,15 +99,23 @@ QString VoiceFileIn(const QString& folder, const QString& songPath)
     return folder + separator + QFileInfo(songPath).completeBaseName() + QStringLiteral(".wav");
 }
 
+QString VoiceFileOf(const QString& songPath, const ThemeClass& theme)
+{
+    return VoiceFileIn(VoiceFolder(songPath, theme.RecordFolder, theme.VoiceDirectory), songPath);
+}
+
 VoiceTarget VoiceTargetOf(const QString& songPath, const ThemeClass& theme)
 {
     VoiceTarget target;
-    target.file = VoiceFileIn(VoiceFolder(songPath, theme.RecordFolder, theme.VoiceDirectory), songPath);
+    target.file = VoiceFileOf(songPath, theme);
     if (theme.RecordQuality > 0)
         target.rate = theme.RecordQuality;
     target.channels = theme.RecordMode == 1 ? 1 : 2;
+    if (!QFile::exists(target.file))
+        return target;
     WaveFormat existing;
-    if (ReadWaveFormat(target.file, existing) && existing.IsPcm16()) {
+    target.unusable = !(ReadWaveFormat(target.file, existing) && existing.IsPcm16());
+    if (!target.unusable) {
         target.rate = existing.rate;
         target.channels = existing.channels;
     }

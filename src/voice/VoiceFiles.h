@@ -37,8 +37,12 @@ struct VoiceTarget {
     QString file;
     int rate = 22050;
     int channels = 2;
+    // A file stands there that is not 16-bit PCM: no take can be placed into it.
+    bool unusable = false;
 };
 VoiceTarget VoiceTargetOf(const QString& songPath, const ThemeClass& theme);
+// Only the path of VoiceTargetOf, without reading the file.
+QString VoiceFileOf(const QString& songPath, const ThemeClass& theme);
 
 // The temporary take's name: month, day, year, 24-hour hour, minutes, seconds, AM or PM.
 QString TempWaveName(const QDateTime& now);

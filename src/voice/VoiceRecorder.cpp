@@ -54,6 +54,7 @@ void VoiceRecorder::VoicePath()
     VoiceFile = target.file;
     RecordRate = target.rate;
     RecordChannels = target.channels;
+    m_voiceFileUnusable = target.unusable;
 }
 
 void VoiceRecorder::StartVoiceRecord()
@@ -78,10 +79,7 @@ bool VoiceRecorder::BeginWaveFile()
     VoicePath();
     TempWave = QDir(TempFolder).filePath(TempWaveName(Clock()));
     QFile::remove(TempWave);
-    WaveFormat existing;
-    const bool unusableVoiceFile =
-        QFile::exists(VoiceFile) && !(ReadWaveFormat(VoiceFile, existing) && existing.IsPcm16());
-    if (unusableVoiceFile || !m_writer.Begin(TempWave, RecordRate, RecordChannels)) {
+    if (m_voiceFileUnusable || !m_writer.Begin(TempWave, RecordRate, RecordChannels)) {
         m_writer.Finish();
         m_messages.Critical(m_state.Language.GetText(QStringLiteral("ErrorCreateWav")));
         FinishRecording(true);
@@ -154,7 +152,7 @@ void VoiceRecorder::EndRecordingState()
 
 QString VoiceRecorder::VoicePlaybackFile() const
 {
-    const QString placed = VoiceTargetOf(m_state.CurrentFile, *m_state.Theme).file;
+    const QString placed = VoiceFileOf(m_state.CurrentFile, *m_state.Theme);
     return QFile::exists(placed) ? placed : VoiceFileIn(m_state.Theme->VoiceDirectory, m_state.CurrentFile);
 }
 

@@ -76,6 +76,7 @@ private:
     VoiceIndicator& m_indicator;
     CaptureWriter m_writer;
     bool m_capturing = false;
+    bool m_voiceFileUnusable = false;
     // The song's second and the device clock when the capture was armed.
     double m_armedPosition = 0;
     double m_armedAt = 0;
