@@ -46,3 +46,11 @@ QString LoadPlayerLyrics(LyricsState& lyrics, const QString& file, const LyricsE
 int PlaceVoiceTake(const QStringList& args);
 // swtool playlist FILE.m3u|FILE.pls [--saved]
 int PrintPlaylist(const QStringList& args);
+// swtool print LYRICS [--html OUT.htm] [--pdf OUT.pdf]: the printed page with the saved settings.
+int PrintPages(const QStringList& args);
+
+// The message on the error stream; exit code 1.
+int Fail(const QString& message);
+
+// The block text the editor would open: a ".lrs" file whole, else the block inside the song.
+QString EditorText(const QString& path, bool polish);

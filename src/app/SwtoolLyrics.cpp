@@ -90,13 +90,14 @@ void PrintDocument(const std::vector<LyricItem>& lyrics, const std::vector<Pictu
     }
 }
 
+} // namespace
+
 int Fail(const QString& message)
 {
     QTextStream(stderr) << message << '\n';
     return 1;
 }
 
-// The block text the editor would open: a ".lrs" file whole, else the block inside the song.
 QString EditorText(const QString& path, bool polish)
 {
     const QByteArray bytes = ReadWholeFile(path);
@@ -104,8 +105,6 @@ QString EditorText(const QString& path, bool polish)
         return DecodeText(bytes, polish);
     return LyricsBlockText(bytes, polish).value_or(QString());
 }
-
-} // namespace
 
 QString LoadPlayerLyrics(LyricsState& lyrics, const QString& file, const LyricsEnvironment& env)
 {

@@ -113,12 +113,6 @@ void RunTicks(KaraokeView& view, RenderClock& clock, double until, const std::fu
     }
 }
 
-int Fail(const QString& message)
-{
-    QTextStream(stderr) << message << '\n';
-    return 1;
-}
-
 } // namespace
 
 int RenderFrames(const QStringList& args)

@@ -39,7 +39,11 @@ const char* const kUsage =
     "                        the rows as the playlist loads them: text<TAB>time<TAB>path\n"
     "  voice SONG --take TAKE.wav --at SECONDS\n"
     "                        the take placed into the song's voice file as the end of a recording\n"
-    "                        places it (converted to an existing file's format); prints its path\n";
+    "                        places it (converted to an existing file's format); prints its path\n"
+    "  print LYRICS [--html OUT.htm] [--pdf OUT.pdf]\n"
+    "                        the editor's printed page of a song's (or a .lrs file's) lyrics with\n"
+    "                        the saved print settings: the HTML (to standard output without\n"
+    "                        --html) and A4 pages as PDF; prints the PDF and its page count\n";
 
 int Usage()
 {
@@ -57,7 +61,7 @@ int PrintText(const QStringList& args)
     return 0;
 }
 
-int PrintSettings()
+int ListSettings()
 {
     QSettingsStore store;
     std::vector<MonitorRecord> monitors;
@@ -86,7 +90,7 @@ int main(int argc, char* argv[])
     if (command == QLatin1String("text"))
         return PrintText(args);
     if (command == QLatin1String("settings") && args.isEmpty())
-        return PrintSettings();
+        return ListSettings();
     if (command == QLatin1String("lyrics")) {
         const int result = PrintLyrics(args);
         return result == 2 ? Usage() : result;
@@ -119,6 +123,10 @@ int main(int argc, char* argv[])
     }
     if (command == QLatin1String("tags")) {
         const int result = SaveTags(args);
+        return result == 2 ? Usage() : result;
+    }
+    if (command == QLatin1String("print")) {
+        const int result = PrintPages(args);
         return result == 2 ? Usage() : result;
     }
     if (command == QLatin1String("probe")) {

@@ -74,7 +74,9 @@ QByteArray EncodeText(const QString& text)
 
 namespace {
 
-std::optional<QByteArray> EncodeSingleByte(const QString& text, const std::array<char16_t, 128>& high)
+// Without a replacement a character the page lacks fails the whole text.
+std::optional<QByteArray> EncodeSingleByte(const QString& text, const std::array<char16_t, 128>& high,
+                                           std::optional<char> replacement = std::nullopt)
 {
     QByteArray bytes;
     bytes.reserve(text.size());
@@ -84,8 +86,12 @@ std::optional<QByteArray> EncodeSingleByte(const QString& text, const std::array
             continue;
         }
         const auto it = std::find(high.begin(), high.end(), c.unicode());
-        if (it == high.end() || c.unicode() == 0xFFFD)
-            return std::nullopt;
+        if (it == high.end() || c.unicode() == 0xFFFD) {
+            if (!replacement)
+                return std::nullopt;
+            bytes.append(*replacement);
+            continue;
+        }
         bytes.append(char(0x80 + (it - high.begin())));
     }
     return bytes;
@@ -107,4 +113,14 @@ QByteArray EncodeLegacyField(const QString& text, bool polish, qsizetype size)
         i += length;
     }
     return utf8;
+}
+
+QByteArray EncodeWindows1250(const QString& text)
+{
+    return *EncodeSingleByte(text, kWindows1250, '?');
+}
+
+QString DecodeWindows1250(const QByteArray& bytes)
+{
+    return DecodeSingleByte(bytes, kWindows1250);
 }

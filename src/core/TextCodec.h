@@ -13,3 +13,7 @@ QByteArray EncodeText(const QString& text);
 // there, else UTF-8, which the reader above takes back first; cut to the field at a character's
 // end.
 QByteArray EncodeLegacyField(const QString& text, bool polish, qsizetype size);
+
+// Central European text in its Windows code page, "?" for a character the page lacks.
+QByteArray EncodeWindows1250(const QString& text);
+QString DecodeWindows1250(const QByteArray& bytes);

@@ -170,4 +170,7 @@ void EditorDocument::RebuildLineTexts()
         line.clear();
         lineStart = row + 1;
     }
+    // The last syllable of a song ends no line but closes one all the same.
+    for (int r = lineStart; r <= Count(); ++r)
+        Entries()[size_t(r)].LineText = line;
 }

@@ -2,6 +2,7 @@
 // the steps of a held correction key.
 
 #include "editor/EditorDocument.h"
+#include "lyrics/LyricsBlock.h"
 
 #include "support/TestSupport.h"
 
@@ -93,4 +94,17 @@ TEST(EditorDocument, AHeldKeyMovesByThousandthsThenATenthOnceThenHundredthsThenT
     EXPECT_DOUBLE_EQ(CorrectionStep(10), 0.1);
     EXPECT_DOUBLE_EQ(CorrectionStep(11), 0.01);
     EXPECT_DOUBLE_EQ(CorrectionStep(30), 0.1);
+}
+
+TEST(EditorDocument, AnEditOfTheLastLineReachesItsLineText)
+{
+    LyricsState lyrics;
+    ASSERT_TRUE(ParseEditorLyrics(lyrics, QStringLiteral("[1]one [2]two\r\n[3]three [4]four\r\n"),
+                                  [](const QString&) {}));
+    EditorDocument document(lyrics);
+    ASSERT_FALSE(document.Entry(4).LineEnd) << "a read song's last syllable ends no line";
+    document.EditText(4, QStringLiteral("more "));
+    EXPECT_EQ(document.Entry(3).LineText, "three more ");
+    EXPECT_EQ(document.Entry(4).LineText, "three more ");
+    EXPECT_EQ(document.Entry(1).LineText, "one two");
 }

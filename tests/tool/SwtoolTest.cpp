@@ -477,3 +477,32 @@ TEST(Swtool, VoicePlacesATakeAsTheEndOfARecordingDoes)
     EXPECT_EQ(Swtool({"voice", song, "--at", "1"}, home.path()).exitCode, 2);
     EXPECT_TRUE(ReadFileBytes(voice) == overdubbed) << "a failed run leaves the voice file";
 }
+
+TEST(Swtool, PrintWritesThePageAndItsPdfWithTheSavedSettings)
+{
+    QTemporaryDir home;
+    WriteFileBytes(home.filePath(QStringLiteral("Tonehaven/Songweaver.conf")),
+                   "[PRT]\nAlignment=Right\nPrintTitle=0\nLyricColor=255\n");  // 255 is red
+    const QString song = SourcePath(QStringLiteral("tests/fixtures/karaoke/amazing-grace.lrs"));
+
+    const ToolRun page = Swtool({"print", song}, home.path());
+    ASSERT_EQ(page.exitCode, 0) << page.err.toStdString();
+    EXPECT_FALSE(page.out.contains("Amazing Grace<BR>")) << "the title is off";
+    EXPECT_TRUE(page.out.contains("<P align=right>\r\n<span style=\"font-family:Arial,Arial,Tahoma,Geneva; "
+                                  "font-size: 12pt;\"><FONT color=#FF0000>\r\n"
+                                  "Amazing grace, how sweet the sound<br>\r\n"))
+        << page.out.toStdString();
+    EXPECT_TRUE(page.out.endsWith("Was blind, but now I see<br>\r\n</span></P><BR></BODY></HTML>"));
+
+    const QString html = home.filePath(QStringLiteral("out/grace.htm"));
+    const QString pdf = home.filePath(QStringLiteral("grace.pdf"));
+    QDir(home.path()).mkpath(QStringLiteral("out"));
+    const ToolRun files = Swtool({"print", song, "--html", html, "--pdf", pdf}, home.path());
+    ASSERT_EQ(files.exitCode, 0) << files.err.toStdString();
+    EXPECT_EQ(files.out, pdf + "\t1 page\n");
+    EXPECT_EQ(QString::fromLatin1(ReadFileBytes(html)), page.out);
+    EXPECT_TRUE(ReadFileBytes(pdf).startsWith("%PDF"));
+
+    EXPECT_EQ(Swtool({"print", home.filePath("missing.lrs")}, home.path()).exitCode, 1);
+    EXPECT_EQ(Swtool({"print"}, home.path()).exitCode, 2);
+}
