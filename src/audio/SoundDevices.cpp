@@ -1,6 +1,10 @@
 #include "audio/SoundDevices.h"
 
 #include <alsa/asoundlib.h>
+#include <fluidsynth.h>
+extern "C" {
+#include <libavutil/avutil.h>
+}
 #include <fcntl.h>
 #include <portaudio.h>
 #include <unistd.h>
@@ -100,4 +104,11 @@ QStringList InputDeviceNames()
 bool HasOutputDevice()
 {
     return NullDeviceChosen() || !OutputDeviceNames().isEmpty();
+}
+
+QStringList AudioLibraryVersions()
+{
+    return {QStringLiteral("FFmpeg ") + QString::fromUtf8(av_version_info()),
+            QStringLiteral("PortAudio ") + QString::fromUtf8(Pa_GetVersionInfo()->versionText).remove(QStringLiteral("PortAudio V")),
+            QStringLiteral("FluidSynth ") + QString::fromUtf8(fluid_version_str())};
 }

@@ -19,6 +19,9 @@ QStringList OutputDeviceNames();
 // Names of the devices PortAudio can record from.
 QStringList InputDeviceNames();
 
+// The sound libraries the program runs on, as "name version": FFmpeg, PortAudio, FluidSynth.
+QStringList AudioLibraryVersions();
+
 // True when the null device is chosen or PortAudio reports an output device.
 bool HasOutputDevice();
 

@@ -104,6 +104,11 @@ public:
     // The information dialog of a file by its kind ("MP3", "OGG", "WAV", "MIDI"), modeless over
     // the main window.
     virtual void ShowFileInfo(const QString& format, const QString& path) = 0;
+    // The preferences window, one at a time, on a tab: 0 general to 5 the keyboard.
+    virtual void ShowPreferences(int tab) = 0;
+    virtual void ShowAbout() = 0;
+    // The online tutorial in the user's browser.
+    virtual void ShowTutorial() = 0;
 };
 
 // The playlist's rows as the transport walks and fills them; the list outlives its window.

@@ -197,6 +197,25 @@ std::vector<std::pair<QString, QString>> ThemeClass::StoredValues() const
     return values;
 }
 
+std::vector<std::pair<QString, QString>> ThemeClass::DefaultValues() const
+{
+    std::vector<std::pair<QString, QString>> values;
+    for (const Setting& setting : const_cast<ThemeClass*>(this)->Settings())
+        values.emplace_back(setting.key, setting.defaultText);
+    return values;
+}
+
+void ThemeClass::Restore(const std::vector<std::pair<QString, QString>>& values)
+{
+    for (const Setting& setting : Settings())
+        for (const auto& [key, text] : values)
+            if (key == setting.key)
+                setting.decode(text);
+    SetLyricsPicPath(m_lyricsPicPath);
+    if (ApplyOnTop)
+        ApplyOnTop(m_onTop);
+}
+
 void ThemeClass::SetLyricsOffset(double seconds)
 {
     m_lyricsOffset = std::round(seconds * 1000.0) / 1000.0;

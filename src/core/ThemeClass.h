@@ -38,6 +38,11 @@ public:
 
     // key, stored text: every setting in load order, in the encoding it is stored with.
     std::vector<std::pair<QString, QString>> StoredValues() const;
+    // key, default text: the settings of a fresh install, in load order.
+    std::vector<std::pair<QString, QString>> DefaultValues() const;
+    // Takes back the values of those pairs (as StoredValues gives them) whose key it knows, and
+    // applies the picture and "on top" again.
+    void Restore(const std::vector<std::pair<QString, QString>>& values);
 
     // The lyrics font of the settings: face, point size, bold, italic.
     QFont LyricsFontFace() const;

@@ -82,6 +82,16 @@ void KaraokeView::UpdateColors()
     m_colors.Alignment = song.Alignment != -1 ? song.Alignment : m_theme.LyricsAlignment;
 }
 
+void KaraokeView::ApplySettings()
+{
+    UpdateColors();
+    SetPicture();
+    m_fontSize = m_theme.LyricsFontSize;
+    if (m_theme.LyricsFitFont)
+        FitLyrics();
+    SetBackground(m_timedPicture.isNull());
+}
+
 void KaraokeView::ResizeMe(QSize size, qreal dpr, bool fullScreen)
 {
     m_size = size.expandedTo(QSize(1, 1));

@@ -43,6 +43,9 @@ public:
     void FadeLyrics(int16_t& mode);
     void FitLyrics();
     void UpdateColors();
+    // The user's settings changed while the window shows: colours, background picture and its
+    // layout, font, fitting and alignment take effect on the page that shows.
+    void ApplySettings();
     void SetPicture();
     void IncFont();
     void DecFont();

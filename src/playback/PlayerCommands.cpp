@@ -8,27 +8,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <map>
-#include <set>
-
-namespace {
-
-// The command of each button, by the key of its tip text.
-const char* const kButtonKeys[] = {nullptr,           "Previous", "Play",   "Pause",      "Stop",
-                                   "Next",            "Mute",     "Preferences", "FileOpen", "Controls",
-                                   "UserList",        "SwitchMicrophone", "Record", "YourVoice", "Editor",
-                                   "KaraokeWindow"};
-
-} // namespace
-
-bool CommandNotBuiltYet(const QString& key)
-{
-    static const std::set<QString> kNotBuiltYet = {
-        QStringLiteral("Preferences"),
-        QStringLiteral("About"),
-        QStringLiteral("MnuHelp"),
-    };
-    return kNotBuiltYet.count(key) > 0;
-}
 
 PlayerCommands::PlayerCommands(PlayerState& state, FormProvider& forms, PlayerTransport& transport, TrayIcon& tray,
                                FileDialogs& dialogs)
@@ -43,8 +22,6 @@ void PlayerCommands::ButtonAction(int button)
     const bool recording = m_state.Recording;
     if (button == 12)
         m_forms.Player().SetButton(12, 0);
-    if (CommandNotBuiltYet(QString::fromLatin1(kButtonKeys[button])))
-        return;
     switch (button) {
     case 1:
         if (!recording)
@@ -66,6 +43,9 @@ void PlayerCommands::ButtonAction(int button)
     case 6:
         if (!recording)
             ToggleMute();
+        break;
+    case 7:
+        ShowPreferences(0);
         break;
     case 8:
         OpenFileDialog();
@@ -101,6 +81,12 @@ void PlayerCommands::ToggleRecording()
 {
     if (VoiceCommands* voice = m_transport.Voice())
         m_state.Recording ? voice->StopVoiceRecord() : voice->StartVoiceRecord();
+}
+
+void PlayerCommands::ShowPreferences(int tab)
+{
+    if (!m_state.Recording)
+        m_forms.ShowPreferences(tab);
 }
 
 void PlayerCommands::ToggleMute()
@@ -210,13 +196,19 @@ void PlayerCommands::MenuCommand(const QString& key)
         {QStringLiteral("Stop"), 4},     {QStringLiteral("Next"), 5},       {QStringLiteral("Open"), 8},
         {QStringLiteral("List"), 10},    {QStringLiteral("Microphone"), 11}, {QStringLiteral("Record"), 12},
         {QStringLiteral("Voice"), 13},   {QStringLiteral("Editor"), 14},    {QStringLiteral("Karaoke"), 15},
-        {QStringLiteral("Prefs"), 7},    {QStringLiteral("Keyboard"), 7},
+        {QStringLiteral("Prefs"), 7},
     };
     // "Control" stays inert: the dispatcher has always looked for "Controls", which no item has.
     if (const auto it = kButtons.find(key); it != kButtons.end())
         ButtonAction(it->second);
     else if (key == u"Info" && !m_state.Recording)
         GetInfo();
+    else if (key == u"Keyboard")
+        ShowPreferences(5);
+    else if (key == u"About" && !m_state.Recording)
+        m_forms.ShowAbout();
+    else if (key == u"HelpMe" && !m_state.Recording)
+        m_forms.ShowTutorial();
     else if (key == u"Current")
         m_forms.Player().SetTimeStyle(QStringLiteral("CURRENT"));
     else if (key == u"Elapsed")
@@ -284,8 +276,10 @@ bool PlayerCommands::KeyDown(int key, Qt::KeyboardModifiers modifiers)
         TogglePlaylist();
         return true;
     }
-    if (key == Qt::Key_P && ctrl)
-        return !CommandNotBuiltYet(QStringLiteral("Preferences"));
+    if (key == Qt::Key_P && ctrl) {
+        ShowPreferences(0);
+        return true;
+    }
     if (key == Qt::Key_K && ctrl) {
         ToggleKaraoke();
         return true;

@@ -28,10 +28,6 @@ public:
     virtual QStringList OpenFileNames(const QString& title, const QString& folder, const QString& filter) = 0;
 };
 
-// Commands whose windows this build does not have yet. They are refused without a word, as
-// every refused command is, and a key among them does not count as handled.
-bool CommandNotBuiltYet(const QString& key);
-
 class PlayerCommands final {
 public:
     PlayerCommands(PlayerState& state, FormProvider& forms, PlayerTransport& transport, TrayIcon& tray,
@@ -64,6 +60,8 @@ private:
     void SwapTimeStyle();
     void ToggleMute();
     void ToggleRecording();
+    // The preferences, the about box and the tutorial wait while the voice is recorded.
+    void ShowPreferences(int tab);
 
     PlayerState& m_state;
     FormProvider& m_forms;

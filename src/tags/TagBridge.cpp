@@ -6,6 +6,7 @@
 #include "tags/EndTags.h"
 
 #include <taglib/apefile.h>
+#include <taglib/taglib.h>
 #include <taglib/apetag.h>
 #include <taglib/id3v2tag.h>
 #include <taglib/mpcfile.h>
@@ -15,6 +16,11 @@
 #include <taglib/tbytevectorstream.h>
 #include <taglib/vorbisfile.h>
 #include <taglib/xiphcomment.h>
+
+QString TagLibVersion()
+{
+    return QStringLiteral("TagLib %1.%2.%3").arg(TAGLIB_MAJOR_VERSION).arg(TAGLIB_MINOR_VERSION).arg(TAGLIB_PATCH_VERSION);
+}
 
 namespace {
 

@@ -7,6 +7,9 @@
 #include <QString>
 #include <optional>
 
+// "TagLib" and the version the program is built with.
+QString TagLibVersion();
+
 struct Id3v2Fields {
     QString Title, Artist, Album, Track, Year, Genre, Comment;
     QString Composer, Encoded, Copyright, Url, OriginalArtist;

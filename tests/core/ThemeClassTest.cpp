@@ -230,3 +230,42 @@ TEST(ThemeClass, SaveWritesEveryKeyOnceOnTopFirstRecordDeviceLast)
     EXPECT_EQ(stored[2].first, "record device");
     EXPECT_EQ(stored.back().first, "sound font");
 }
+
+TEST(ThemeClass, RestoreTakesBackASnapshotAndTheDefaultsOfAFreshInstall)
+{
+    MemoryStore store;
+    Loaded loaded(store);
+    ThemeClass& t = loaded.theme;
+    bool onTop = false;
+    t.ApplyOnTop = [&onTop](bool flag) { onTop = flag; };
+    const auto snapshot = t.StoredValues();
+
+    t.LyricsFontSize = 48;
+    t.LyricsOutlineColor2 = 77;
+    t.SetLyricsOffset(1.5);
+    t.SetOnTop(true);
+    t.SetLyricsPicPath(QStringLiteral("/no/such/picture.png"));
+    t.Restore(snapshot);
+    EXPECT_EQ(t.LyricsFontSize, 20);
+    EXPECT_EQ(t.LyricsOutlineColor2, 0);
+    EXPECT_DOUBLE_EQ(t.LyricsOffset(), 0);
+    EXPECT_FALSE(t.OnTop());
+    EXPECT_FALSE(onTop) << "\"on top\" is applied again";
+    EXPECT_EQ(t.LyricsPicPath(), "default");
+    EXPECT_FALSE(t.LyricsPicture().isNull());
+    EXPECT_TRUE(store.writes.isEmpty()) << "nothing is written before the end of the run";
+
+    t.DisplayMode = 0;
+    t.LyricsColor = 1;
+    t.Restore({{QStringLiteral("karaoke display mode"), QStringLiteral("2")}, {QStringLiteral("no such key"), "9"}});
+    EXPECT_EQ(t.DisplayMode, 2);
+    EXPECT_EQ(t.LyricsColor, 1) << "a value missing from the pairs stays";
+
+    const auto defaults = t.DefaultValues();
+    ASSERT_EQ(defaults.size(), snapshot.size());
+    t.Restore(defaults);
+    EXPECT_EQ(t.DisplayMode, 3);
+    EXPECT_EQ(t.LyricsColor, RGB(125, 140, 189));
+    EXPECT_EQ(t.LyricsFont, "Arial") << "the first installed of the default fonts";
+    EXPECT_EQ(t.VoiceDirectory, "/data/Voice");
+}

@@ -252,3 +252,28 @@ TEST(Painter, LightingASyllableOnScreenGivesTheSamePixelsAsARedraw)
     EXPECT_EQ(differing, 0);
     EXPECT_GT(Count(lit, kHighlight), 200);
 }
+
+TEST(Painter, ChangedSettingsReachThePageThatShows)
+{
+    std::vector<LyricItem> song = Song({{{1.0, "Settings"}}});
+    Stage stage(song);
+    stage.lyrics.PlayLyrics[0].BackColor = -1;  // the song leaves the colours to the settings
+    stage.lyrics.PlayLyrics[0].HighlightColor = -1;
+    stage.PlayTo(1.5);
+    ThemeClass& t = stage.settings.theme;
+    const QColor back(10, 120, 30);
+    const QColor fore(250, 250, 250);
+    t.LyricsBackColor = Win32FromColor(back);
+    t.LyricsHighlightColor = Win32FromColor(fore);
+    const int before = Count(stage.view.Frame(), fore);
+    EXPECT_EQ(Count(stage.view.Frame(), back), 0);
+
+    stage.view.ApplySettings();
+    EXPECT_GT(Count(stage.view.Frame(), back), 800 * 300 / 2) << "the new back colour";
+    EXPECT_GT(Count(stage.view.Frame(), fore), before) << "the sung line in the new highlight colour";
+
+    const int small = Count(stage.view.Frame(), fore);
+    t.LyricsFontSize = 48;
+    stage.view.ApplySettings();
+    EXPECT_GT(Count(stage.view.Frame(), fore), small * 2) << "a larger font";
+}

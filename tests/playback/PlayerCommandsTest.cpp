@@ -51,19 +51,27 @@ TEST_F(Commands, WithoutASystemTrayMinimisingMinimisesTheWindows)
     EXPECT_TRUE(journal.calls.contains("Lyric.Show"));
 }
 
-TEST_F(Commands, CommandsWithoutTheirWindowsAreInertAndNotHandled)
+TEST_F(Commands, PreferencesAboutAndTutorialOpenOnTheirTabsButNotWhileRecording)
 {
-    for (const char* key : {"Preferences", "About", "MnuHelp"})
-        EXPECT_TRUE(CommandNotBuiltYet(QString::fromLatin1(key))) << key;
-    for (const char* key : {"SwitchMicrophone", "Record", "YourVoice"})
-        EXPECT_FALSE(CommandNotBuiltYet(QString::fromLatin1(key))) << key;
-    EXPECT_FALSE(CommandNotBuiltYet("KaraokeWindow"));
-    EXPECT_FALSE(CommandNotBuiltYet("Controls"));
-    EXPECT_FALSE(CommandNotBuiltYet("Editor"));
-    EXPECT_FALSE(commands.KeyDown(Qt::Key_M, {})) << "a build without the voice commands";
-    EXPECT_TRUE(commands.KeyDown(Qt::Key_K, Qt::ControlModifier));
     commands.ButtonAction(7);
-    EXPECT_EQ(journal.calls, QStringList{"Lyric.Unload"}) << "only Ctrl+K did something";
+    commands.MenuCommand("Prefs");
+    commands.MenuCommand("Keyboard");
+    EXPECT_TRUE(commands.KeyDown(Qt::Key_P, Qt::ControlModifier));
+    commands.MenuCommand("About");
+    commands.MenuCommand("HelpMe");
+    commands.MenuCommand("Control");
+    EXPECT_EQ(windows.shownInfo, (QStringList{"Preferences 0", "Preferences 0", "Preferences 5", "Preferences 0",
+                                              "About", "Tutorial"}))
+        << "\"Control\" stays inert";
+
+    windows.shownInfo.clear();
+    state.Recording = true;
+    commands.ButtonAction(7);
+    for (const char* key : {"Prefs", "Keyboard", "About", "HelpMe"})
+        commands.MenuCommand(QString::fromLatin1(key));
+    EXPECT_TRUE(commands.KeyDown(Qt::Key_P, Qt::ControlModifier)) << "the key is taken, its command refused";
+    EXPECT_TRUE(windows.shownInfo.isEmpty()) << windows.shownInfo.join(", ").toStdString();
+    EXPECT_FALSE(commands.KeyDown(Qt::Key_M, {})) << "a build without the voice commands";
 }
 
 TEST_F(Commands, InfoOpensTheDialogOfTheSelectedRowsKindButNotWhileRecording)

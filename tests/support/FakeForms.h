@@ -183,7 +183,10 @@ public:
     EditorForm& LoadEditor() override { return Load(editor); }
     std::vector<Form*> LoadedForms() override { return m_loaded; }
     void ShowFileInfo(const QString& format, const QString& path) override { shownInfo << format + u' ' + path; }
-    QStringList shownInfo;
+    void ShowPreferences(int tab) override { shownInfo << QStringLiteral("Preferences %1").arg(tab); }
+    void ShowAbout() override { shownInfo << QStringLiteral("About"); }
+    void ShowTutorial() override { shownInfo << QStringLiteral("Tutorial"); }
+    QStringList shownInfo;  // the dialogs and pages shown, in order
 
     FakePlayer player;
     FakePlaylistWindow userList;

@@ -42,7 +42,24 @@ public:
         return colour;
     }
 
-    std::deque<QString> files;
+    std::optional<QFont> ChooseFont(const QFont& initial) override
+    {
+        offeredFonts.push_back(initial);
+        if (fonts.empty())
+            return std::nullopt;
+        const QFont font = fonts.front();
+        fonts.pop_front();
+        return font;
+    }
+    QString ChooseFolder(const QString& title, const QString&) override
+    {
+        titles << title;
+        return Next();
+    }
+
+    std::deque<QString> files;  // the answers of the file and folder dialogs
+    std::deque<QFont> fonts;
+    std::vector<QFont> offeredFonts;
     std::deque<QColor> colors;
     std::vector<QColor> offered;
     bool yes = true;

@@ -8,6 +8,7 @@
 #include "ui/editor/PictureDialog.h"
 #include "ui/kit/Desktop.h"
 #include "ui/kit/Palette.h"
+#include "ui/kit/Pickers.h"
 
 #include <QButtonGroup>
 #include <QCheckBox>
@@ -42,21 +43,8 @@ constexpr std::pair<const char*, int> kTextPlaces[] = {{"DetailsTextTop", 1}, {"
                                                        {"DetailsTextBottom", 2}};
 constexpr std::pair<const char*, int> kPicturePlaces[] = {{"DetailsTop", 1}, {"DetailsCenter", 0},
                                                           {"DetailsBottom", 2}};
-const QSize kSwatch(44, 18);
 const QSize kPreviewSize(192, 108);
 const QSize kMinimumSize(640, 520);
-
-QIcon Swatch(const QColor& colour)
-{
-    QPixmap pixmap(kSwatch);
-    pixmap.fill(Qt::transparent);
-    QPainter painter(&pixmap);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(QColor(0, 0, 0, 140), 1));
-    painter.setBrush(colour);
-    painter.drawRoundedRect(QRectF(0.5, 0.5, kSwatch.width() - 1, kSwatch.height() - 1), 3, 3);
-    return QIcon(pixmap);
-}
 
 // Sets the option of a value, or none for a value no option has.
 void CheckOption(QButtonGroup* group, int id)
@@ -144,7 +132,7 @@ QWidget* DetailsDialog::BuildGeneralTab()
     for (int i = 0; i < kDetailsColors; ++i) {
         auto* button = new QPushButton;
         button->setObjectName(QStringLiteral("Color%1").arg(i));
-        button->setIconSize(kSwatch);
+        button->setIconSize(kSwatchSize);
         button->setFlat(true);
         button->setCursor(Qt::PointingHandCursor);
         connect(button, &QPushButton::clicked, this, [this, i] { ChooseColor(i); });

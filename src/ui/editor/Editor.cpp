@@ -8,6 +8,7 @@
 #include "playback/PlayerState.h"
 #include "playback/PlayerTransport.h"
 #include "ui/editor/DetailsDialog.h"
+#include "ui/print/Printer.h"
 #include "ui/editor/EditorDialogs.h"
 #include "ui/editor/LyricsTable.h"
 #include "ui/editor/TimeSpin.h"
@@ -300,37 +301,29 @@ QWidget* Editor::BuildTimingBar()
 
 void Editor::BuildMenus()
 {
-    struct Item {
-        const char* key;  // nullptr for a separator
-        bool built = true;
-    };
-    // By position, separators counted: the places the old menus had.
-    const std::vector<std::pair<const char*, std::vector<Item>>> menus = {
+    // By position, separators (nullptr) counted: the places the old menus had.
+    const std::vector<std::pair<const char*, std::vector<const char*>>> menus = {
         {"MenuFile",
-         {{"MenuNew"}, {"MenuFileOpen"}, {"MenuLyricsOpen"}, {"MenuLyricsImport"}, {nullptr}, {"MenuSave"},
-          {"MenuSaveAs"}, {nullptr}, {"MenuTextOpen"}, {"MenuTextSave"}, {nullptr}, {"MenuPrint", false},
-          {"MenuUpdate"}, {nullptr}, {"MenuExit"}}},
-        {"MenuEdit",
-         {{"MenuCut"}, {"MenuCopy"}, {"MenuPaste"}, {"MenuDelete"}, {"MenuSelectAll"}, {"MenuRemoveAll"}}},
+         {"MenuNew", "MenuFileOpen", "MenuLyricsOpen", "MenuLyricsImport", nullptr, "MenuSave", "MenuSaveAs", nullptr,
+          "MenuTextOpen", "MenuTextSave", nullptr, "MenuPrint", "MenuUpdate", nullptr, "MenuExit"}},
+        {"MenuEdit", {"MenuCut", "MenuCopy", "MenuPaste", "MenuDelete", "MenuSelectAll", "MenuRemoveAll"}},
         {"MenuKaraoke",
-         {{"MenuDetails"}, {nullptr}, {"MenuSplitText"}, {"MenuMergeText"}, {nullptr}, {"MenuInsert"},
-          {"MenuAddNew"}, {nullptr}, {"MenuClear"}}},
-        {"MenuHelp", {{"MenuTutorial"}, {"MenuSupport", false}, {"MenuVersion"}, {nullptr}, {"MenuAbout", false}}},
+         {"MenuDetails", nullptr, "MenuSplitText", "MenuMergeText", nullptr, "MenuInsert", "MenuAddNew", nullptr,
+          "MenuClear"}},
+        {"MenuHelp", {"MenuTutorial", "MenuSupport", "MenuVersion", nullptr, "MenuAbout"}},
     };
     for (const auto& [name, items] : menus) {
         QMenu* menu = menuBar()->addMenu(QString());
         menu->setObjectName(QString::fromLatin1(name));
         m_menus[QString::fromLatin1(name)] = menu;
-        for (const Item& item : items) {
-            if (!item.key) {
+        for (const char* item : items) {
+            if (!item) {
                 menu->addSeparator();
                 continue;
             }
-            const QString key = QString::fromLatin1(item.key);
+            const QString key = QString::fromLatin1(item);
             QAction* action = menu->addAction(QString());
             action->setData(key);
-            // Windows of later work: the item is there, greyed until its window exists.
-            action->setEnabled(item.built);
             connect(action, &QAction::triggered, this, [this, key] { Command(key); });
             m_actions[key] = action;
         }
@@ -510,6 +503,9 @@ void Editor::Command(const QString& key)
         {QStringLiteral("MenuDetails"), &Editor::MenuDetails},
         {QStringLiteral("MenuVersion"), &Editor::MenuVersion},
         {QStringLiteral("MenuTutorial"), &Editor::MenuTutorial},
+        {QStringLiteral("MenuPrint"), &Editor::MenuPrint},
+        {QStringLiteral("MenuSupport"), &Editor::MenuSupport},
+        {QStringLiteral("MenuAbout"), &Editor::MenuAbout},
     };
     if (const auto it = kCommands.find(key); it != kCommands.end())
         (this->*(it->second))();
@@ -631,6 +627,12 @@ void Editor::ShowOnDisplay(bool newRows)
     KaraokeForm* lyric = m_forms.Lyric();
     if (m_state.KaraokeOpen && lyric)
         lyric->ChangeLyrics();
+}
+
+void Editor::MenuPrint()
+{
+    Printer dialog(m_state.Lyrics.EditLyrics, m_store, m_state.Language, m_dialogs, this);
+    dialog.exec();
 }
 
 void Editor::MenuDetails()

@@ -144,6 +144,10 @@ private:
     void MenuTextSave();
     void MenuVersion();
     void MenuTutorial();
+    void MenuSupport();
+    void MenuAbout();
+    // The print dialog, modal, on the document as it stands.
+    void MenuPrint();
     struct ChosenText {
         QString path;
         QString text;

@@ -6,6 +6,7 @@
 #include <QColorDialog>
 #include <QDesktopServices>
 #include <QFileDialog>
+#include <QFontDialog>
 #include <QMessageBox>
 #include <QUrl>
 
@@ -53,4 +54,18 @@ std::optional<QColor> WidgetEditorDialogs::ChooseColor(const QColor& initial)
     if (!colour.isValid())
         return std::nullopt;
     return colour;
+}
+
+std::optional<QFont> WidgetEditorDialogs::ChooseFont(const QFont& initial)
+{
+    bool chosen = false;
+    const QFont font = QFontDialog::getFont(&chosen, initial, QApplication::activeWindow());
+    if (!chosen)
+        return std::nullopt;
+    return font;
+}
+
+QString WidgetEditorDialogs::ChooseFolder(const QString& title, const QString& start)
+{
+    return QFileDialog::getExistingDirectory(QApplication::activeWindow(), title, start);
 }

@@ -3,6 +3,7 @@
 // The window's tests answer them in place of a user.
 
 #include <QColor>
+#include <QFont>
 #include <QString>
 #include <optional>
 
@@ -20,6 +21,10 @@ public:
     virtual void Browse(const QString& address) = 0;
     // The colour picked, nothing when the picker was cancelled.
     virtual std::optional<QColor> ChooseColor(const QColor& initial) = 0;
+    // The font picked, nothing when the picker was cancelled.
+    virtual std::optional<QFont> ChooseFont(const QFont& initial) = 0;
+    // The folder chosen, empty when the dialog was cancelled.
+    virtual QString ChooseFolder(const QString& title, const QString& start) = 0;
 };
 
 // The desktop's dialogs, over the window that is active when they are asked for.
@@ -32,4 +37,6 @@ public:
     void Critical(const QString& text) override;
     void Browse(const QString& address) override;
     std::optional<QColor> ChooseColor(const QColor& initial) override;
+    std::optional<QFont> ChooseFont(const QFont& initial) override;
+    QString ChooseFolder(const QString& title, const QString& start) override;
 };

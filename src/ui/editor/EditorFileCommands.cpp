@@ -1,9 +1,10 @@
 // The editor's File and Help menus: lyrics, text and song files in and out, the lyrics tried
-// on the song that plays, and the pages of the maker's site.
+// on the song that plays, the pages of the maker's site, and the feedback and about boxes.
 
 #include "core/Language.h"
 #include "core/SettingsStore.h"
 #include "core/Shell.h"
+#include "core/SiteAddresses.h"
 #include "editor/EditorFiles.h"
 #include "editor/LyricsImport.h"
 #include "lyrics/LyricsBlock.h"
@@ -14,6 +15,7 @@
 #include "tags/LyricsEmbedding.h"
 #include "ui/editor/Editor.h"
 #include "ui/editor/EditorDialogs.h"
+#include "ui/kit/AboutBoxes.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -23,15 +25,6 @@
 namespace {
 
 const QString kTitlePrefix = QStringLiteral("SWV: ");
-const QString kVersionAddress = QStringLiteral("https://www.tonehaven.org/songweaver/version.php");
-const QString kTutorialAddress = QStringLiteral("https://www.tonehaven.org/songweaver/tutorial.html");
-
-// An address of the maker's site, which a setting may move.
-QString SiteAddress(const SettingsStore& store, const QString& key, const QString& fallback)
-{
-    const QString stored = store.RegReadString(key);
-    return stored.isEmpty() ? fallback : stored;
-}
 
 } // namespace
 
@@ -192,7 +185,7 @@ void Editor::MenuVersion()
     QSaveFile file(page);
     const QString version = QCoreApplication::applicationVersion();
     const QByteArray html =
-        VersionCheckPage(SiteAddress(m_store, QStringLiteral("version address"), kVersionAddress), version).toUtf8();
+        VersionCheckPage(VersionAddress(m_store), version).toUtf8();
     if (!file.open(QIODevice::WriteOnly) || file.write(html) != html.size() || !file.commit())
         return;
     m_dialogs.Browse(page);
@@ -200,5 +193,17 @@ void Editor::MenuVersion()
 
 void Editor::MenuTutorial()
 {
-    m_dialogs.Browse(SiteAddress(m_store, QStringLiteral("tutorial address"), kTutorialAddress));
+    m_dialogs.Browse(TutorialAddress(m_store, m_state.Language.IsPolish));
+}
+
+void Editor::MenuSupport()
+{
+    FeedbackBox box(m_state.Language, m_store, [this](const QString& address) { m_dialogs.Browse(address); }, this);
+    box.exec();
+}
+
+void Editor::MenuAbout()
+{
+    AboutBox box(m_state.Language, m_store, [this](const QString& address) { m_dialogs.Browse(address); }, this);
+    box.exec();
 }
