@@ -37,6 +37,9 @@ public:
     EditorForm& LoadEditor() override { std::abort(); }
     std::vector<Form*> LoadedForms() override { return {}; }
     void ShowFileInfo(const QString&, const QString&) override {}
+    void ShowPreferences(int) override {}
+    void ShowAbout() override {}
+    void ShowTutorial() override {}
     PlaylistForm* list = nullptr;
 
 private:

@@ -3,12 +3,15 @@
 #include "app/AppState.h"
 #include "playback/PlayerCommands.h"
 #include "playback/PlayerTransport.h"
+#include "core/SiteAddresses.h"
 #include "core/WindowPosition.h"
 #include "ui/editor/Editor.h"
 #include "ui/editor/EditorDialogs.h"
 #include "ui/info/InfoDialogs.h"
 #include "ui/karaoke/LyricWindow.h"
+#include "ui/kit/AboutBoxes.h"
 #include "ui/midi/MidiEq.h"
+#include "ui/options/LyricOptions.h"
 #include "ui/player/PlayerServices.h"
 #include "ui/player/PlayerWindow.h"
 #include "ui/playlist/UserList.h"
@@ -25,7 +28,10 @@ double SessionPosition::Position() const
     return m_state.Session ? m_state.Session->get_CurrentPosition() : 0;
 }
 
-AppWindows::AppWindows(AppState& state, SettingsStore& store) : m_state(state), m_store(store), m_position(state) {}
+AppWindows::AppWindows(AppState& state, SettingsStore& store)
+    : m_state(state), m_store(store), m_position(state), m_editorDialogs(std::make_unique<WidgetEditorDialogs>())
+{
+}
 
 AppWindows::~AppWindows() = default;
 
@@ -121,7 +127,6 @@ EditorForm* AppWindows::Editor()
 EditorForm& AppWindows::LoadEditor()
 {
     if (!m_editor) {
-        m_editorDialogs = std::make_unique<WidgetEditorDialogs>();
         m_editor = std::make_unique<::Editor>(m_state, m_store, *this, *m_transport, *m_commands, *m_editorDialogs);
         m_loaded.push_back(m_editor.get());
     }
@@ -158,4 +163,32 @@ void AppWindows::ShowFileInfo(const QString& format, const QString& path)
         return;
     dialog->setWindowFlag(Qt::Dialog);
     dialog->show();
+}
+
+void AppWindows::ShowPreferences(int tab)
+{
+    if (!m_options) {
+        m_options = std::make_unique<LyricOptions>(m_state, m_store, *m_editorDialogs, &PlayerWidget());
+        m_options->setWindowFlag(Qt::Dialog);
+        m_options->Applied = [this] {
+            if (m_lyric)
+                m_lyric->ApplySettings();
+        };
+    }
+    m_options->ShowTab(tab);
+    m_options->show();
+    m_options->raise();
+    m_options->activateWindow();
+}
+
+void AppWindows::ShowAbout()
+{
+    AboutBox box(m_state.Language, m_store, [this](const QString& address) { m_editorDialogs->Browse(address); },
+                 &PlayerWidget());
+    box.exec();
+}
+
+void AppWindows::ShowTutorial()
+{
+    m_editorDialogs->Browse(TutorialAddress(m_store, m_state.Language.IsPolish));
 }

@@ -11,6 +11,7 @@
 
 struct AppState;
 struct PlayerState;
+class LyricOptions;
 class LyricWindow;
 class PlayerCommands;
 class PlayerTransport;
@@ -61,6 +62,10 @@ public:
     EditorForm& LoadEditor() override;
     std::vector<Form*> LoadedForms() override { return m_loaded; }
     void ShowFileInfo(const QString& format, const QString& path) override;
+    void ShowPreferences(int tab) override;
+    void ShowAbout() override;
+    void ShowTutorial() override;
+    LyricOptions* Preferences() { return m_options.get(); }
 
 private:
     AppState& m_state;
@@ -73,6 +78,7 @@ private:
     std::unique_ptr<::MidiEq> m_midiEq;
     std::unique_ptr<WidgetEditorDialogs> m_editorDialogs;
     std::unique_ptr<::Editor> m_editor;
+    std::unique_ptr<LyricOptions> m_options;
     PlayerTransport* m_transport = nullptr;
     PlayerCommands* m_commands = nullptr;
     Equalizer* m_equalizer = nullptr;

@@ -34,6 +34,8 @@ public:
 
     KaraokeView& View() { return m_view; }
     void ToggleFullScreen();
+    // The settings changed in the preferences: the page shows them at once.
+    void ApplySettings() { m_view.ApplySettings(); }
     // The window's menu runs one of its commands by key ("Fullscreen", "FitText", "Play", ...).
     void RunCommand(const QString& key);
     // The transport commands of the menu: "Previous", "Play", "Pause", "Stop", "Next", "Options".

@@ -1,0 +1,687 @@
+#include "ui/options/LyricOptions.h"
+
+#include "audio/SoundDevices.h"
+#include "core/Colors.h"
+#include "core/SettingsStore.h"
+#include "karaoke/Transitions.h"
+#include "playback/LatencyTest.h"
+#include "playback/PlayerState.h"
+#include "ui/editor/EditorDialogs.h"
+#include "ui/kit/Pickers.h"
+
+#include <QButtonGroup>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QDoubleSpinBox>
+#include <QFormLayout>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QPainter>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QSlider>
+#include <QSpinBox>
+#include <QTabWidget>
+#include <QTimer>
+#include <QTreeWidget>
+#include <QVBoxLayout>
+
+// A round light for the latency test.
+class Lamp final : public QWidget {
+public:
+    Lamp() { setFixedSize(22, 22); }
+    void SetLit(bool lit)
+    {
+        if (lit != m_lit) {
+            m_lit = lit;
+            update();
+        }
+    }
+
+protected:
+    void paintEvent(QPaintEvent*) override
+    {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(QPen(QColor(0, 0, 0, 120), 1));
+        painter.setBrush(m_lit ? QColor(0x7d, 0xff, 0xa8) : QColor(0x38, 0x42, 0x6f));
+        painter.drawEllipse(QRectF(rect()).adjusted(1.5, 1.5, -1.5, -1.5));
+    }
+
+private:
+    bool m_lit = false;
+};
+
+namespace {
+
+// The karaoke window's settings that "Reset to defaults" takes back.
+const char* const kKaraokeKeys[] = {"karaoke display mode", "karaoke mode",       "karaoke alignment",
+                                    "karaoke font name",    "karaoke font size",  "karaoke font bold",
+                                    "karaoke font italic",  "karaoke outline width", "fit font to window",
+                                    "karaoke ball",         "show lyrics title",  "karaoke font color",
+                                    "karaoke highlight color", "karaoke outline color", "karaoke ball color",
+                                    "karaoke background color"};
+
+constexpr int kRecordRates[] = {11025, 22050, 44100};
+
+QLabel* Note(const QString& text)
+{
+    auto* label = new QLabel(text);
+    label->setWordWrap(true);
+    QFont font = label->font();
+    font.setPointSizeF(font.pointSizeF() * 0.9);
+    label->setFont(font);
+    label->setForegroundRole(QPalette::PlaceholderText);
+    return label;
+}
+
+QWidget* Page(std::initializer_list<QWidget*> groups)
+{
+    auto* page = new QWidget;
+    auto* layout = new QVBoxLayout(page);
+    for (QWidget* group : groups)
+        layout->addWidget(group);
+    layout->addStretch(1);
+    return page;
+}
+
+} // namespace
+
+LyricOptions::LyricOptions(PlayerState& state, SettingsStore& store, EditorDialogs& dialogs, QWidget* parent)
+    : QDialog(parent), m_state(state), m_store(store), m_dialogs(dialogs), m_kept(state.Theme->StoredValues()),
+      m_tabs(new QTabWidget), m_lampTimer(new QTimer(this))
+{
+    setObjectName(QStringLiteral("LyricOptions"));
+    setWindowTitle(Text("PreferncesCaption"));
+    m_tabs->addTab(BuildGeneral(), Text("TabGeneral"));
+    m_tabs->addTab(BuildKaraoke(), Text("KaraokeFrame"));
+    m_tabs->addTab(BuildColors(), Text("TabColors"));
+    m_tabs->addTab(BuildPictures(), Text("TabPicture"));
+    m_tabs->addTab(BuildSound(), Text("TabAudio"));
+    m_tabs->addTab(BuildKeyboard(), Text("TabShortcuts"));
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(m_tabs);
+    layout->addWidget(BuildButtons());
+    m_lampTimer->setInterval(10);
+    m_lampTimer->setTimerType(Qt::PreciseTimer);
+    connect(m_lampTimer, &QTimer::timeout, this,
+            [this] { m_lamp->SetLit(m_latency && m_latency->Lit(m_state.Theme->LyricsOffset())); });
+    Fill();
+    resize(600, 560);
+}
+
+LyricOptions::~LyricOptions() = default;
+
+QString LyricOptions::Text(const char* key) const
+{
+    return m_state.Language.GetText(QString::fromLatin1(key));
+}
+
+void LyricOptions::ShowTab(int tab)
+{
+    m_tabs->setCurrentIndex(std::clamp(tab, 0, m_tabs->count() - 1));
+    m_state.PreferencesTab = int16_t(m_tabs->currentIndex());
+}
+
+void LyricOptions::Changed()
+{
+    if (m_filling)
+        return;
+    if (Applied)
+        Applied();
+}
+
+void LyricOptions::Fill()
+{
+    m_filling = true;
+    for (const auto& fill : m_fillers)
+        fill();
+    m_filling = false;
+}
+
+void LyricOptions::Apply()
+{
+    m_kept = m_state.Theme->StoredValues();
+}
+
+void LyricOptions::reject()
+{
+    m_state.Theme->Restore(m_kept);
+    Fill();
+    if (Applied)
+        Applied();
+    QDialog::reject();
+}
+
+void LyricOptions::done(int result)
+{
+    StopLatencyTest();
+    QDialog::done(result);
+}
+
+void LyricOptions::StopLatencyTest()
+{
+    m_latency.reset();
+    m_lampTimer->stop();
+    m_lamp->SetLit(false);
+    if (auto* button = findChild<QPushButton*>(QStringLiteral("LatencyTest")))
+        button->setChecked(false);
+}
+
+void LyricOptions::ResetKaraoke()
+{
+    std::vector<std::pair<QString, QString>> defaults;
+    for (const auto& [key, text] : m_state.Theme->DefaultValues())
+        for (const char* wanted : kKaraokeKeys)
+            if (key == QLatin1String(wanted))
+                defaults.emplace_back(key, text);
+    m_state.Theme->Restore(defaults);
+    Fill();
+    Changed();
+}
+
+// ---- Binders: a control shows a setting and writes it back on every change ---------------------
+
+namespace {
+
+// Short-lived: what it connects holds copies of its callback, never the binder itself.
+struct Binder {
+    std::vector<std::function<void()>>& fillers;
+    std::function<void()> changed;
+
+    QCheckBox* Check(const QString& text, const char* name, bool& field)
+    {
+        auto* box = new QCheckBox(text);
+        box->setObjectName(QLatin1String(name));
+        fillers.push_back([box, &field] { box->setChecked(field); });
+        QObject::connect(box, &QCheckBox::toggled, box, [changed = changed, &field](bool on) {
+            field = on;
+            changed();
+        });
+        return box;
+    }
+
+    template <typename T>
+    QSpinBox* Spin(const char* name, T& field, int lowest, int highest)
+    {
+        auto* spin = new QSpinBox;
+        spin->setObjectName(QLatin1String(name));
+        spin->setRange(lowest, highest);
+        fillers.push_back([spin, &field] { spin->setValue(int(field)); });
+        QObject::connect(spin, &QSpinBox::valueChanged, spin, [changed = changed, &field](int value) {
+            field = T(value);
+            changed();
+        });
+        return spin;
+    }
+
+    // Radio buttons of (text, value) in a row or a column; a value no option has checks none.
+    template <typename T>
+    QWidget* Options(const char* name, T& field, std::initializer_list<std::pair<QString, int>> options,
+                     bool vertical = false)
+    {
+        auto* box = new QWidget;
+        box->setObjectName(QLatin1String(name));
+        QBoxLayout* layout = vertical ? static_cast<QBoxLayout*>(new QVBoxLayout(box)) : new QHBoxLayout(box);
+        layout->setContentsMargins(0, 0, 0, 0);
+        auto* group = new QButtonGroup(box);
+        for (const auto& [text, value] : options) {
+            auto* option = new QRadioButton(text);
+            option->setObjectName(QStringLiteral("%1%2").arg(QLatin1String(name)).arg(value));
+            group->addButton(option, value);
+            layout->addWidget(option);
+        }
+        if (!vertical)
+            layout->addStretch(1);
+        fillers.push_back([group, &field] {
+            group->setExclusive(false);
+            for (QAbstractButton* button : group->buttons())
+                button->setChecked(group->id(button) == int(field));
+            group->setExclusive(true);
+        });
+        QObject::connect(group, &QButtonGroup::idClicked, box, [changed = changed, &field](int value) {
+            field = T(value);
+            changed();
+        });
+        return box;
+    }
+
+    ColorButton* Colour(const char* name, int32_t& field, const ColorButton::Picker& picker)
+    {
+        auto* button = new ColorButton(picker);
+        button->setObjectName(QLatin1String(name));
+        fillers.push_back([button, &field] { button->SetWin32(field); });
+        QObject::connect(button, &ColorButton::Changed, button, [changed = changed, &field](int32_t colour) {
+            field = colour;
+            changed();
+        });
+        return button;
+    }
+
+    PathPicker* Path(const char* name, QString& field, const PathPicker::Picker& picker)
+    {
+        auto* path = new PathPicker(picker);
+        path->setObjectName(QLatin1String(name));
+        fillers.push_back([path, &field] { path->SetPath(field); });
+        QObject::connect(path, &PathPicker::Changed, path, [changed = changed, &field](const QString& chosen) {
+            field = chosen;
+            changed();
+        });
+        return path;
+    }
+};
+
+} // namespace
+
+// ---- The tabs -------------------------------------------------------------------------------------
+
+QWidget* LyricOptions::BuildGeneral()
+{
+    ThemeClass& t = *m_state.Theme;
+    Binder bind{m_fillers, [this] { Changed(); }};
+
+    auto* player = new QGroupBox(Text("PlayerFrame"));
+    auto* playerForm = new QFormLayout(player);
+    auto* onTop = new QCheckBox(Text("OptOnTop"));
+    onTop->setObjectName(QStringLiteral("OnTop"));
+    m_fillers.push_back([onTop, &t] { onTop->setChecked(t.OnTop()); });
+    connect(onTop, &QCheckBox::toggled, this, [this, &t](bool on) {
+        if (!m_filling)
+            t.SetOnTop(on);
+    });
+    playerForm->addRow(onTop);
+    playerForm->addRow(bind.Check(Text("OptKaraokeAtStart"), "KaraokeAtStart", t.KaraokeWindow));
+    playerForm->addRow(bind.Check(Text("OptScrollTitle"), "ScrollTitle", t.Scroll));
+    playerForm->addRow(Text("OptMusicFolder"), bind.Path("MusicFolder", t.MusicPath, [this](const QString& now) {
+        return m_dialogs.ChooseFolder(Text("DialogDirectory"), now);
+    }));
+
+    auto* karaoke = new QGroupBox(Text("KaraokeFrame"));
+    auto* karaokeForm = new QFormLayout(karaoke);
+    auto* monitor = new QComboBox;
+    monitor->setObjectName(QStringLiteral("Monitor"));
+    for (const MonitorRecord& record : m_state.MonitorList)
+        monitor->addItem(record.name, record.name);
+    m_fillers.push_back([monitor, &t] { monitor->setCurrentIndex(std::max(0, monitor->findData(t.Monitor))); });
+    connect(monitor, &QComboBox::currentIndexChanged, this, [this, monitor, &t] {
+        t.Monitor = monitor->currentData().toString();
+        Changed();
+    });
+    karaokeForm->addRow(Text("Fullscreen"), monitor);
+
+    auto* language = new QGroupBox(Text("OptLanguage"));
+    auto* languageColumn = new QVBoxLayout(language);
+    auto* choice = new QComboBox;
+    choice->setObjectName(QStringLiteral("Language"));
+    choice->addItem(QStringLiteral("English"), QStringLiteral("en"));
+    choice->addItem(QStringLiteral("Polski"), QStringLiteral("pl"));
+    choice->setCurrentIndex(m_store.RegReadString(QStringLiteral("language")) == u"pl" ? 1 : 0);
+    connect(choice, &QComboBox::currentIndexChanged, this, [this, choice] {
+        m_store.RegWriteString(QStringLiteral("language"), choice->currentData().toString());
+        m_store.Sync();
+    });
+    languageColumn->addWidget(choice);
+    languageColumn->addWidget(Note(Text("OptLanguageNote")));
+
+    return Page({player, karaoke, language});
+}
+
+QWidget* LyricOptions::BuildKaraoke()
+{
+    ThemeClass& t = *m_state.Theme;
+    Binder bind{m_fillers, [this] { Changed(); }};
+
+    auto* text = new QGroupBox(Text("Font"));
+    auto* textForm = new QFormLayout(text);
+    auto* font = new FontButton([this](const QFont& f) { return m_dialogs.ChooseFont(f); });
+    font->setObjectName(QStringLiteral("LyricsFont"));
+    m_fillers.push_back([font, &t] { font->SetFont(t.LyricsFontFace()); });
+    connect(font, &FontButton::Changed, this, [this, &t](const QFont& chosen) {
+        t.LyricsFont = chosen.family();
+        t.LyricsFontSize = int16_t(std::clamp(chosen.pointSize(), 1, 400));
+        t.LyricsFontBold = chosen.bold();
+        t.LyricsFontItalic = chosen.italic();
+        Fill();
+        Changed();
+    });
+    textForm->addRow(Text("Font"), font);
+    textForm->addRow(Text("FontSize"), bind.Spin("FontSize", t.LyricsFontSize, 1, 400));
+    textForm->addRow(Text("OutlineWidth"), bind.Spin("OutlineWidth", t.LyricsOutlineWidth, 0, 10));
+    textForm->addRow(bind.Check(Text("FitText"), "FitText", t.LyricsFitFont));
+
+    auto* display = new QGroupBox(Text("LineMode"));
+    auto* displayForm = new QFormLayout(display);
+    displayForm->addRow(bind.Options("DisplayMode", t.DisplayMode,
+                                     {{Text("SingleLine"), 0}, {Text("TwoLines"), 1}, {Text("TwoSeparated"), 2},
+                                      {Text("ThreeLines"), 3}},
+                                     true));
+    displayForm->addRow(Text("KaraokeMode"),
+                        bind.Options("LyricsMode", t.LyricsMode, {{Text("ModeSyllables"), 0}, {Text("ModeLines"), 1}}));
+    displayForm->addRow(Text("Alignment"),
+                        bind.Options("Alignment", t.LyricsAlignment,
+                                     {{Text("AlignmentTop"), 1}, {Text("AlignmentCenter"), 0}, {Text("AlignmentBottom"), 2}}));
+    displayForm->addRow(bind.Check(Text("DisplayBall"), "Ball", t.LyricsShowBall));
+    displayForm->addRow(bind.Check(Text("DisplayTitle"), "Title", t.ShowLyricsTitle));
+
+    auto* reset = new QPushButton(Text("ResetDefault"));
+    reset->setObjectName(QStringLiteral("ResetDefault"));
+    connect(reset, &QPushButton::clicked, this, &LyricOptions::ResetKaraoke);
+    auto* resetRow = new QWidget;
+    auto* row = new QHBoxLayout(resetRow);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->addStretch(1);
+    row->addWidget(reset);
+    return Page({text, display, resetRow});
+}
+
+QWidget* LyricOptions::BuildColors()
+{
+    ThemeClass& t = *m_state.Theme;
+    Binder bind{m_fillers, [this] { Changed(); }};
+    const ColorButton::Picker picker = [this](const QColor& c) { return m_dialogs.ChooseColor(c); };
+    const auto grid = [&](const char* title, std::initializer_list<std::tuple<const char*, const char*, int32_t*>> rows) {
+        auto* group = new QGroupBox(Text(title));
+        auto* form = new QFormLayout(group);
+        for (const auto& [key, name, field] : rows)
+            form->addRow(Text(key), bind.Colour(name, *field, picker));
+        return group;
+    };
+    return Page({grid("TextColors", {{"NormalText", "Normal", &t.LyricsColor},
+                                     {"HighlightText", "Highlight", &t.LyricsHighlightColor},
+                                     {"OutlineCOlor1", "Outline1", &t.LyricsOutlineColor1},
+                                     {"OutlineCOlor2", "Outline2", &t.LyricsOutlineColor2},
+                                     {"OutlineCOlor3", "Outline3", &t.LyricsOutlineColor3},
+                                     {"OutlineCOlor4", "Outline4", &t.LyricsOutlineColor4}}),
+                 grid("MiscColors", {{"BallColor", "Ball", &t.LyricsBallColor},
+                                     {"BackgroundColor", "Background", &t.LyricsBackColor}})});
+}
+
+QWidget* LyricOptions::BuildPictures()
+{
+    ThemeClass& t = *m_state.Theme;
+    Binder bind{m_fillers, [this] { Changed(); }};
+
+    auto* background = new QGroupBox(Text("BackgroundPicture"));
+    auto* backgroundForm = new QFormLayout(background);
+    auto* file = new PathPicker([this](const QString&) {
+        return m_dialogs.OpenFileName(QStringLiteral("SWV: ") + Text("DialogOpenPicture"),
+                                      QStringLiteral("%1 (*.jpg *.jpeg *.png *.bmp *.gif)").arg(Text("BackgroundPicture")));
+    });
+    file->setObjectName(QStringLiteral("PicturePath"));
+    auto* useDefault = new QPushButton(Text("PictureDefault"));
+    useDefault->setObjectName(QStringLiteral("PictureDefault"));
+    const auto setPicture = [this, &t](const QString& path) {
+        t.SetLyricsPicPath(path);
+        Fill();
+        Changed();
+    };
+    connect(file, &PathPicker::Changed, this, setPicture);
+    connect(useDefault, &QPushButton::clicked, this, [setPicture] { setPicture(QStringLiteral("default")); });
+    m_fillers.push_back([file, &t] { file->SetPath(t.LyricsPicPath() == u"default" ? QString() : t.LyricsPicPath()); });
+    auto* pictureButtons = new QHBoxLayout;
+    pictureButtons->addWidget(useDefault);
+    pictureButtons->addStretch(1);
+    backgroundForm->addRow(file);
+    backgroundForm->addRow(pictureButtons);
+    backgroundForm->addRow(bind.Options("PicLayout", t.LyricsPicLayout,
+                                        {{Text("PictureOriginal"), 2}, {Text("PictureStretch"), 1}, {Text("PictureTile"), 0}}));
+
+    auto* images = new QGroupBox(Text("OptImageDefaults"));
+    auto* imagesForm = new QFormLayout(images);
+    imagesForm->addRow(Text("DetailsSize"),
+                       bind.Options("ImageSize", t.ImageSize, {{Text("SizeFit"), 1}, {Text("SizeCustom"), 2}}));
+    auto* size = new QHBoxLayout;
+    size->addWidget(bind.Spin("ImageSizeX", t.ImageSizeX, 1, 32767));
+    size->addWidget(new QLabel(QStringLiteral("×")));
+    size->addWidget(bind.Spin("ImageSizeY", t.ImageSizeY, 1, 32767));
+    size->addStretch(1);
+    imagesForm->addRow(Text("DetailsWidth") + QStringLiteral(" × ") + Text("DetailsHeight"), size);
+    auto* offset = new QHBoxLayout;
+    offset->addWidget(bind.Spin("ImageOffsetX", t.ImageOffsetX, -32768, 32767));
+    offset->addWidget(bind.Spin("ImageOffsetY", t.ImageOffsetY, -32768, 32767));
+    offset->addStretch(1);
+    imagesForm->addRow(Text("DetailsOffset"), offset);
+    imagesForm->addRow(Text("DetailsAlignment"),
+                       bind.Options("ImageAlign", t.ImageAlign,
+                                    {{Text("DetailsTop"), 1}, {Text("DetailsCenter"), 0}, {Text("DetailsBottom"), 2}}));
+    auto* border = new QComboBox;
+    border->setObjectName(QStringLiteral("ImageBorder"));
+    border->addItems({QStringLiteral("None"), QStringLiteral("Flat"), QStringLiteral("Ring"), QStringLiteral("Sunken"),
+                      QStringLiteral("Raised"), QStringLiteral("Mono")});
+    m_fillers.push_back([border, &t] { border->setCurrentIndex(std::max(0, border->findText(t.ImageBorder))); });
+    connect(border, &QComboBox::currentTextChanged, this, [this, &t](const QString& style) {
+        t.ImageBorder = style;
+        Changed();
+    });
+    imagesForm->addRow(Text("OptBorder"), border);
+
+    auto* effects = new QGroupBox(Text("OptEffectDefaults"));
+    auto* effectsForm = new QFormLayout(effects);
+    auto* effect = new QComboBox;
+    effect->setObjectName(QStringLiteral("ImageEffect"));
+    effect->addItem(Text("PictureClearEffect"), QString());
+    for (const EffectRow& row : EffectTable())
+        effect->addItem(row.Name, row.Name);
+    auto* detail = new QComboBox;
+    detail->setObjectName(QStringLiteral("EffectDetail"));
+    const auto showDetails = [this, detail, &t] {
+        detail->clear();
+        const auto found = FindEffect(t.ImageEffect, t.EffectDetail);
+        detail->setEnabled(found.has_value());
+        if (!found) {
+            detail->addItem(Text("PictureNoDetails"));
+            return;
+        }
+        detail->addItems(found->Table().Details);
+        detail->setCurrentIndex(found->Detail);
+    };
+    m_fillers.push_back([effect, showDetails, &t] {
+        effect->setCurrentIndex(std::max(0, effect->findData(t.ImageEffect)));
+        showDetails();
+    });
+    connect(effect, &QComboBox::currentIndexChanged, this, [this, effect, showDetails, &t] {
+        if (m_filling)
+            return;
+        t.ImageEffect = effect->currentData().toString();
+        const auto found = FindEffect(t.ImageEffect, QString());
+        t.EffectDetail = found ? found->Table().Details.value(found->Detail) : QString();
+        m_filling = true;
+        showDetails();
+        m_filling = false;
+        Changed();
+    });
+    connect(detail, &QComboBox::currentTextChanged, this, [this, detail, &t] {
+        if (m_filling || !detail->isEnabled())
+            return;
+        t.EffectDetail = detail->currentText();
+        Changed();
+    });
+    auto* speed = new QSlider(Qt::Horizontal);
+    speed->setObjectName(QStringLiteral("EffectSpeed"));
+    speed->setRange(1, 10);
+    speed->setPageStep(1);
+    speed->setTickPosition(QSlider::TicksBelow);
+    m_fillers.push_back([speed, &t] { speed->setValue(std::clamp(int(t.EffectSpeed), 1, 10)); });
+    connect(speed, &QSlider::valueChanged, this, [this, &t](int value) {
+        if (m_filling)
+            return;
+        t.EffectSpeed = int16_t(value);
+        Changed();
+    });
+    effectsForm->addRow(Text("PictureTransition"), effect);
+    effectsForm->addRow(Text("PictureDetails"), detail);
+    effectsForm->addRow(Text("PictureSpeed"), speed);
+
+    return Page({background, images, effects});
+}
+
+QWidget* LyricOptions::BuildSound()
+{
+    ThemeClass& t = *m_state.Theme;
+    Binder bind{m_fillers, [this] { Changed(); }};
+    const auto deviceCombo = [this](const char* name, const QStringList& names, auto& field) {
+        auto* combo = new QComboBox;
+        combo->setObjectName(QLatin1String(name));
+        combo->addItem(Text("OptSystemDefault"), 0);
+        for (int i = 0; i < names.size(); ++i)
+            combo->addItem(names[i], i + 1);
+        m_fillers.push_back([combo, &field] { combo->setCurrentIndex(std::max(0, combo->findData(int(field)))); });
+        connect(combo, &QComboBox::currentIndexChanged, this, [this, combo, &field] {
+            if (m_filling)
+                return;
+            field = std::remove_reference_t<decltype(field)>(combo->currentData().toInt());
+            Changed();
+        });
+        return combo;
+    };
+
+    auto* output = new QGroupBox(Text("AudioDevices"));
+    auto* outputForm = new QFormLayout(output);
+    outputForm->addRow(Text("AudioDevice"), deviceCombo("AudioDevice", OutputDeviceNames(), t.AudioDevice));
+    outputForm->addRow(Note(Text("OptDeviceNote")));
+    auto* offset = new QDoubleSpinBox;
+    offset->setObjectName(QStringLiteral("TimeOffset"));
+    offset->setRange(-5, 5);
+    offset->setDecimals(2);
+    offset->setSingleStep(0.01);
+    offset->setSuffix(QStringLiteral(" s"));
+    m_fillers.push_back([offset, &t] { offset->setValue(t.LyricsOffset()); });
+    connect(offset, &QDoubleSpinBox::valueChanged, this, [this, &t](double seconds) {
+        if (m_filling)
+            return;
+        t.SetLyricsOffset(seconds);
+        Changed();
+    });
+    auto* test = new QPushButton(Text("OptLatencyTest"));
+    test->setObjectName(QStringLiteral("LatencyTest"));
+    test->setCheckable(true);
+    test->setEnabled(m_state.Engine != nullptr);
+    connect(test, &QPushButton::clicked, this, &LyricOptions::ToggleLatencyTest);
+    m_lamp = new Lamp;
+    auto* offsetRow = new QHBoxLayout;
+    offsetRow->addWidget(offset);
+    offsetRow->addWidget(test);
+    offsetRow->addWidget(m_lamp);
+    offsetRow->addStretch(1);
+    outputForm->addRow(Text("TimeOffset"), offsetRow);
+    outputForm->addRow(Note(Text("OptLatencyNote")));
+    outputForm->addRow(Text("OptSoundFont"), bind.Path("SoundFont", t.SoundFont, [this](const QString&) {
+        return m_dialogs.OpenFileName(QStringLiteral("SWV: ") + Text("OptSoundFont"),
+                                      QStringLiteral("SoundFont (*.sf2 *.sf3)"));
+    }));
+    outputForm->addRow(Note(Text("OptSoundFontNote")));
+
+    auto* recording = new QGroupBox(Text("RecordVoice"));
+    auto* recordingForm = new QFormLayout(recording);
+    recordingForm->addRow(Text("RecordDevice"), deviceCombo("RecordDevice", InputDeviceNames(), t.RecordDevice));
+    auto* quality = new QComboBox;
+    quality->setObjectName(QStringLiteral("RecordQuality"));
+    for (int i = 0; i < 3; ++i)
+        quality->addItem(Text(i == 0 ? "RecordQuality0" : i == 1 ? "RecordQuality1" : "RecordQuality2"), kRecordRates[i]);
+    m_fillers.push_back([quality, &t] { quality->setCurrentIndex(std::max(0, quality->findData(int(t.RecordQuality)))); });
+    connect(quality, &QComboBox::currentIndexChanged, this, [this, quality, &t] {
+        if (m_filling)
+            return;
+        t.RecordQuality = quality->currentData().toInt();
+        Changed();
+    });
+    recordingForm->addRow(Text("RecordQuality"), quality);
+    recordingForm->addRow(Text("OptRecordMode"),
+                          bind.Options("RecordMode", t.RecordMode, {{Text("OptMono"), 1}, {Text("OptStereo"), 2}}));
+    recordingForm->addRow(Text("RecordFolder"),
+                          bind.Options("RecordFolder", t.RecordFolder,
+                                       {{Text("RecordKaraoke"), 1}, {Text("RecordDirectory"), 0}}, true));
+    recordingForm->addRow(QString(), bind.Path("VoiceDirectory", t.VoiceDirectory, [this](const QString& now) {
+        return m_dialogs.ChooseFolder(Text("DialogDirectory"), now);
+    }));
+    return Page({output, recording});
+}
+
+void LyricOptions::ToggleLatencyTest()
+{
+    if (m_latency || !m_state.Engine) {
+        StopLatencyTest();
+        return;
+    }
+    m_latency = std::make_unique<LatencyTest>(*m_state.Engine);
+    QString error;
+    if (!m_latency->Start(error)) {
+        StopLatencyTest();
+        m_dialogs.Critical(error);
+        return;
+    }
+    m_lampTimer->start();
+}
+
+QWidget* LyricOptions::BuildKeyboard()
+{
+    struct Shortcut {
+        const char* frame;
+        const char* key;
+        const char* action;
+    };
+    static const Shortcut kShortcuts[] = {
+        {"PlayerFrame", "Z", "ShortPrevious"},        {"PlayerFrame", "X", "ShortPlay"},
+        {"PlayerFrame", "C", "ShortPause"},           {"PlayerFrame", "V", "ShortStop"},
+        {"PlayerFrame", "B", "ShortNext"},            {"PlayerFrame", "Ctrl+O", "ShortOpenFile"},
+        {"PlayerFrame", "Alt+L", "ShortList"},        {"PlayerFrame", "Ctrl+K", "ShortKaraoke"},
+        {"PlayerFrame", "Ctrl+E", "ShortEditor"},     {"PlayerFrame", "R", "ShortRecord"},
+        {"PlayerFrame", "M", "ShortMicrophone"},      {"PlayerFrame", "S", "ShortVoice"},
+        {"PlayerFrame", "Alt+3", "ShortFileInfo"},    {"PlayerFrame", "Ctrl+T", "ShortTimeMode"},
+        {"PlayerFrame", "Ctrl+P", "ShortPreferences"},
+        {"EditorFrame", "Space", "ShortCapture"},     {"EditorFrame", "Num +", "ShortCorrect+"},
+        {"EditorFrame", "Num -", "ShortCorrect-"},    {"EditorFrame", "Insert", "ShortInsert"},
+        {"EditorFrame", "F12", "ShortAddNew"},        {"EditorFrame", "Delete", "ShortRemove"},
+        {"KaraokeFrame", nullptr, "ShortFullscreen"},
+    };
+    auto* tree = new QTreeWidget;
+    tree->setObjectName(QStringLiteral("Shortcuts"));
+    tree->setColumnCount(2);
+    tree->setHeaderLabels({Text("OptShortcutKey"), Text("OptShortcutAction")});
+    tree->setRootIsDecorated(false);
+    tree->setAlternatingRowColors(true);
+    tree->setSelectionMode(QAbstractItemView::NoSelection);
+    QTreeWidgetItem* section = nullptr;
+    const char* current = nullptr;
+    for (const Shortcut& shortcut : kShortcuts) {
+        if (!current || qstrcmp(current, shortcut.frame) != 0) {
+            current = shortcut.frame;
+            section = new QTreeWidgetItem(tree, {Text(shortcut.frame)});
+            section->setFirstColumnSpanned(true);
+            QFont bold = section->font(0);
+            bold.setBold(true);
+            section->setFont(0, bold);
+        }
+        const QString key = shortcut.key ? QString::fromLatin1(shortcut.key) : Text("OptDoubleClick");
+        new QTreeWidgetItem(tree, {key, Text(shortcut.action)});
+    }
+    tree->header()->setSectionResizeMode(0, QHeaderView::ResizeToContents);
+    tree->header()->setStretchLastSection(true);
+    auto* page = new QWidget;
+    auto* layout = new QVBoxLayout(page);
+    layout->addWidget(tree);
+    return page;
+}
+
+QWidget* LyricOptions::BuildButtons()
+{
+    auto* box = new QDialogButtonBox;
+    QPushButton* ok = box->addButton(Text("ButtonOK"), QDialogButtonBox::AcceptRole);
+    ok->setObjectName(QStringLiteral("OK"));
+    ok->setDefault(true);
+    QPushButton* cancel = box->addButton(Text("ButtonCancel"), QDialogButtonBox::RejectRole);
+    cancel->setObjectName(QStringLiteral("Cancel"));
+    QPushButton* apply = box->addButton(Text("ButtonAccept"), QDialogButtonBox::ApplyRole);
+    apply->setObjectName(QStringLiteral("Apply"));
+    connect(ok, &QPushButton::clicked, this, [this] {
+        Apply();
+        accept();
+    });
+    connect(cancel, &QPushButton::clicked, this, &LyricOptions::reject);
+    connect(apply, &QPushButton::clicked, this, &LyricOptions::Apply);
+    return box;
+}
