@@ -60,8 +60,10 @@ TEST(Language, ShippedTablesKeepTheirRowsAndQuirks)
         ASSERT_TRUE(t.LanguageText.startsWith(QStringLiteral("\r\nPrevious->")));
         EXPECT_FALSE(t.LanguageText.contains(QRegularExpression(QStringLiteral("[^\r]\n"))))
             << "every line ends in CR LF";
-        EXPECT_EQ(t.Keys().size(), 274) << "the key list and the second Fullscreen row";
-        EXPECT_EQ(t.Keys().last(), "ErrorCreateWav");
+        EXPECT_EQ(t.Keys().size(), 274 + 21)
+            << "the key list, the second Fullscreen row and the preferences' own 21 texts";
+        EXPECT_EQ(t.Keys()[273], "ErrorCreateWav");
+        EXPECT_EQ(t.Keys().last(), "OptDoubleClick");
         EXPECT_FALSE(t.GetText(QStringLiteral("ErrorCreateWav")).isEmpty()) << "the last key is found";
         EXPECT_EQ(t.GetText(QStringLiteral("EditorCaption")), "") << "the editor caption row is dead";
         EXPECT_EQ(t.GetText(QStringLiteral("PreferencesCaption")), "");

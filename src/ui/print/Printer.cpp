@@ -47,7 +47,7 @@ Printer::Printer(const std::vector<LyricItem>& lyrics, SettingsStore& store, con
     layout->addWidget(BuildPageGroup());
     layout->addStretch(1);
     layout->addWidget(BuildButtons());
-    setMinimumWidth(440);
+    setMinimumWidth(540);
 }
 
 Printer::~Printer() = default;
