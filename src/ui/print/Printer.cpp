@@ -57,22 +57,27 @@ QString Printer::Text(const char* key) const
     return m_language.GetText(QString::fromLatin1(key));
 }
 
+void Printer::AddFontAndColour(QGridLayout* grid, int row, const QString& name, FontButton*& font,
+                               ColorButton*& colour)
+{
+    font = new FontButton([this](const QFont& f) { return m_dialogs.ChooseFont(f); });
+    font->setObjectName(name + QStringLiteral("Font"));
+    font->setToolTip(Text("PrintSelFont"));
+    colour = new ColorButton([this](const QColor& c) { return m_dialogs.ChooseColor(c); }, Text("PrintSelColor"));
+    colour->setObjectName(name + QStringLiteral("Color"));
+    grid->addWidget(font, row, 0);
+    grid->addWidget(colour, row, 1);
+    grid->setColumnStretch(0, 1);
+}
+
 QWidget* Printer::BuildLyricsGroup()
 {
     auto* group = new QGroupBox(Text("PrintLyricsText"));
-    auto* grid = new QGridLayout(group);
-    m_lyricsFont = new FontButton([this](const QFont& f) { return m_dialogs.ChooseFont(f); });
-    m_lyricsFont->setObjectName(QStringLiteral("LyricsFont"));
-    m_lyricsFont->setToolTip(Text("PrintSelFont"));
+    AddFontAndColour(new QGridLayout(group), 0, QStringLiteral("Lyrics"), m_lyricsFont, m_lyricsColor);
     m_lyricsFont->SetFont(m_settings.LyricsFont());
-    m_lyricsColor = new ColorButton([this](const QColor& c) { return m_dialogs.ChooseColor(c); }, Text("PrintSelColor"));
-    m_lyricsColor->setObjectName(QStringLiteral("LyricsColor"));
     m_lyricsColor->SetWin32(m_settings.LyricColor);
     connect(m_lyricsFont, &FontButton::Changed, this, [this](const QFont& f) { m_settings.SetLyricsFont(f); });
     connect(m_lyricsColor, &ColorButton::Changed, this, [this](int32_t c) { m_settings.LyricColor = c; });
-    grid->addWidget(m_lyricsFont, 0, 0);
-    grid->addWidget(m_lyricsColor, 0, 1);
-    grid->setColumnStretch(0, 1);
     return group;
 }
 
@@ -83,12 +88,9 @@ QWidget* Printer::BuildTitleGroup()
     m_printTitle = new QCheckBox(Text("PrintTitles"));
     m_printTitle->setObjectName(QStringLiteral("pTitle"));
     m_printTitle->setChecked(m_settings.PrintTitle);
-    m_titleFont = new FontButton([this](const QFont& f) { return m_dialogs.ChooseFont(f); });
-    m_titleFont->setObjectName(QStringLiteral("TitleFont"));
-    m_titleFont->setToolTip(Text("PrintSelFont"));
+    grid->addWidget(m_printTitle, 0, 0, 1, 2);
+    AddFontAndColour(grid, 1, QStringLiteral("Title"), m_titleFont, m_titleColor);
     m_titleFont->SetFont(m_settings.TitleFont());
-    m_titleColor = new ColorButton([this](const QColor& c) { return m_dialogs.ChooseColor(c); }, Text("PrintSelColor"));
-    m_titleColor->setObjectName(QStringLiteral("TitleColor"));
     m_titleColor->SetWin32(m_settings.TitleColor);
     const auto enableTitle = [this](bool on) {
         m_titleFont->setEnabled(on);
@@ -101,10 +103,6 @@ QWidget* Printer::BuildTitleGroup()
     });
     connect(m_titleFont, &FontButton::Changed, this, [this](const QFont& f) { m_settings.SetTitleFont(f); });
     connect(m_titleColor, &ColorButton::Changed, this, [this](int32_t c) { m_settings.TitleColor = c; });
-    grid->addWidget(m_printTitle, 0, 0, 1, 2);
-    grid->addWidget(m_titleFont, 1, 0);
-    grid->addWidget(m_titleColor, 1, 1);
-    grid->setColumnStretch(0, 1);
     return group;
 }
 

@@ -17,6 +17,7 @@ class FontButton;
 class LanguageTable;
 class QButtonGroup;
 class QCheckBox;
+class QGridLayout;
 class SettingsStore;
 
 class Printer final : public QDialog {
@@ -41,6 +42,8 @@ public:
 
 private:
     QString Text(const char* key) const;
+    // A font button and a colour button side by side, named NAMEFont and NAMEColor.
+    void AddFontAndColour(QGridLayout* grid, int row, const QString& name, FontButton*& font, ColorButton*& colour);
     QWidget* BuildLyricsGroup();
     QWidget* BuildTitleGroup();
     QWidget* BuildPageGroup();
