@@ -11,9 +11,15 @@
 #include "ui/editor/Editor.h"
 #include "ui/editor/LyricsTable.h"
 #include "ui/karaoke/LyricWindow.h"
+#include "ui/options/LyricOptions.h"
 #include "ui/player/PlayerWindow.h"
 
+#include <QCheckBox>
 #include <QPlainTextEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QSpinBox>
+#include <QTabWidget>
 #include <QTemporaryDir>
 #include <QTest>
 #include <chrono>
@@ -195,4 +201,37 @@ TEST_F(Evening, WordsTappedInTheEditorLightOnTheKaraokeWindowAndPlayBackAfterThe
         EXPECT_EQ(lit[i].index, int(i + 1));
         EXPECT_NEAR(lit[i].position, tapped[i + 1].Time, 0.021) << "syllable " << i + 1;
     }
+}
+
+TEST_F(Evening, PreferencesOpenedInMidSongShowOnTheKaraokeWindowAndCancelTakesThemBack)
+{
+    transport.OpenFromCommandLine(first);
+    Play(0.7);
+    commands.MenuCommand(QStringLiteral("Keyboard"));
+    LyricOptions* options = windows.Preferences();
+    ASSERT_TRUE(options);
+    EXPECT_TRUE(options->isVisible());
+    EXPECT_EQ(options->findChild<QTabWidget*>()->currentIndex(), 5);
+    commands.ButtonAction(7);
+    EXPECT_EQ(windows.Preferences(), options) << "one preferences window at a time";
+    EXPECT_EQ(options->findChild<QTabWidget*>()->currentIndex(), 0);
+
+    const QImage before = windows.LyricWidget()->grab().toImage();
+    options->findChild<QRadioButton*>(QStringLiteral("DisplayMode0"))->click();
+    options->findChild<QCheckBox*>(QStringLiteral("FitText"))->click();
+    options->findChild<QSpinBox*>(QStringLiteral("FontSize"))->setValue(8);
+    const QImage changed = windows.LyricWidget()->grab().toImage();
+    EXPECT_NE(changed, before) << "the page shows the new settings while the song plays";
+    Play(0.4);
+    EXPECT_EQ(lit.size(), 5u) << "the song goes on lighting its syllables";
+
+    options->findChild<QPushButton*>(QStringLiteral("Cancel"))->click();
+    EXPECT_FALSE(options->isVisible());
+    EXPECT_EQ(state.Theme->DisplayMode, 3);
+    EXPECT_EQ(state.Theme->LyricsFontSize, 20);
+    EXPECT_TRUE(state.Theme->LyricsFitFont);
+
+    state.Recording = true;
+    commands.MenuCommand(QStringLiteral("Prefs"));
+    EXPECT_FALSE(options->isVisible()) << "not while the voice is recorded";
 }
