@@ -144,8 +144,7 @@ int PrintLyrics(const QStringList& args)
     const std::vector<LyricItem>* document = &lyrics.PlayLyrics;
     const std::vector<PictureItem>* pictures = &lyrics.PlayPictures;
     if (options.editor) {
-        const auto critical = [](const QString& message) { QTextStream(stderr) << message << '\n'; };
-        if (!ParseEditorLyrics(lyrics, EditorText(options.file, env.Polish), critical))
+        if (!ParseEditorLyrics(lyrics, EditorText(options.file, env.Polish), [](const QString& message) { Fail(message); }))
             return 1;
         document = &lyrics.EditLyrics;
         pictures = &lyrics.EditPictures;

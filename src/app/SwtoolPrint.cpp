@@ -7,7 +7,6 @@
 #include "print/PrintedPages.h"
 
 #include <QFileInfo>
-#include <QSaveFile>
 #include <QTextStream>
 #include <cstdio>
 
@@ -35,12 +34,6 @@ bool ReadOptions(QStringList args, PrintOptions& options)
     return !options.lyrics.isEmpty();
 }
 
-bool WriteBytes(const QString& path, const QByteArray& bytes)
-{
-    QSaveFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit();
-}
-
 } // namespace
 
 int PrintPages(const QStringList& args)
@@ -53,17 +46,17 @@ int PrintPages(const QStringList& args)
 
     PlayerReading reading(options.lyrics);
     LyricsState lyrics;
-    const auto critical = [](const QString& message) { QTextStream(stderr) << message << '\n'; };
-    if (!ParseEditorLyrics(lyrics, EditorText(options.lyrics, reading.language.IsPolish), critical))
+    if (!ParseEditorLyrics(lyrics, EditorText(options.lyrics, reading.language.IsPolish),
+                           [](const QString& message) { Fail(message); }))
         return 1;
 
     const QString html = BuildDocument(lyrics.EditLyrics, PrintSettings::Load(reading.store));
-    const QByteArray bytes = DocumentBytes(html);
     if (options.html.isEmpty() && options.pdf.isEmpty()) {
+        const QByteArray bytes = DocumentBytes(html);
         std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stdout);
         return 0;
     }
-    if (!options.html.isEmpty() && !WriteBytes(options.html, bytes))
+    if (!options.html.isEmpty() && !WriteDocumentFile(options.html, html))
         return Fail(QStringLiteral("Cannot write %1").arg(options.html));
     if (!options.pdf.isEmpty()) {
         const int pages = WritePdf(html, options.pdf);

@@ -120,12 +120,17 @@ QByteArray DocumentBytes(const QString& html)
     return EncodeWindows1250(html);
 }
 
+bool WriteDocumentFile(const QString& path, const QString& html)
+{
+    QSaveFile file(path);
+    const QByteArray bytes = DocumentBytes(html);
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit();
+}
+
 std::optional<QString> WriteDocument(const QString& name, const QString& html)
 {
     const QString path = GetTempFolder() + name + QStringLiteral(".htm");
-    QSaveFile file(path);
-    const QByteArray bytes = DocumentBytes(html);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit())
+    if (!WriteDocumentFile(path, html))
         return std::nullopt;
     return path;
 }

@@ -22,6 +22,8 @@ QString BuildDocument(const std::vector<LyricItem>& lyrics, const PrintSettings&
 // The page as its file holds it: 8-bit text in the code page its META line names.
 QByteArray DocumentBytes(const QString& html);
 
+// Writes the page as its file holds it, replacing the file whole or not at all.
+bool WriteDocumentFile(const QString& path, const QString& html);
 // Writes the page to the temporary folder as NAME.htm, replacing an earlier one; the path, or
 // nothing when the file cannot be written.
 std::optional<QString> WriteDocument(const QString& name, const QString& html);
