@@ -5,6 +5,9 @@
 #include "core/SettingsStore.h"
 #include "karaoke/KaraokeTimeline.h"
 
+#include <QElapsedTimer>
+#include <cstddef>
+
 class MemorySettings final : public SettingsStore {
 public:
     QString RegReadString(const QString&) const override { return {}; }
@@ -17,3 +20,26 @@ public:
     double Position() const override { return now; }
     double now = 0;
 };
+
+// The machine's own stalls: gaps over 1 ms between two reads of the clock in a loop that does
+// nothing else. On a shared virtual machine this is the floor under every "worst" figure.
+struct MachineStalls {
+    std::size_t count = 0;
+    double longestMs = 0;
+};
+inline MachineStalls MeasureMachineStalls(int milliseconds)
+{
+    QElapsedTimer run;
+    run.start();
+    qint64 last = run.nsecsElapsed();
+    MachineStalls stalls;
+    while (run.elapsed() < milliseconds) {
+        const qint64 now = run.nsecsElapsed();
+        if (now - last > 1000000) {
+            ++stalls.count;
+            stalls.longestMs = std::max(stalls.longestMs, double(now - last) / 1e6);
+        }
+        last = now;
+    }
+    return stalls;
+}

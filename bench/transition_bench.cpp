@@ -201,25 +201,6 @@ void EventLoopWaits()
     }
 }
 
-// The machine's own stalls: the longest gap between two reads of the clock in a loop that does
-// nothing else, over as long as the runs above. On a shared virtual machine this is the floor
-// under every "worst" figure.
-void MachineStalls()
-{
-    QElapsedTimer run;
-    run.start();
-    qint64 last = run.nsecsElapsed();
-    std::vector<double> gaps;
-    while (run.elapsed() < 3000) {
-        const qint64 now = run.nsecsElapsed();
-        if (now - last > 1000000)
-            gaps.push_back(double(now - last) / 1e6);
-        last = now;
-    }
-    const Figures f = Summarise(gaps);
-    std::printf("the machine alone, 3 s of an empty loop: %zu gaps over 1 ms, longest %.2f ms\n", gaps.size(), f.worst);
-}
-
 } // namespace
 
 int main(int argc, char** argv)
@@ -229,6 +210,8 @@ int main(int argc, char** argv)
     FrameCosts();
     StepCosts();
     EventLoopWaits();
-    MachineStalls();
+    const MachineStalls stalls = MeasureMachineStalls(3000);
+    std::printf("the machine alone, 3 s of an empty loop: %zu gaps over 1 ms, longest %.2f ms\n", stalls.count,
+                stalls.longestMs);
     return 0;
 }

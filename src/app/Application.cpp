@@ -5,9 +5,17 @@
 #include "core/Forms.h"
 #include "core/SettingsStore.h"
 #include "core/WindowPosition.h"
+#include "voice/VoiceFiles.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <algorithm>
+
+namespace {
+
+constexpr int kTakeIdleSeconds = 60;
+
+} // namespace
 
 QString PlaylistIniPath(const QString& dataFolder)
 {
@@ -52,6 +60,8 @@ bool Application::LoadPlayer()
     m_state.PlaybackRate = 1.0f;
     if (anotherInstance)
         return false;
+    // Only one player runs, and a take being recorded is written to all the time.
+    RemoveLeftTakes(QDir::tempPath(), QDateTime::currentDateTime().addSecs(-kTakeIdleSeconds));
 
     m_state.SkinName = QStringLiteral("Default");
     player.ApplySkin();

@@ -100,10 +100,10 @@ int Fail(const QString& message)
 
 QString EditorText(const QString& path, bool polish)
 {
-    const QByteArray bytes = ReadWholeFile(path);
     if (IsLrsFile(path))
-        return DecodeText(bytes, polish);
-    return LyricsBlockText(bytes, polish).value_or(QString());
+        return DecodeText(ReadWholeFile(path), polish);
+    QByteArray block;
+    return ReadLyricsBlock(path, block) == BlockRead::Read ? DecodeText(block, polish) : QString();
 }
 
 QString LoadPlayerLyrics(LyricsState& lyrics, const QString& file, const LyricsEnvironment& env)
@@ -125,7 +125,8 @@ QString LoadPlayerLyrics(LyricsState& lyrics, const QString& file, const LyricsE
     }
     if (LoadLyrics(lyrics, file, env))
         return {};
-    const bool damaged = FindLyricsBlock(ReadWholeFile(file)).has_value() || QFileInfo::exists(LyricsPathOf(file));
+    QByteArray block;
+    const bool damaged = ReadLyricsBlock(file, block) != BlockRead::None || QFileInfo::exists(LyricsPathOf(file));
     return damaged ? QString::fromLatin1(kInvalidLyricsMessage) : QStringLiteral("There are no lyrics for this song.");
 }
 

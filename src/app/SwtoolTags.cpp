@@ -77,6 +77,14 @@ int SaveTags(const QStringList& args)
     }
     PlayerReading reading(o.file);
     MP3Class& song = reading.song;
+    // An ID3 tag goes only into an MP3 file, an APE tag only where the format has a place for it.
+    const QString format = song.FormatOnDisk();
+    const bool takes = o.ape ? MP3Class::TakesApeTag(format) : format == u"MP3";
+    if (!takes) {
+        QTextStream(stderr) << (o.ape ? "Not an MP3, Monkey's Audio or Musepack file: " : "Not an MP3 file: ")
+                            << o.file << '\n';
+        return 1;
+    }
     song.ReadTag();
     Id3TagTexts texts = song.TagTexts();
     for (const auto& [name, value] : o.sets)

@@ -1,5 +1,7 @@
 #include "editor/EditorFiles.h"
 
+#include "lyrics/LyricsLoader.h"
+
 #include "core/TextCodec.h"
 
 #include <QFile>
@@ -26,10 +28,7 @@ QString DefaultTextName(const QString& editorFile)
 
 QString ReadTextFile(const QString& path, bool polish)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    return DecodeText(file.readAll(), polish);
+    return DecodeText(ReadWholeFile(path), polish);
 }
 
 bool WriteTextFile(const QString& path, const QString& text)

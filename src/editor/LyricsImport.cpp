@@ -1,5 +1,6 @@
 #include "editor/LyricsImport.h"
 
+#include "core/FilePieces.h"
 #include "core/TextCodec.h"
 #include "lyrics/LyricsBlock.h"
 #include "lyrics/LyricsLoader.h"
@@ -17,14 +18,16 @@ void ResetEditor(LyricsState& lyrics)
 }
 
 // The block from the last start mark through the last end mark followed by CR LF.
-std::optional<QString> ImportBlockText(const QByteArray& bytes, bool polish)
+std::optional<QString> ImportBlockText(QFile& file, qint64 begin, bool polish)
 {
     static const QByteArray endMark = QByteArrayLiteral("#End Songweaver\r\n");
-    const qsizetype begin = bytes.lastIndexOf("#Songweaver");
-    const qsizetype end = bytes.lastIndexOf(endMark);
-    if (begin < 0 || end < begin)
+    const qint64 end = LastIndexOfInFile(file, endMark, file.size());
+    if (end < begin || end + endMark.size() - 2 - begin > kLargestLyricsBlock)
         return std::nullopt;
-    return DecodeText(bytes.mid(begin, end + endMark.size() - 2 - begin), polish);
+    const auto bytes = ReadFileRange(file, begin, end + endMark.size() - 2 - begin);
+    if (!bytes)
+        return std::nullopt;
+    return DecodeText(*bytes, polish);
 }
 
 } // namespace
@@ -35,9 +38,10 @@ bool ImportLyrics(LyricsState& lyrics, MidiFigures& figures, MP3Class* current, 
     file.SetFilename(fileName);
     file.ReadFile();
     file.ReadTag();
-    const QByteArray bytes = ReadWholeFile(fileName);
-    if (bytes.contains("#Songweaver")) {
-        const auto block = ImportBlockText(bytes, polish);
+    QFile song(fileName);
+    const qint64 begin = song.open(QIODevice::ReadOnly) ? LastIndexOfInFile(song, "#Songweaver", song.size()) : -1;
+    if (begin >= 0) {
+        const auto block = ImportBlockText(song, begin, polish);
         return block && getMyLyrics(lyrics, *block);
     }
     if (file.LyricsExist() && ImportTagLyrics(lyrics, current))

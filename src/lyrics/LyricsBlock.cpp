@@ -1,6 +1,7 @@
 #include "lyrics/LyricsBlock.h"
 
 #include "lyrics/LyricTime.h"
+#include "core/FilePieces.h"
 #include "core/Numbers.h"
 #include "core/TextCodec.h"
 
@@ -217,6 +218,32 @@ std::optional<BlockSpan> FindLyricsBlock(const QByteArray& bytes)
     if (begin < 0 || end < 0 || end + kEndCut < begin)
         return std::nullopt;
     return BlockSpan{begin, end + kEndCut - begin};
+}
+
+std::optional<BlockSpan> FindLyricsBlockInFile(QFile& file)
+{
+    const qint64 end = LastIndexOfInFile(file, kEndMarker, file.size());
+    if (end < 0)
+        return std::nullopt;
+    const qint64 begin = LastIndexOfInFile(file, kBeginMarker, file.size());
+    if (begin < 0 || end + kEndCut < begin)
+        return std::nullopt;
+    return BlockSpan{begin, end + kEndCut - begin};
+}
+
+BlockRead ReadLyricsBlock(const QString& path, QByteArray& block)
+{
+    QFile file(path);
+    const auto span = file.open(QIODevice::ReadOnly) ? FindLyricsBlockInFile(file) : std::nullopt;
+    if (!span)
+        return BlockRead::None;
+    if (span->Length > kLargestLyricsBlock)
+        return BlockRead::TooLarge;
+    const auto bytes = ReadFileRange(file, span->Begin, span->Length);
+    if (!bytes)
+        return BlockRead::None;
+    block = *bytes;
+    return BlockRead::Read;
 }
 
 std::optional<QString> LyricsBlockText(const QByteArray& bytes, bool polish)

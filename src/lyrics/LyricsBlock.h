@@ -4,6 +4,7 @@
 
 #include "lyrics/TagLyrics.h"
 
+#include <QFile>
 #include <QFont>
 #include <QLocale>
 #include <functional>
@@ -18,6 +19,14 @@ struct BlockSpan {
 std::optional<BlockSpan> FindLyricsBlock(const QByteArray& bytes);
 // The text of that block, decoded as lyrics files are; nothing when the bytes hold no block.
 std::optional<QString> LyricsBlockText(const QByteArray& bytes, bool polish);
+
+// A block longer than this is taken for damage rather than read into memory.
+inline constexpr qsizetype kLargestLyricsBlock = qsizetype(16) << 20;
+// The same span in a song file, searched from its end in bounded pieces.
+std::optional<BlockSpan> FindLyricsBlockInFile(QFile& file);
+enum class BlockRead { None, Read, TooLarge };
+// The bytes of the song file's block.
+BlockRead ReadLyricsBlock(const QString& path, QByteArray& block);
 
 // Header lines 1 to 20 into a header and picture list; picture paths joined to the base folder.
 void ParseLyricsHeader(const QString& text, const QString& baseFolder, LyricItem& header,

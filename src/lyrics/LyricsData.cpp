@@ -56,6 +56,9 @@ QString FindLongestLine(const std::vector<LyricItem>& lyrics, const QFont& font)
     QString longest;
     int16_t widest = 0;
     for (size_t i = 1; i < lyrics.size(); ++i) {
+        // The syllables of one line share its text: it is measured once.
+        if (i > 1 && lyrics[i].LineText.isSharedWith(lyrics[i - 1].LineText))
+            continue;
         const int width = std::min(metrics.horizontalAdvance(lyrics[i].LineText),
                                    int(std::numeric_limits<int16_t>::max()));
         if (width > widest) {

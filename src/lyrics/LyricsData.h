@@ -59,7 +59,7 @@ struct LyricsState {
     int32_t CurrentLyric = 0;
     QString LongestLine;
     QString LyricsTitleText;
-    QByteArray RawLyricsText;  // the bytes of the last file read
+    QByteArray RawLyricsText;  // the bytes of the last block or lyrics file read
 };
 
 // Empties the display arrays to their header and clears the header's song-specific fields.

@@ -14,11 +14,17 @@ enum class Embedded { None, Loaded, Damaged };
 
 Embedded LoadBlockFromSong(LyricsState& lyrics, const QString& songPath, const LyricsEnvironment& env)
 {
-    lyrics.RawLyricsText = ReadWholeFile(songPath);
-    const auto block = LyricsBlockText(lyrics.RawLyricsText, env.Polish);
-    if (!block)
+    lyrics.RawLyricsText.clear();
+    switch (ReadLyricsBlock(songPath, lyrics.RawLyricsText)) {
+    case BlockRead::None:
         return Embedded::None;
-    if (!ParseLyricsText(lyrics, *block, QFileInfo(songPath).absolutePath(), env.Font, env.Refit))
+    case BlockRead::TooLarge:
+        return Embedded::Damaged;
+    case BlockRead::Read:
+        break;
+    }
+    const QString block = DecodeText(lyrics.RawLyricsText, env.Polish);
+    if (!ParseLyricsText(lyrics, block, QFileInfo(songPath).absolutePath(), env.Font, env.Refit))
         return Embedded::Damaged;
     lyrics.PlayLyrics[0].FormatName = kInternalFormat;
     return Embedded::Loaded;
@@ -67,7 +73,7 @@ QString LyricsPathOf(const QString& songPath)
 QByteArray ReadWholeFile(const QString& path)
 {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
+    if (!file.open(QIODevice::ReadOnly) || file.size() > kLargestWholeFile)
         return {};
     return file.readAll();
 }

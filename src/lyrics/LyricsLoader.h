@@ -26,5 +26,8 @@ void FinishShownLyrics(LyricsState& lyrics, const LyricsEnvironment& env);
 // The block inside a MIDI song; asks first that the sibling ".lrs" file exists.
 bool LoadEmbeddedLyrics(LyricsState& lyrics, const QString& songPath, const LyricsEnvironment& env);
 
-// The whole file's bytes, empty when it cannot be read.
+// The largest file read whole: lyrics files and MIDI songs are far smaller; anything larger is
+// no such file, and reading it would hold it all in memory.
+inline constexpr qint64 kLargestWholeFile = qint64(16) << 20;
+// The whole file's bytes, empty when it cannot be read or is larger than that.
 QByteArray ReadWholeFile(const QString& path);

@@ -75,6 +75,14 @@ qsizetype EndTagSpan(QByteArrayView bytes)
     return tags.empty() ? 0 : bytes.size() - tags.back().Begin;
 }
 
+std::optional<KeptRange> EndTagRegions(const QString& path)
+{
+    const FileBytes file(path);
+    if (!file.IsOpen())
+        return std::nullopt;
+    return KeptRange{0, file.View().size() - EndTagSpan(file.View())};
+}
+
 BaseTag RemoveBaseTag(QByteArray& image)
 {
     BaseTag removed;
@@ -97,11 +105,16 @@ void SaveBaseTag(QByteArray& image, const BaseTag& tag)
     image.append(tag.Bytes);
 }
 
+bool HasId3v1(QByteArrayView bytes)
+{
+    return HasAt(bytes, bytes.size() - kId3v1Size, "TAG");
+}
+
 bool ReadId3v1(QByteArrayView bytes, bool polish, Id3v1Fields& fields)
 {
-    const qsizetype at = bytes.size() - kId3v1Size;
-    if (at < 0 || !HasAt(bytes, at, "TAG"))
+    if (!HasId3v1(bytes))
         return false;
+    const qsizetype at = bytes.size() - kId3v1Size;
     auto text = [&](qsizetype offset, qsizetype length) {
         QByteArrayView field = bytes.sliced(at + offset, length);
         const qsizetype nul = field.indexOf('\0');
@@ -121,10 +134,9 @@ bool ReadId3v1(QByteArrayView bytes, bool polish, Id3v1Fields& fields)
 
 bool RemoveId3v1(QByteArray& image)
 {
-    const qsizetype at = image.size() - kId3v1Size;
-    if (at < 0 || !HasAt(image, at, "TAG"))
+    if (!HasId3v1(image))
         return false;
-    image.truncate(at);
+    image.truncate(image.size() - kId3v1Size);
     return true;
 }
 

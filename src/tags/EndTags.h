@@ -2,6 +2,8 @@
 // The tags that stand at the end of an audio file, behind its audio: ID3v1 (the last 128
 // bytes), APE (found by its footer) and Lyrics3 (v1 or v2), in whatever order they were added.
 
+#include "tags/FileBytes.h"
+
 #include <QByteArray>
 #include <QByteArrayView>
 #include <QString>
@@ -18,6 +20,8 @@ struct EndTag {
 std::vector<EndTag> FindEndTags(QByteArrayView bytes);
 // Bytes taken by all of them together.
 qsizetype EndTagSpan(QByteArrayView bytes);
+// The file with its end tags as the regions a save manages (APE, Musepack and Lyrics3 saves).
+std::optional<KeptRange> EndTagRegions(const QString& path);
 
 // The end-of-file tags taken off a file image before an append, and put back after it as the
 // very bytes they were. Kind is "APE" when an APE tag was among them, else "ID3v1" when an ID3v1
@@ -34,6 +38,8 @@ struct Id3v1Fields {
     int16_t Track = 0;
     int16_t Genre = 0;
 };
+// Whether the last 128 bytes are an ID3v1 tag.
+bool HasId3v1(QByteArrayView bytes);
 // The ID3v1 tag of the last 128 bytes; texts decoded as the user's legacy text is.
 bool ReadId3v1(QByteArrayView bytes, bool polish, Id3v1Fields& fields);
 // Takes off the ID3v1 tag at the end of a file image, if there is one.

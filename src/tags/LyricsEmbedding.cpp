@@ -3,6 +3,7 @@
 #include "lyrics/LyricsBlock.h"
 #include "tags/EndTags.h"
 #include "tags/FileBytes.h"
+#include "core/FilePieces.h"
 #include "core/TextCodec.h"
 
 #include <QFileInfo>
@@ -13,34 +14,38 @@ namespace {
 
 const QByteArray kCrLf = QByteArrayLiteral("\r\n");
 
-// Everything before the earlier block, when the file holds both of its markers.
-void CutEarlierBlock(QByteArray& image)
+// An audio file's save manages its earlier block with everything behind it, when the file
+// holds both of its markers, and its end tags; a MIDI file's save manages nothing and appends.
+std::optional<KeptRange> LyricsRegions(const QString& path, bool midi)
 {
-    const qsizetype begin = image.lastIndexOf("#Songweaver");
-    const qsizetype end = image.lastIndexOf("#End Songweaver");
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    if (midi)
+        return KeptRange{0, file.size()};
+    const qint64 audioEnd = file.size() - EndTagSpan(FileBytes(path).View());
+    const qint64 begin = LastIndexOfInFile(file, "#Songweaver", audioEnd);
+    const qint64 end = LastIndexOfInFile(file, "#End Songweaver", audioEnd);
     if (begin >= 0 && end >= 0)
-        image.truncate(std::min(begin, end));
+        return KeptRange{0, std::min(begin, end)};
+    return KeptRange{0, audioEnd};
 }
 
 bool AppendToFile(const QString& path, const QString& block, bool midi)
 {
-    const FileBytes file(path);
-    return file.IsOpen() && ReplaceFileContent(path, EmbedLyricsBlock(file.View().toByteArray(), block, midi));
+    const RegionFinder find = [midi](const QString& file) { return LyricsRegions(file, midi); };
+    return SpliceFile(path, find, [&](QByteArray&, QByteArray& tail) {
+               // The end tags go back behind the block as the very bytes they were. Each write of
+               // the old text layer ended its output with CR LF, so every update adds two bytes.
+               const BaseTag tags = RemoveBaseTag(tail);
+               tail = kCrLf + EncodeText(block);
+               SaveBaseTag(tail, tags);
+               return true;
+           })
+           != SpliceResult::Refused;
 }
 
 } // namespace
-
-QByteArray EmbedLyricsBlock(QByteArray image, const QString& block, bool midi)
-{
-    // Each write of the old text layer ended its output with CR LF, so every update adds two bytes.
-    if (midi)
-        return image + kCrLf + EncodeText(block);
-    const BaseTag tags = RemoveBaseTag(image);
-    CutEarlierBlock(image);
-    image += kCrLf + EncodeText(block);
-    SaveBaseTag(image, tags);
-    return image;
-}
 
 SaveMP3Result SaveMP3(const QString& target, const std::vector<LyricItem>& lyrics,
                       const std::vector<PictureItem>& pictures, const SaveMP3Host& host)

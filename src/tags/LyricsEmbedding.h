@@ -7,11 +7,6 @@
 #include <QByteArray>
 #include <functional>
 
-// The file image with the block appended. An audio file's end tags are taken off for the
-// append and put back behind the block as the very bytes they were, and its earlier block is
-// cut away; a MIDI file keeps everything and grows by the whole block.
-QByteArray EmbedLyricsBlock(QByteArray image, const QString& block, bool midi);
-
 // What the save needs from the rest of the program.
 struct SaveMP3Host {
     bool MediaOpen = false;   // a media session exists
@@ -28,6 +23,8 @@ enum class SaveMP3Result { NoTarget, NoAudioDevice, NothingToSave, NotAudio, Wri
 
 extern const char* const kNoAudioDeviceMessage;  // "There is no audio device open."
 
-// Stores the lyrics in the target song file as the editor's Save command does.
+// Stores the lyrics in the target song file as the editor's Save command does. An audio file's
+// end tags are taken off for the append and put back behind the block as the very bytes they
+// were, and its earlier block is cut away; a MIDI file keeps everything and grows by the block.
 SaveMP3Result SaveMP3(const QString& target, const std::vector<LyricItem>& lyrics,
                       const std::vector<PictureItem>& pictures, const SaveMP3Host& host);

@@ -269,14 +269,8 @@ bool MP3Class::SaveLyrics(const QString& nAuthor, const QString& nartist, const 
     tag.Album = nalbum;
     tag.Images = nPicture;
     tag.Lyrics = nLyrics;
-    bool saved = false;
-    auto rewrite = [&] {
-        const FileBytes file(m_filename);
-        saved = file.IsOpen() && ReplaceFileContent(m_filename, ReplaceLyrics3(file.View(), tag));
-    };
-    if (release)
-        release(m_filename, rewrite);
-    else
-        rewrite();
-    return saved;
+    return Splice(release, EndTagRegions, [&](QByteArray&, QByteArray& tail) {
+        tail = ReplaceLyrics3(tail, tag);
+        return true;
+    });
 }

@@ -5,6 +5,7 @@
 
 #include "lyrics/TagLyrics.h"
 #include "tags/EndTags.h"
+#include "tags/FileBytes.h"
 #include "tags/StreamFacts.h"
 
 #include <QString>
@@ -63,6 +64,11 @@ public:
     int16_t SaveMPCTag(const ApeTagTexts& texts, const QString& kind, const PlayingFileRelease& release = {});
     // Removes the ID3 tags of an MP3 or Musepack file; APE tags stay.
     void RemoveTag(const PlayingFileRelease& release = {});
+    // The format the file's bytes show now, whatever was read before: the saves write only into
+    // the formats their tags belong to.
+    QString FormatOnDisk() const;
+    // MP3, Monkey's Audio and Musepack files carry APE tags.
+    static bool TakesApeTag(const QString& format);
     // The texts as the information dialog starts from them.
     Id3TagTexts TagTexts() const;
 
@@ -146,8 +152,9 @@ private:
     void ReadTagFields(QByteArrayView bytes, const EndOfFileTags& tags);
     void CopyMergedToFirstSet();
     void TakeId3v2Set(const Id3v2Fields& v2);
-    // The file's bytes through an edit, written back whole when the edit changed them.
-    bool EditFile(const PlayingFileRelease& release, const std::function<void(QByteArray&)>& edit);
+    // The file's managed regions through an edit, the playing file released around it; false
+    // when the save was refused and the file is as it was.
+    bool Splice(const PlayingFileRelease& release, const RegionFinder& find, const RegionEdit& edit);
     int16_t VerifyId3Save(bool touchedV1, bool touchedV2) const;
     void SetMerged(const QString& title, const QString& artist, const QString& album, const QString& year,
                    const QString& comment, const QString& track, const QString& genre);

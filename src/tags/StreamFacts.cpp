@@ -102,7 +102,7 @@ constexpr qsizetype kFrameSearchWindow = 128 * 1024;
 
 bool StartsWithOtherFormat(QByteArrayView bytes, qsizetype at)
 {
-    for (const char* magic : {"RIFF", "MAC ", "MP+", "MPCK", "OggS", "fLaC"})
+    for (const char* magic : {"RIFF", "MAC ", "MP+", "MPCK", "OggS", "fLaC", "MThd"})
         if (HasAt(bytes, at, magic))
             return true;
     return false;
@@ -298,19 +298,39 @@ QString ChannelModeName(int channels)
     return QStringLiteral("%1 channels").arg(channels);
 }
 
+namespace {
+
+// The length an ID3v2 header at `at` declares for its tag, header and footer included; 0 when
+// no tag starts there.
+qsizetype DeclaredId3v2Length(QByteArrayView bytes, qsizetype at)
+{
+    if (!HasAt(bytes, at, "ID3") || ByteAt(bytes, at + 3) == 0xFF)
+        return 0;
+    const uint32_t syncsafe = BigEndian(bytes, at + 6, 4);
+    if (syncsafe & 0x80808080u)
+        return 0;
+    const qsizetype size = ((syncsafe & 0x7F000000) >> 3) | ((syncsafe & 0x7F0000) >> 2) | ((syncsafe & 0x7F00) >> 1)
+                           | (syncsafe & 0x7F);
+    const bool footer = ByteAt(bytes, at + 5) & 0x10;
+    return 10 + size + (footer ? 10 : 0);
+}
+
+} // namespace
+
 qsizetype Id3v2Span(QByteArrayView bytes)
 {
     qsizetype at = 0;
-    while (HasAt(bytes, at, "ID3") && ByteAt(bytes, at + 3) < 0xFF) {
-        const uint32_t syncsafe = BigEndian(bytes, at + 6, 4);
-        if (syncsafe & 0x80808080u)
-            break;
-        const qsizetype size = ((syncsafe & 0x7F000000) >> 3) | ((syncsafe & 0x7F0000) >> 2)
-                               | ((syncsafe & 0x7F00) >> 1) | (syncsafe & 0x7F);
-        const bool footer = ByteAt(bytes, at + 5) & 0x10;
-        at = std::min<qsizetype>(bytes.size(), at + 10 + size + (footer ? 10 : 0));
-    }
+    while (const qsizetype length = DeclaredId3v2Length(bytes, at))
+        at = std::min<qsizetype>(bytes.size(), at + length);
     return at;
+}
+
+std::optional<qsizetype> FirstId3v2Span(QByteArrayView bytes)
+{
+    const qsizetype length = DeclaredId3v2Length(bytes, 0);
+    if (length > bytes.size())
+        return std::nullopt;
+    return length;
 }
 
 WavFacts AnalyseWav(QByteArrayView bytes)

@@ -5,6 +5,7 @@
 
 #include <QByteArrayView>
 #include <QString>
+#include <optional>
 #include <cstdint>
 
 struct WavFacts {
@@ -74,6 +75,9 @@ struct OggFacts {
 
 // Bytes taken by ID3v2 tags at the start of the file (several may follow each other).
 qsizetype Id3v2Span(QByteArrayView bytes);
+// Bytes taken by the first ID3v2 tag alone, 0 when there is none; nothing when its declared size
+// runs past the end of the file, so nobody can tell where its audio starts.
+std::optional<qsizetype> FirstId3v2Span(QByteArrayView bytes);
 
 WavFacts AnalyseWav(QByteArrayView bytes);
 MpegFacts AnalyseMpeg(QByteArrayView bytes);

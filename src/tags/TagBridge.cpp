@@ -5,11 +5,9 @@
 #include <QFile>
 #include "tags/EndTags.h"
 
-#include <taglib/apefile.h>
 #include <taglib/taglib.h>
 #include <taglib/apetag.h>
 #include <taglib/id3v2tag.h>
-#include <taglib/mpcfile.h>
 #include <taglib/mpegfile.h>
 #include <taglib/textidentificationframe.h>
 #include <taglib/urllinkframe.h>
@@ -130,27 +128,11 @@ struct OpenedMpeg : Opened<TagLib::MPEG::File> {
     }
 };
 
-// An APE tag kept or written on a Monkey's Audio or Musepack file.
-template <typename File>
-std::optional<QByteArray> SaveApe(const QByteArray& image, const ApeTagFields* fields, int apeFlag)
-{
-    Opened<File> opened(image, false);
-    if (!opened.file.isValid())
-        return std::nullopt;
-    if (fields)
-        FillApe(*opened.file.APETag(true), *fields);
-    else
-        opened.file.strip(apeFlag);
-    if (!opened.file.save())
-        return std::nullopt;
-    return opened.Image();
-}
-
 } // namespace
 
-std::optional<QByteArray> WriteId3v2(const QByteArray& image, const Id3v2Fields* fields)
+std::optional<QByteArray> WriteId3v2(const QByteArray& tag, const Id3v2Fields* fields)
 {
-    OpenedMpeg opened(image);
+    OpenedMpeg opened(tag);
     TagLib::MPEG::File& file = opened.file;
     if (!file.isValid())
         return std::nullopt;
@@ -160,21 +142,17 @@ std::optional<QByteArray> WriteId3v2(const QByteArray& image, const Id3v2Fields*
         return opened.Image();
     }
     const bool had = file.hasID3v2Tag();
-    TagLib::ID3v2::Tag* tag = file.ID3v2Tag(true);
-    const auto version = had && tag->header()->majorVersion() == 4 ? TagLib::ID3v2::v4 : TagLib::ID3v2::v3;
-    FillId3v2(*tag, *fields);
+    TagLib::ID3v2::Tag* id3 = file.ID3v2Tag(true);
+    const auto version = had && id3->header()->majorVersion() == 4 ? TagLib::ID3v2::v4 : TagLib::ID3v2::v3;
+    FillId3v2(*id3, *fields);
     if (!file.save(TagLib::MPEG::File::ID3v2, TagLib::File::StripNone, version, TagLib::File::DoNotDuplicate))
         return std::nullopt;
     return opened.Image();
 }
 
-std::optional<QByteArray> WriteApeTag(const QByteArray& image, const QString& format, const ApeTagFields* fields)
+std::optional<QByteArray> WriteApeTag(const QByteArray& endTags, const ApeTagFields* fields)
 {
-    if (format == u"APE")
-        return SaveApe<TagLib::APE::File>(image, fields, TagLib::APE::File::APE);
-    if (format == u"MPC")
-        return SaveApe<TagLib::MPC::File>(image, fields, TagLib::MPC::File::APE);
-    OpenedMpeg opened(image);
+    OpenedMpeg opened(endTags);
     TagLib::MPEG::File& file = opened.file;
     if (!file.isValid())
         return std::nullopt;

@@ -22,12 +22,12 @@ struct OggComment {
 };
 bool ReadOggComment(const QString& path, OggComment& comment);
 
-// The file image with its ID3v2 tag written from the fields, or removed when there are none.
-// Frames the fields do not name stay, and so does the version of a tag that was there; a new
-// tag is ID3v2.3. Nothing when TagLib cannot take the image as MPEG.
-std::optional<QByteArray> WriteId3v2(const QByteArray& image, const Id3v2Fields* fields);
+// A file's first ID3v2 tag (empty when it has none) written anew from the fields, or removed
+// when there are none. Frames the fields do not name stay, and so does the version of a tag
+// that was there; a new tag is ID3v2.3. Nothing when TagLib cannot read the tag.
+std::optional<QByteArray> WriteId3v2(const QByteArray& tag, const Id3v2Fields* fields);
 
 struct ApeTagFields;
-// The image with its APE tag written from the fields, or removed when there are none; MPEG,
-// Monkey's Audio and Musepack files by the format's name ("MP3", "APE", "MPC").
-std::optional<QByteArray> WriteApeTag(const QByteArray& image, const QString& format, const ApeTagFields* fields);
+// A file's end tags (empty when it has none) with their APE tag written from the fields, or
+// removed when there are none; a new APE tag goes before an ID3v1 tag.
+std::optional<QByteArray> WriteApeTag(const QByteArray& endTags, const ApeTagFields* fields);

@@ -1,6 +1,6 @@
-// MP3Class's tag writers. Every write goes through one edit of the file's bytes in memory and
-// one safe replacement of the file, so a save is whole or not at all, and the audio between the
-// tags is copied as it was.
+// MP3Class's tag writers. A save reads only the tags it manages (the first ID3v2 tag, the end
+// tags), edits them in memory, and splices them around the audio copied from disk as it was; the
+// new file replaces the old one only after the audio is found in it unchanged.
 
 #include "core/Numbers.h"
 #include "tags/EndTags.h"
@@ -9,7 +9,8 @@
 #include "tags/MP3Class.h"
 #include "tags/TagBridge.h"
 
-#include <QFileInfo>
+#include "tags/StreamFacts.h"
+
 #include <algorithm>
 
 namespace {
@@ -75,31 +76,47 @@ QString TagKindFound(const QString& path, bool polish)
     return kind;
 }
 
+// The ID3 saves manage the first ID3v2 tag and the ID3v1 tag: a second ID3v2 tag, an APE or
+// Lyrics3 tag and the audio stay as they are.
+std::optional<KeptRange> Id3Regions(const QString& path)
+{
+    const FileBytes file(path);
+    const auto head = file.IsOpen() ? FirstId3v2Span(file.View()) : std::nullopt;
+    if (!head)
+        return std::nullopt;
+    const qint64 tail = file.View().size() - (HasId3v1(file.View()) ? 128 : 0);
+    if (*head > tail)
+        return std::nullopt;
+    return KeptRange{*head, tail};
+}
+
 } // namespace
 
-bool MP3Class::EditFile(const PlayingFileRelease& release, const std::function<void(QByteArray&)>& edit)
+QString MP3Class::FormatOnDisk() const
 {
-    bool written = false;
-    auto rewrite = [&] {
-        // A file marked read-only keeps its bytes, though its folder would allow a rename and
-        // the user may be one whom no permission stops.
-        const QFileInfo info(m_filename);
-        const auto anyWrite = QFileDevice::WriteOwner | QFileDevice::WriteGroup | QFileDevice::WriteOther;
-        if (!info.isWritable() || !(info.permissions() & anyWrite))
-            return;
-        const FileBytes file(m_filename);
-        if (!file.IsOpen())
-            return;
-        const QByteArray before = file.View().toByteArray();
-        QByteArray image = before;
-        edit(image);
-        written = image == before || ReplaceFileContent(m_filename, image);
-    };
+    if (IsMidiName(m_filename))
+        return QStringLiteral("MIDI");
+    MP3Class probe(m_polish);
+    const FileBytes file(m_filename);
+    if (file.IsOpen())
+        probe.SniffFormat(file.View());
+    return probe.m_format;
+}
+
+bool MP3Class::TakesApeTag(const QString& format)
+{
+    return format == u"MP3" || format == u"APE" || format == u"MPC";
+}
+
+bool MP3Class::Splice(const PlayingFileRelease& release, const RegionFinder& find, const RegionEdit& edit)
+{
+    SpliceResult result = SpliceResult::Refused;
+    auto rewrite = [&] { result = SpliceFile(m_filename, find, edit); };
     if (release)
         release(m_filename, rewrite);
     else
         rewrite();
-    return written;
+    return result != SpliceResult::Refused;
 }
 
 int16_t MP3Class::SaveId3Tag(const Id3TagTexts& t, const PlayingFileRelease& release)
@@ -117,17 +134,22 @@ int16_t MP3Class::SaveId3Tag(const Id3TagTexts& t, const PlayingFileRelease& rel
     }
     const bool touchedV1 = anyV1 || hadV1;
     const bool touchedV2 = anyV2 || hadV2;
-    EditFile(release, [&](QByteArray& image) {
-        RemoveId3v1(image);
-        if (anyV1)
-            AppendId3v1(image, Id3v1Of(t.Title1, t.Artist1, t.Album1, t.Year1, t.Comment1, t.Genre1, t.Track1),
-                        m_polish);
-        if (touchedV2) {
+    // Another format would be broken by an ID3 tag: the save is refused, and the unchanged file
+    // reads back as a failed write.
+    if (FormatOnDisk() == u"MP3")
+        Splice(release, Id3Regions, [&](QByteArray& head, QByteArray& tail) {
+            RemoveId3v1(tail);
+            if (anyV1)
+                AppendId3v1(tail, Id3v1Of(t.Title1, t.Artist1, t.Album1, t.Year1, t.Comment1, t.Genre1, t.Track1),
+                            m_polish);
+            if (!touchedV2)
+                return true;
             const Id3v2Fields fields = Id3v2Of(t);
-            if (const auto written = WriteId3v2(image, anyV2 ? &fields : nullptr))
-                image = *written;
-        }
-    });
+            const auto written = WriteId3v2(head, anyV2 ? &fields : nullptr);
+            if (written)
+                head = *written;
+            return written.has_value();
+        });
     return VerifyId3Save(touchedV1, touchedV2);
 }
 
@@ -171,11 +193,14 @@ int16_t MP3Class::SaveAPETag(const ApeTagTexts& t, const PlayingFileRelease& rel
     if (!GenreIsNumber(t.Genre))
         return 0;
     const bool empty = AllEmpty(t);
-    EditFile(release, [&](QByteArray& image) {
-        const ApeTagFields fields = ApeOf(t);
-        if (const auto written = WriteApeTag(image, m_format, empty ? nullptr : &fields))
-            image = *written;
-    });
+    if (TakesApeTag(FormatOnDisk()))
+        Splice(release, EndTagRegions, [&](QByteArray&, QByteArray& tail) {
+            const ApeTagFields fields = ApeOf(t);
+            const auto written = WriteApeTag(tail, empty ? nullptr : &fields);
+            if (written)
+                tail = *written;
+            return written.has_value();
+        });
     const FileBytes file(m_filename);
     ApeTagFields now;
     if (file.IsOpen())
@@ -193,35 +218,40 @@ int16_t MP3Class::SaveMPCTag(const ApeTagTexts& t, const QString& kind, const Pl
     const bool writeApe = kind == u"APE v2.00" || kind == u"APE v1.00";
     bool touchedV1 = false;
     bool touchedApe = false;
-    EditFile(release, [&](QByteArray& image) {
-        ApeTagFields ape;
-        Id3v1Fields v1;
-        const bool hadApe = ReadApeTag(image, ape);
-        const bool hadV1 = ReadId3v1(image, m_polish, v1);
-        if (AllEmpty(t)) {
-            if (hadApe)
-                if (const auto written = WriteApeTag(image, m_format, nullptr))
-                    image = *written;
-            touchedApe = hadApe;
-            touchedV1 = hadV1;
-            return;
-        }
-        if (!writeV1 && !writeApe)
-            return;
-        if (hadApe)
-            if (const auto written = WriteApeTag(image, m_format, nullptr))
-                image = *written;
-        RemoveId3v1(image);
-        if (writeV1) {
-            AppendId3v1(image, Id3v1Of(t.Title, t.Artist, t.Album, t.Year, t.Comment, t.Genre, t.Track), m_polish);
-            touchedV1 = true;
-        } else {
+    auto removeApe = [](QByteArray& tail) {
+        const auto written = WriteApeTag(tail, nullptr);
+        if (written)
+            tail = *written;
+        return written.has_value();
+    };
+    if (FormatOnDisk() == u"MPC")
+        Splice(release, EndTagRegions, [&](QByteArray&, QByteArray& tail) {
+            ApeTagFields ape;
+            Id3v1Fields v1;
+            const bool hadApe = ReadApeTag(tail, ape);
+            const bool hadV1 = ReadId3v1(tail, m_polish, v1);
+            if (AllEmpty(t)) {
+                touchedApe = hadApe;
+                touchedV1 = hadV1;
+                return !hadApe || removeApe(tail);
+            }
+            if (!writeV1 && !writeApe)
+                return true;
+            if (hadApe && !removeApe(tail))
+                return false;
+            RemoveId3v1(tail);
+            if (writeV1) {
+                AppendId3v1(tail, Id3v1Of(t.Title, t.Artist, t.Album, t.Year, t.Comment, t.Genre, t.Track), m_polish);
+                touchedV1 = true;
+                return true;
+            }
             const ApeTagFields fields = ApeOf(t);
-            if (const auto written = WriteApeTag(image, m_format, &fields))
-                image = *written;
+            const auto written = WriteApeTag(tail, &fields);
+            if (written)
+                tail = *written;
             touchedApe = true;
-        }
-    });
+            return written.has_value();
+        });
     if (!touchedV1 && !touchedApe)
         return 0;
     const FileBytes file(m_filename);
@@ -245,13 +275,13 @@ int16_t MP3Class::SaveMPCTag(const ApeTagTexts& t, const QString& kind, const Pl
 
 void MP3Class::RemoveTag(const PlayingFileRelease& release)
 {
-    if (m_format != u"MP3" && m_format != u"MPC")
+    const QString format = FormatOnDisk();
+    if (format != u"MP3" && format != u"MPC")
         return;
-    EditFile(release, [](QByteArray& image) {
-        RemoveId3v1(image);
-        if (Id3v2Span(image) > 0)
-            if (const auto written = WriteId3v2(image, nullptr))
-                image = *written;
+    Splice(release, Id3Regions, [](QByteArray& head, QByteArray& tail) {
+        RemoveId3v1(tail);
+        head.clear();
+        return true;
     });
 }
 

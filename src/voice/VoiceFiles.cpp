@@ -7,6 +7,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QLocale>
+#include <QRegularExpression>
 #include <QSaveFile>
 #include <QtEndian>
 #include <algorithm>
@@ -125,6 +126,18 @@ VoiceTarget VoiceTargetOf(const QString& songPath, const ThemeClass& theme)
 QString TempWaveName(const QDateTime& now)
 {
     return QLocale::c().toString(now, QStringLiteral("MMddyyyyHHmmssAP")) + QStringLiteral(".WAV");
+}
+
+int RemoveLeftTakes(const QString& folder, const QDateTime& idleSince)
+{
+    static const QRegularExpression takeName(QStringLiteral("^[0-9]{14}(AM|PM)\\.WAV$"));
+    int removed = 0;
+    const QFileInfoList files = QDir(folder).entryInfoList({QStringLiteral("*.WAV")}, QDir::Files);
+    for (const QFileInfo& file : files)
+        if (takeName.match(file.fileName()).hasMatch() && file.lastModified() < idleSince
+            && QFile::remove(file.filePath()))
+            ++removed;
+    return removed;
 }
 
 qint64 FramesBefore(double seconds, int rate)

@@ -46,6 +46,9 @@ QString VoiceFileOf(const QString& songPath, const ThemeClass& theme);
 
 // The temporary take's name: month, day, year, 24-hour hour, minutes, seconds, AM or PM.
 QString TempWaveName(const QDateTime& now);
+// Removes the temporary takes in the folder that nobody has written since `idleSince`: what a
+// run that ended in mid-take left behind. The number removed.
+int RemoveLeftTakes(const QString& folder, const QDateTime& idleSince);
 
 // Whole sample frames before `seconds` at `rate`, never negative.
 qint64 FramesBefore(double seconds, int rate);
