@@ -4,7 +4,11 @@ BUILD_TYPE ?= RelWithDebInfo
 JOBS ?= 2
 CMAKE_FLAGS ?=
 
-.PHONY: all bootstrap configure build run record test bench fuzz clean
+.PHONY: all bootstrap configure build run record test sanitize bench fuzz clean
+
+# A clone in another folder still finds what ccache compiled here before.
+export CCACHE_BASEDIR := $(CURDIR)
+export CCACHE_NOHASHDIR := 1
 
 all: build
 
@@ -28,6 +32,16 @@ record: build
 test: build
 	cd $(BUILD_DIR) && QT_QPA_PLATFORM=offscreen SONGWEAVER_AUDIO=null ctest -j$(JOBS) --output-on-failure --timeout 300
 
+# Every test again, built with AddressSanitizer and UndefinedBehaviorSanitizer.
+SANITIZE_DIR ?= build-sanitize
+sanitize: bootstrap
+	cmake -S . -B $(SANITIZE_DIR) -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_CXX_FLAGS_RELWITHDEBINFO="-O1 -g1" \
+	  -DSONGWEAVER_SANITIZE=ON -DSONGWEAVER_BENCH=OFF
+	cmake --build $(SANITIZE_DIR) -j$(JOBS)
+	cd $(SANITIZE_DIR) && QT_QPA_PLATFORM=offscreen SONGWEAVER_AUDIO=null \
+	  LSAN_OPTIONS=suppressions=$(CURDIR)/fuzz/lsan.supp UBSAN_OPTIONS=print_stacktrace=1 \
+	  ctest -j$(JOBS) --output-on-failure --timeout 600
+
 bench: build
 	@for b in $(BUILD_DIR)/bench/*_bench; do echo "== $$b"; QT_QPA_PLATFORM=offscreen SONGWEAVER_AUDIO=null $$b; done
 
@@ -44,4 +58,4 @@ fuzz:
 	    -artifact_prefix=build-fuzz/ build-fuzz/corpus/$$n fuzz/seeds/$$n || exit 1; done
 
 clean:
-	rm -rf $(BUILD_DIR) build-fuzz out
+	rm -rf $(BUILD_DIR) $(SANITIZE_DIR) build-fuzz out

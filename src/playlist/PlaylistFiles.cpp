@@ -1,5 +1,7 @@
 #include "playlist/PlaylistFiles.h"
 
+#include "lyrics/LyricsLoader.h"
+
 #include "core/Numbers.h"
 #include "core/TextCodec.h"
 
@@ -182,10 +184,7 @@ void ReadPls(const QStringList& lines, const QString& playlistFolder, const Song
 
 QStringList ReadListLines(const QString& path, bool polish)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    QString text = DecodeText(file.readAll(), polish);
+    QString text = DecodeText(ReadWholeFile(path), polish);
     text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
     QStringList lines = text.split(u'\n');
     // A file that ends with a line break has no empty line after it.

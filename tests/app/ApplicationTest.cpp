@@ -4,7 +4,9 @@
 #include "app/SingleInstance.h"
 #include "core/WindowPosition.h"
 
+#include <QDateTime>
 #include <QDir>
+#include <QFile>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QUuid>
@@ -230,4 +232,29 @@ TEST_F(StartUp, SecondStartHandsOverAndEnds)
     }
     EXPECT_FALSE(handed.wait(300)) << "\"%1\" and an empty command line hand nothing over";
     EXPECT_EQ(handed.size(), 2);
+}
+
+TEST_F(StartUp, ATakeLeftByARunKilledInMidTakeIsGoneAtTheNextStart)
+{
+    QTemporaryDir temp;
+    const bool hadTemp = qEnvironmentVariableIsSet("TMPDIR");
+    const QByteArray oldTemp = qgetenv("TMPDIR");
+    qputenv("TMPDIR", temp.path().toLocal8Bit());
+    const QString left = temp.filePath(QStringLiteral("11222026231500PM.WAV"));
+    {
+        QFile take(left);
+        ASSERT_TRUE(take.open(QIODevice::WriteOnly));
+        take.write("RIFF");
+        take.flush();
+        take.setFileTime(QDateTime::currentDateTime().addSecs(-3600), QFileDevice::FileModificationTime);
+    }
+    {
+        Program p(journal, store, server, data.path());
+        ASSERT_TRUE(p.app.Main(QString()));
+    }
+    if (hadTemp)
+        qputenv("TMPDIR", oldTemp);
+    else
+        qunsetenv("TMPDIR");
+    EXPECT_FALSE(QFile::exists(left));
 }

@@ -256,6 +256,32 @@ TEST(Swtool, TagsSavesAsTheDialogDoesAndAKilledSaveLeavesAWholeFile)
     EXPECT_EQ(Swtool({"tags", "/no/such.mp3"}, home.path()).exitCode, 1);
 }
 
+TEST(Swtool, TagsRefusesFilesThatAreNoMp3AndNeverCutsASongWithALyingTagSize)
+{
+    QTemporaryDir home;
+    for (const char* name : {"song.kar", "untitled.mid", "comments.ogg", "tone.mpc", "pcm16-stereo.wav"}) {
+        SCOPED_TRACE(name);
+        const QString song = CopyFixture(MediaFixture(QString::fromLatin1(name)), home.path());
+        const QByteArray before = ReadFileBytes(song);
+        const ToolRun run = Swtool({"tags", song, "--set", "Title2=x"}, home.path());
+        EXPECT_EQ(run.exitCode, 1);
+        EXPECT_TRUE(run.err.endsWith(QStringLiteral("Not an MP3 file: ") + song + u'\n')) << run.err.toStdString();
+        EXPECT_EQ(ReadFileBytes(song), before);
+    }
+    const QString ogg = CopyFixture(MediaFixture("comments.ogg"), home.path(), QStringLiteral("other.ogg"));
+    EXPECT_TRUE(Swtool({"tags", ogg, "--ape", "--set", "Title1=x"}, home.path())
+                    .err.endsWith(QStringLiteral("Not an MP3, Monkey's Audio or Musepack file: ") + ogg + u'\n'));
+
+    // The reproduction of the damaged download: the size bytes of its ID3v2 header set to 7F.
+    const QString lying = CopyFixture(MediaFixture("both.mp3"), home.path(), QStringLiteral("lying.mp3"));
+    QByteArray bytes = ReadFileBytes(lying);
+    bytes.replace(6, 4, QByteArray("\x7F\x7F\x7F\x7F", 4));
+    WriteFileBytes(lying, bytes);
+    const ToolRun run = Swtool({"tags", lying, "--set", "Title2=x"}, home.path());
+    EXPECT_EQ(run.exitCode, 1) << "the bytes show no MP3 file whose audio can be told";
+    EXPECT_EQ(ReadFileBytes(lying), bytes);
+}
+
 TEST(Swtool, TheDemoSongsLoadWithTheirLyrics)
 {
     QTemporaryDir home;

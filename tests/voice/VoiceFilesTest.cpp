@@ -4,6 +4,7 @@
 #include "audio/WavFile.h"
 #include "voice/VoiceFiles.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
@@ -55,6 +56,28 @@ TEST(VoiceFiles, TheTemporaryNameIsMonthDayYearHourMinuteSecondAndHalfDay)
 {
     EXPECT_EQ(TempWaveName(QDateTime(QDate(2026, 3, 7), QTime(14, 5, 9))), QStringLiteral("03072026140509PM.WAV"));
     EXPECT_EQ(TempWaveName(QDateTime(QDate(2026, 11, 22), QTime(0, 30, 0))), QStringLiteral("11222026003000AM.WAV"));
+}
+
+TEST(VoiceFiles, TakesLeftByARunThatEndedGoAtTheNextStartAndNothingElseDoes)
+{
+    QTemporaryDir dir;
+    const QDateTime start = QDateTime::currentDateTime();
+    auto make = [&](const QString& name, qint64 secondsAgo) {
+        const QString path = dir.filePath(name);
+        WriteAll(path, "RIFF");
+        QFile file(path);
+        file.open(QIODevice::ReadWrite);
+        file.setFileTime(start.addSecs(-secondsAgo), QFileDevice::FileModificationTime);
+    };
+    make(TempWaveName(start.addDays(-2)), 2 * 86400);  // killed in mid-take two days ago
+    make(QStringLiteral("11232026093015AM.WAV"), 600);
+    make(TempWaveName(start), 0);                       // a take being written now
+    make(QStringLiteral("holiday.WAV"), 600);           // the user's own files
+    make(QStringLiteral("11232026093015AM.wav.bak"), 600);
+    EXPECT_EQ(RemoveLeftTakes(dir.path(), start.addSecs(-60)), 2);
+    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files).size(), 3);
+    EXPECT_TRUE(QFile::exists(dir.filePath(TempWaveName(start))));
+    EXPECT_TRUE(QFile::exists(dir.filePath(QStringLiteral("holiday.WAV"))));
 }
 
 TEST(VoiceFiles, AFirstTakeGetsTheHeaderAndSilenceUpToItsSecond)

@@ -171,7 +171,14 @@ Editor::Editor(PlayerState& state, SettingsStore& store, FormProvider& forms, Pl
     });
 }
 
-Editor::~Editor() = default;
+Editor::~Editor()
+{
+    // The children still call into the window while they go: the list asks the model for its
+    // headers, which asks the window for their texts, and a cleared selection updates the status
+    // bar. So they go first, while the window is whole.
+    delete centralWidget();
+    delete m_model;
+}
 
 QString Editor::Text(const char* key) const
 {
