@@ -1,6 +1,7 @@
 #include "midi/MidiRead.h"
 
 #include "core/TextCodec.h"
+#include "lyrics/LyricsLoader.h"
 #include "midi/MidiFile.h"
 
 #include <QFile>
@@ -55,10 +56,7 @@ void MidiRead::SetFilename(const QString& path)
     Length = 0;
     Title.clear();
     Artist.clear();
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return;
-    const QByteArray bytes = file.readAll();
+    const QByteArray bytes = ReadWholeFile(path);
     Length = MidiFileSeconds(bytes);
     ReadMidiTitle(bytes, m_polish, Title, Artist);
 }

@@ -3,6 +3,7 @@
 #include "core/Shell.h"
 #include "core/TextCodec.h"
 #include "lyrics/LyricsData.h"
+#include "lyrics/LyricsLoader.h"
 #include "print/PrintSettings.h"
 
 #include <QFile>
@@ -137,8 +138,5 @@ std::optional<QString> WriteDocument(const QString& name, const QString& html)
 
 QString ReadDocument(const QString& path)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    return DecodeWindows1250(file.readAll());
+    return DecodeWindows1250(ReadWholeFile(path));
 }

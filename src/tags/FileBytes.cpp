@@ -55,9 +55,11 @@ bool KeptBytesSurvive(QFile& old, const KeptRange& kept, const QString& written,
 
 } // namespace
 
-SpliceResult SpliceFile(const QString& path, const RegionFinder& find, const RegionEdit& edit)
+SpliceResult SpliceFile(const QString& link, const RegionFinder& find, const RegionEdit& edit)
 {
-    if (!MarkedWritable(path))
+    // A link stays a link: the file it points to is the one replaced.
+    const QString path = QFileInfo(link).isSymLink() ? QFileInfo(link).canonicalFilePath() : link;
+    if (path.isEmpty() || !MarkedWritable(path))
         return SpliceResult::Refused;
     QFile old(path);
     const auto kept = find(path);

@@ -76,6 +76,14 @@ QString TagKindFound(const QString& path, bool polish)
     return kind;
 }
 
+// A writer's new bytes in place of the old ones; false when it could not write them.
+bool Take(QByteArray& bytes, const std::optional<QByteArray>& written)
+{
+    if (written)
+        bytes = *written;
+    return written.has_value();
+}
+
 // The ID3 saves manage the first ID3v2 tag and the ID3v1 tag: a second ID3v2 tag, an APE or
 // Lyrics3 tag and the audio stay as they are.
 std::optional<KeptRange> Id3Regions(const QString& path)
@@ -145,10 +153,7 @@ int16_t MP3Class::SaveId3Tag(const Id3TagTexts& t, const PlayingFileRelease& rel
             if (!touchedV2)
                 return true;
             const Id3v2Fields fields = Id3v2Of(t);
-            const auto written = WriteId3v2(head, anyV2 ? &fields : nullptr);
-            if (written)
-                head = *written;
-            return written.has_value();
+            return Take(head, WriteId3v2(head, anyV2 ? &fields : nullptr));
         });
     return VerifyId3Save(touchedV1, touchedV2);
 }
@@ -196,10 +201,7 @@ int16_t MP3Class::SaveAPETag(const ApeTagTexts& t, const PlayingFileRelease& rel
     if (TakesApeTag(FormatOnDisk()))
         Splice(release, EndTagRegions, [&](QByteArray&, QByteArray& tail) {
             const ApeTagFields fields = ApeOf(t);
-            const auto written = WriteApeTag(tail, empty ? nullptr : &fields);
-            if (written)
-                tail = *written;
-            return written.has_value();
+            return Take(tail, WriteApeTag(tail, empty ? nullptr : &fields));
         });
     const FileBytes file(m_filename);
     ApeTagFields now;
@@ -218,12 +220,7 @@ int16_t MP3Class::SaveMPCTag(const ApeTagTexts& t, const QString& kind, const Pl
     const bool writeApe = kind == u"APE v2.00" || kind == u"APE v1.00";
     bool touchedV1 = false;
     bool touchedApe = false;
-    auto removeApe = [](QByteArray& tail) {
-        const auto written = WriteApeTag(tail, nullptr);
-        if (written)
-            tail = *written;
-        return written.has_value();
-    };
+    auto removeApe = [](QByteArray& tail) { return Take(tail, WriteApeTag(tail, nullptr)); };
     if (FormatOnDisk() == u"MPC")
         Splice(release, EndTagRegions, [&](QByteArray&, QByteArray& tail) {
             ApeTagFields ape;
@@ -246,11 +243,8 @@ int16_t MP3Class::SaveMPCTag(const ApeTagTexts& t, const QString& kind, const Pl
                 return true;
             }
             const ApeTagFields fields = ApeOf(t);
-            const auto written = WriteApeTag(tail, &fields);
-            if (written)
-                tail = *written;
             touchedApe = true;
-            return written.has_value();
+            return Take(tail, WriteApeTag(tail, &fields));
         });
     if (!touchedV1 && !touchedApe)
         return 0;

@@ -11,7 +11,9 @@
 #include "tags/StreamFacts.h"
 #include "Tagged.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
@@ -134,8 +136,9 @@ TEST(SongSafety, TheId3SaveTouchesOnlyMp3Files)
         EXPECT_LE(SaveTitle2(song.path, QStringLiteral("Ballad")), 0);
         EXPECT_EQ(song.Bytes(), before);
         Tagged(song.path)->RemoveTag();
-        if (QByteArray(name) != "tone.mpc")
+        if (QByteArray(name) != "tone.mpc") {
             EXPECT_EQ(song.Bytes(), before);
+        }
     }
     Song kar(QStringLiteral("song.kar"), Fixture("song.kar"));
     SaveTitle2(kar.path, QStringLiteral("Ballad"));
@@ -200,8 +203,9 @@ TEST(SongSafety, EverySaveKeepsTheBytesOutsideItsRegions)
         const QByteArray keep = kept(bytes);
         save(song.path);
         const QByteArray after = song.Bytes();
-        if (after != bytes)
+        if (after != bytes) {
             EXPECT_EQ(after.mid(keptAt(after), keep.size()), keep);
+        }
     };
     for (const char* name : songs)
         for (const auto& [file, bytes] : variants(name)) {
@@ -223,13 +227,15 @@ TEST(SongSafety, TheDamagedFilesOfOtherProgramsComeThroughEverySaveWhole)
         Song song(name, bytes);
         SaveTitle2(song.path, QStringLiteral("Saved"));
         QByteArray after = song.Bytes();
-        if (after != bytes)
+        if (after != bytes) {
             EXPECT_EQ(after.mid(FirstTagLength(after), KeptById3Save(bytes).size()), KeptById3Save(bytes));
+        }
         Tagged(song.path)->SaveAPETag({QStringLiteral("Ape"), {}, {}, {}, {}, {}, {}});
         const QByteArray before = after;
         after = song.Bytes();
-        if (after != before)
+        if (after != before) {
             EXPECT_TRUE(after.startsWith(KeptByEndTagSave(before)));
+        }
     }
 }
 
@@ -271,4 +277,14 @@ TEST(SongSafety, AReadOnlyFolderOrFileRefusesTheSaveWithTheFileAsItWas)
     EXPECT_LT(SaveTitle2(song.path, QStringLiteral("Never")), 0);
     EXPECT_EQ(song.Bytes(), before);
     EXPECT_EQ(QDir(song.dir.path()).entryList(QDir::Files | QDir::Hidden).size(), 1) << "no temporary file is left";
+}
+
+TEST(SongSafety, ASongReachedThroughALinkIsSavedWhereItLivesAndTheLinkStays)
+{
+    Song song(QStringLiteral("real.mp3"), Fixture("both.mp3"));
+    const QString link = song.dir.filePath(QStringLiteral("link.mp3"));
+    ASSERT_TRUE(QFile::link(song.path, link));
+    EXPECT_GT(SaveTitle2(link, QStringLiteral("Through the link")), 0);
+    EXPECT_TRUE(QFileInfo(link).isSymLink());
+    EXPECT_EQ(Tagged(song.path)->Title2(), "Through the link");
 }
