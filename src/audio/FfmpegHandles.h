@@ -39,5 +39,11 @@ std::string AvError(int code);
 // Opens a media file and reads its stream information; empty and `error` set on failure.
 FormatHandle OpenMediaFile(const std::string& path, std::string& error);
 
+// The next packet, as av_read_frame gives it; an error, as at the end of the file, when 8 MB
+// of the file hold none (garbage or padding that FFmpeg would gather whole in memory).
+int ReadPacketWithin(AVFormatContext& format, AVPacket& packet);
+// A seek, as av_seek_frame does it; an error when it would read more than 8 MB to find its place.
+int SeekWithin(AVFormatContext& format, int stream, int64_t timestamp, int flags);
+
 // An opened decoder for one stream of `format`; empty and `error` set on failure.
 CodecHandle OpenStreamDecoder(const AVFormatContext& format, int stream, std::string& error);

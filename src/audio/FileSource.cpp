@@ -82,7 +82,7 @@ struct FileSource::Decoder {
         const AVStream* s = format->streams[stream];
         const int64_t start = s->start_time == AV_NOPTS_VALUE ? 0 : s->start_time;
         const int64_t ts = start + av_rescale_q(target, AVRational{1, outputRate}, s->time_base);
-        av_seek_frame(format.get(), stream, ts, AVSEEK_FLAG_BACKWARD);
+        SeekWithin(*format, stream, ts, AVSEEK_FLAG_BACKWARD);
         avcodec_flush_buffers(codec.get());
         ResetResampler();
         pending.clear();
@@ -143,7 +143,7 @@ struct FileSource::Decoder {
                 endOfFile = true;
                 break;
             }
-            err = av_read_frame(format.get(), packet.get());
+            err = ReadPacketWithin(*format, *packet);
             if (err < 0) {
                 avcodec_send_packet(codec.get(), nullptr);
                 continue;

@@ -22,7 +22,7 @@ double DecodedSeconds(AVFormatContext* format, int stream)
         while (avcodec_receive_frame(codec.get(), frame.get()) >= 0)
             samples += frame->nb_samples;
     };
-    while (av_read_frame(format, packet.get()) >= 0) {
+    while (ReadPacketWithin(*format, *packet) >= 0) {
         if (packet->stream_index == stream && avcodec_send_packet(codec.get(), packet.get()) >= 0)
             drain();
         av_packet_unref(packet.get());

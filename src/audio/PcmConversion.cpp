@@ -111,7 +111,7 @@ std::vector<float> DecodeWholeFile(const std::string& path, int rate, int channe
             break;
         if (flushed)
             break;
-        if (av_read_frame(format.get(), packet.get()) < 0) {
+        if (ReadPacketWithin(*format, *packet) < 0) {
             avcodec_send_packet(codec.get(), nullptr);
             flushed = true;
             continue;

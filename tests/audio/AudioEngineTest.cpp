@@ -1,11 +1,14 @@
 #include "audio/AudioEngine.h"
 #include "audio/DacClock.h"
+#include "audio/FfmpegHandles.h"
 #include "audio/FileSource.h"
 #include "audio/ManualDevice.h"
 #include "audio/MediaProbe.h"
 #include "audio/NullDevice.h"
+#include "audio/PcmConversion.h"
 #include "support/TestSupport.h"
 
+#include <QFile>
 #include <QTemporaryDir>
 #include <chrono>
 #include <gtest/gtest.h>
@@ -264,4 +267,74 @@ TEST(DacClock, TrustsPlausibleTimestampsAndReplacesLyingOnes)
     stuck.HeardAt(100, 5, 5.025, frames);
     stuck.HeardAt(100.01, 5.01, 5.025, frames);  // the DAC time did not advance
     EXPECT_FALSE(stuck.UsesDeviceTimestamps());
+}
+
+// The peak resident size from here on, and its growth since.
+struct PeakMemory {
+    PeakMemory()
+    {
+        QFile refs(QStringLiteral("/proc/self/clear_refs"));
+        if (refs.open(QIODevice::WriteOnly))
+            refs.write("5");
+        before = Kb("VmRSS:");
+    }
+    static long Kb(const char* field)
+    {
+        QFile status(QStringLiteral("/proc/self/status"));
+        status.open(QIODevice::ReadOnly);
+        for (const QByteArray& line : status.readAll().split('\n'))
+            if (line.startsWith(field))
+                return line.mid(qstrlen(field)).trimmed().split(' ').front().toLong();
+        return 0;
+    }
+    double GrowthMb() const { return double(Kb("VmHWM:") - before) / 1024.0; }
+    long before = 0;
+};
+
+// A recording padded with 100 MB of zeros, and a stray copy of its audio behind them.
+QString PaddedSong(const QString& folder)
+{
+    const QByteArray audio = ReadFileBytes(MediaFixture("plain.mp3"));
+    const QString padded = folder + QStringLiteral("/padded.mp3");
+    QFile file(padded);
+    file.open(QIODevice::WriteOnly);
+    file.write(audio);
+    file.resize(qint64(100) << 20);
+    file.seek(file.size());
+    file.write(audio);
+    return padded;
+}
+
+TEST(AudioEngine, ASongPaddedWith100MegabytesOfZerosOpensAndPlaysItsAudio)
+{
+    QTemporaryDir dir;
+    const QString padded = PaddedSong(dir.path());
+    std::string error;
+    const std::vector<float> once = DecodeWholeFile(MediaFixture("plain.mp3").toStdString(), kRate, 2, error);
+    ASSERT_FALSE(once.empty()) << error;
+    const std::vector<float> song = DecodeWholeFile(padded.toStdString(), kRate, 2, error);
+    EXPECT_EQ(song.size(), once.size()) << "the audio plays to its end, and the padding ends the song";
+    EXPECT_GT(MediaLength(padded.toStdString()), 0.0) << "the song opens";
+
+    auto source = FileSource::Open(padded.toStdString(), kRate, error);
+    ASSERT_TRUE(source) << error;
+}
+
+TEST(AudioEngine, ASeekIntoPaddingGivesUpInsteadOfGatheringItInMemory)
+{
+    QTemporaryDir dir;
+    const QString padded = PaddedSong(dir.path());
+    std::string error;
+    FormatHandle format = OpenMediaFile(padded.toStdString(), error);
+    ASSERT_TRUE(format) << error;
+    const int stream = av_find_best_stream(format.get(), AVMEDIA_TYPE_AUDIO, -1, -1, nullptr, 0);
+    ASSERT_GE(stream, 0);
+    const AVStream* s = format->streams[stream];
+    const PeakMemory peak;
+    // A user drags the slider to the middle of the file's nominal length.
+    SeekWithin(*format, stream, s->duration > 0 ? s->duration / 2 : 0, AVSEEK_FLAG_BACKWARD);
+    PacketHandle packet(av_packet_alloc());
+    while (ReadPacketWithin(*format, *packet) >= 0)
+        av_packet_unref(packet.get());
+    EXPECT_LT(peak.GrowthMb(), 40.0) << "FFmpeg gathered the zeros it read through";
 }

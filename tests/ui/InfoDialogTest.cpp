@@ -187,3 +187,23 @@ TEST_F(InfoWindow, APlayingSongPlaysOnFromTheSameWholeSecondAfterASave)
     EXPECT_NEAR(state.Session->get_CurrentPosition(), 1.0, 0.05) << "taken up at the whole second";
     EXPECT_EQ(Tagged(song)->Title2(), "Sung on");
 }
+
+TEST_F(InfoWindow, ADownloadWithALyingTagSizeIsRefusedWithTheMessageAndKeptWhole)
+{
+    // The ID3v2 header says 0x7F7F7F7F bytes: the save once wrote the tag alone over the song.
+    const QString song = CopyFixture(MediaFixture("both.mp3"), dir.path(), QStringLiteral("download.mp3"));
+    QByteArray bytes = ReadFileBytes(song);
+    bytes.replace(6, 4, QByteArray("\x7F\x7F\x7F\x7F", 4));
+    WriteFileBytes(song, bytes);
+    auto* dialog = new Id3InfoDialog(song, Context());
+    QPointer<Id3InfoDialog> alive(dialog);
+    dialog->show();
+    dialog->Id1(0).setText(QStringLiteral("New title"));
+    dialog->Id2(0).setText(QStringLiteral("New title"));
+    dialog->Save();
+    EXPECT_EQ(messages, QStringList{"SWV: Save error|Can't write both ID3v1 and Id3v2 tag."});
+    EXPECT_EQ(ReadFileBytes(song), bytes) << "not one byte of the song changed";
+    ASSERT_FALSE(alive.isNull());
+    EXPECT_TRUE(dialog->isVisible());
+    delete dialog;
+}
