@@ -4,7 +4,7 @@ BUILD_TYPE ?= RelWithDebInfo
 JOBS ?= 2
 CMAKE_FLAGS ?=
 
-.PHONY: all bootstrap configure build run record test sanitize bench fuzz clean
+.PHONY: all bootstrap configure build run record test sanitize tsan bench fuzz clean
 
 # A clone in another folder still finds what ccache compiled here before.
 export CCACHE_BASEDIR := $(CURDIR)
@@ -42,6 +42,15 @@ sanitize: bootstrap
 	  LSAN_OPTIONS=suppressions=$(CURDIR)/fuzz/lsan.supp UBSAN_OPTIONS=print_stacktrace=1 \
 	  ctest -j$(JOBS) --output-on-failure --timeout 600
 
+# The engine's and the song sessions' tests, built with ThreadSanitizer.
+TSAN_DIR ?= build-tsan
+tsan: bootstrap
+	cmake -S . -B $(TSAN_DIR) -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_CXX_FLAGS_RELWITHDEBINFO="-O1 -g1" \
+	  -DSONGWEAVER_TSAN=ON -DSONGWEAVER_BENCH=OFF
+	cmake --build $(TSAN_DIR) -j$(JOBS) --target audio_tests playback_tests
+	cd $(TSAN_DIR) && QT_QPA_PLATFORM=offscreen SONGWEAVER_AUDIO=null TSAN_OPTIONS="halt_on_error=1 second_deadlock_stack=1 suppressions=$(CURDIR)/tests/tsan.supp" \
+	  ctest -j$(JOBS) -L 'audio_tests|playback_tests' --output-on-failure --timeout 600
+
 bench: build
 	@for b in $(BUILD_DIR)/bench/*_bench; do echo "== $$b"; QT_QPA_PLATFORM=offscreen SONGWEAVER_AUDIO=null $$b; done
 
@@ -58,4 +67,4 @@ fuzz:
 	    -artifact_prefix=build-fuzz/ build-fuzz/corpus/$$n fuzz/seeds/$$n || exit 1; done
 
 clean:
-	rm -rf $(BUILD_DIR) $(SANITIZE_DIR) build-fuzz out
+	rm -rf $(BUILD_DIR) $(SANITIZE_DIR) $(TSAN_DIR) build-fuzz out

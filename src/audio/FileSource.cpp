@@ -243,7 +243,7 @@ void FileSource::DecodeLoop()
 void FileSource::Seek(double seconds)
 {
     seconds = std::clamp(seconds, 0.0, std::max(m_duration, 0.0));
-    m_seekSeconds = seconds;
+    m_seekSeconds.store(seconds, std::memory_order_relaxed);
     m_seekFrame.store(std::llround(seconds * m_outputRate), std::memory_order_relaxed);
     m_seekSerial.fetch_add(1, std::memory_order_release);
     m_decoder->wake.notify_one();
@@ -262,50 +262,15 @@ double FileSource::SecondsBuffered() const
     return double(m_filled.Size()) * kChunkFrames / m_outputRate;
 }
 
-void FileSource::PublishAnchor(const Anchor& a) noexcept
-{
-    const uint32_t seq = m_anchorSequence.load(std::memory_order_relaxed);
-    m_anchorSequence.store(seq + 1, std::memory_order_relaxed);
-    std::atomic_thread_fence(std::memory_order_release);
-    m_anchorSerial.store(a.serial, std::memory_order_relaxed);
-    m_anchorStart.store(a.mediaStart, std::memory_order_relaxed);
-    m_anchorEnd.store(a.mediaEnd, std::memory_order_relaxed);
-    m_anchorHeardAt.store(a.heardAt, std::memory_order_relaxed);
-    m_anchorRate.store(a.rate, std::memory_order_relaxed);
-    m_anchorEnded.store(a.ended, std::memory_order_relaxed);
-    m_anchorValid.store(true, std::memory_order_relaxed);
-    m_anchorSequence.store(seq + 2, std::memory_order_release);
-}
-
-bool FileSource::ReadAnchor(Anchor& a) const
-{
-    for (;;) {
-        const uint32_t before = m_anchorSequence.load(std::memory_order_acquire);
-        if (before & 1u)
-            continue;
-        a.serial = m_anchorSerial.load(std::memory_order_relaxed);
-        a.mediaStart = m_anchorStart.load(std::memory_order_relaxed);
-        a.mediaEnd = m_anchorEnd.load(std::memory_order_relaxed);
-        a.heardAt = m_anchorHeardAt.load(std::memory_order_relaxed);
-        a.rate = m_anchorRate.load(std::memory_order_relaxed);
-        a.ended = m_anchorEnded.load(std::memory_order_relaxed);
-        const bool valid = m_anchorValid.load(std::memory_order_relaxed);
-        std::atomic_thread_fence(std::memory_order_acquire);
-        if (m_anchorSequence.load(std::memory_order_relaxed) == before)
-            return valid;
-    }
-}
-
 double FileSource::Position(double now)
 {
     const uint32_t serial = m_seekSerial.load(std::memory_order_relaxed);
-    Anchor a;
-    if (!ReadAnchor(a) || a.serial != serial)
-        return m_seekSeconds;
+    const auto heard = m_heard.Read();
+    if (!heard || heard->serial != serial)
+        return m_seekSeconds.load(std::memory_order_relaxed);
 
-    double position = a.mediaStart + (now - a.heardAt) * a.rate;
-    position = std::clamp(position, m_seekSeconds, std::max(a.mediaEnd, m_seekSeconds));
-    if (a.ended && position >= a.mediaEnd)
+    double position = heard->PositionAt(now);
+    if (heard->ended && position >= heard->end)
         position = std::max(position, m_duration);
     if (m_state == Running && m_lastSerial == serial)
         position = std::max(position, m_lastPosition);
@@ -320,6 +285,7 @@ void FileSource::FollowSeek() noexcept
     if (serial == m_rtSerial)
         return;
     m_rtSerial = serial;
+    m_rtFloor = m_seekSeconds.load(std::memory_order_relaxed);
     if (m_rtChunk >= 0)
         m_free.Push(uint32_t(m_rtChunk));
     m_rtChunk = -1;
@@ -425,13 +391,14 @@ void FileSource::Render(float* out, int frames, const BufferTiming& timing) noex
         std::fill(out, out + size_t(frames) * 2, 0.0f);
         return;
     }
-    Anchor anchor;
-    anchor.serial = m_rtSerial;
-    anchor.heardAt = timing.heardAt;
-    anchor.rate = m_rate.load(std::memory_order_relaxed);
-    anchor.mediaStart = (double(m_index) + m_phase) / m_outputRate;
+    HeardClock heard;
+    heard.serial = m_rtSerial;
+    heard.floor = m_rtFloor;
+    heard.heardAt = timing.heardAt;
+    heard.rate = m_rate.load(std::memory_order_relaxed);
+    heard.start = (double(m_index) + m_phase) / m_outputRate;
     RenderFrames(out, frames);
-    anchor.mediaEnd = (double(m_index) + m_phase) / m_outputRate;
-    anchor.ended = m_ended;
-    PublishAnchor(anchor);
+    heard.end = (double(m_index) + m_phase) / m_outputRate;
+    heard.ended = m_ended;
+    m_heard.Publish(heard);
 }

@@ -6,6 +6,8 @@
 // song it delivered and when that is heard; the interface thread turns that into the position.
 
 #include "audio/AudioSource.h"
+#include "audio/HeardClock.h"
+#include "audio/LatestValue.h"
 #include "audio/SpscQueue.h"
 
 #include <atomic>
@@ -53,22 +55,10 @@ private:
         bool endOfStream = false;
         float samples[kChunkFrames * 2];
     };
-    // What one buffer delivered, published by the real-time thread under a sequence count.
-    struct Anchor {
-        uint32_t serial = 0;
-        double mediaStart = 0;
-        double mediaEnd = 0;
-        double heardAt = 0;
-        double rate = 1;
-        bool ended = false;
-    };
-
     FileSource(int outputRate, std::unique_ptr<Decoder> decoder);
     void DecodeLoop();
     // Decodes one chunk into the queue (if a free one exists); false once the file has ended.
     bool FillChunk(uint32_t serial);
-    void PublishAnchor(const Anchor& anchor) noexcept;
-    bool ReadAnchor(Anchor& anchor) const;
     // Real-time thread only.
     void FollowSeek() noexcept;
     bool NextFrame(float& left, float& right) noexcept;
@@ -87,15 +77,12 @@ private:
     std::atomic<uint32_t> m_seekSerial{0};
     std::atomic<uint32_t> m_decodedSerial{0};  // serial of the last chunk the decoder queued
     std::atomic<int64_t> m_seekFrame{0};
-
-    // The published anchor: odd sequence while it is written.
-    std::atomic<uint32_t> m_anchorSequence{0};
-    std::atomic<uint32_t> m_anchorSerial{0};
-    std::atomic<double> m_anchorStart{0}, m_anchorEnd{0}, m_anchorHeardAt{0}, m_anchorRate{1};
-    std::atomic<bool> m_anchorEnded{false}, m_anchorValid{false};
+    std::atomic<double> m_seekSeconds{0};
+    LatestValue<HeardClock> m_heard;  // what the last buffer played
 
     // Real-time thread only: two frames around the read position m_index + m_phase.
     uint32_t m_rtSerial = 0;
+    double m_rtFloor = 0;
     int m_rtChunk = -1;
     int m_rtOffset = 0;
     int64_t m_index = 0;
@@ -105,7 +92,6 @@ private:
     bool m_ended = false;
 
     // Interface thread only.
-    double m_seekSeconds = 0;
     double m_lastPosition = 0;
     uint32_t m_lastSerial = 0;
 };

@@ -227,9 +227,9 @@ void PortAudioDevice::RenderBuffer(const float* input, float* output, int frames
         const size_t got = m_inputRing.Read(m_ringInput.data(), size_t(frames) * 2);
         std::fill(m_ringInput.begin() + std::ptrdiff_t(got), m_ringInput.begin() + std::ptrdiff_t(frames) * 2, 0.0f);
         timing.input = m_ringInput.data();
-        const double blockAt = m_ringBlockAt.load();
-        const auto framesAfterBlock = double(std::ptrdiff_t(first) - std::ptrdiff_t(m_ringBlockStart.load())) / 2;
-        timing.capturedAt = blockAt + framesAfterBlock / m_sampleRate;
+        const CaptureBlock block = m_ringBlock.Read().value_or(CaptureBlock{});
+        const auto framesAfterBlock = double(std::ptrdiff_t(first) - std::ptrdiff_t(block.start)) / 2;
+        timing.capturedAt = block.at + framesAfterBlock / m_sampleRate;
     }
     m_renderer->Render(output, frames, timing);
 }
@@ -239,8 +239,7 @@ void PortAudioDevice::TakeInputBuffer(const float* input, int frames, double str
     if (!input)
         return;
     const int n = Widen(input, frames);
-    m_ringBlockAt.store(CapturedAt(SteadySeconds(), streamNow, adcTime, frames));
-    m_ringBlockStart.store(m_inputRing.TotalWritten());
+    m_ringBlock.Publish({m_inputRing.TotalWritten(), CapturedAt(SteadySeconds(), streamNow, adcTime, frames)});
     m_inputRing.Write(m_inputStereo.data(), size_t(n) * 2);
 }
 

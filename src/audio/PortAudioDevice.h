@@ -6,9 +6,9 @@
 
 #include "audio/AudioDevice.h"
 #include "audio/DacClock.h"
+#include "audio/LatestValue.h"
 #include "audio/SampleRing.h"
 
-#include <atomic>
 #include <memory>
 #include <vector>
 
@@ -73,6 +73,9 @@ private:
     // Separate streams only: the input's frames, and where the ring's newest block was captured.
     SampleRing m_inputRing{1 << 16};
     std::vector<float> m_ringInput;
-    std::atomic<size_t> m_ringBlockStart{0};
-    std::atomic<double> m_ringBlockAt{0};
+    struct CaptureBlock {
+        size_t start = 0;  // the ring's count of samples written before the block
+        double at = 0;     // steady-clock seconds its first frame was sung
+    };
+    LatestValue<CaptureBlock> m_ringBlock;
 };

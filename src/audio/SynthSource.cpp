@@ -165,34 +165,20 @@ double SynthSource::TickAt(double now) const
 {
     if (const int64_t pending = m_pendingSeek.load(std::memory_order_relaxed); pending >= 0)
         return double(pending);
-    for (;;) {
-        const uint32_t before = m_sequence.load(std::memory_order_acquire);
-        if (before & 1u)
-            continue;
-        const double floor = m_anchorFloor.load(std::memory_order_relaxed);
-        const double start = m_anchorStart.load(std::memory_order_relaxed);
-        const double end = m_anchorEnd.load(std::memory_order_relaxed);
-        const double heardAt = m_anchorHeardAt.load(std::memory_order_relaxed);
-        const double rate = m_anchorTicksPerSecond.load(std::memory_order_relaxed);
-        std::atomic_thread_fence(std::memory_order_acquire);
-        if (m_sequence.load(std::memory_order_relaxed) != before)
-            continue;
-        return std::clamp(start + (now - heardAt) * rate, std::min(floor, start), end);
-    }
+    const auto heard = m_heard.Read();
+    return heard ? heard->PositionAt(now) : 0.0;
 }
 
 void SynthSource::Publish(double floorTick, double startTick, double endTick, double heardAt,
                           double ticksPerSecond) noexcept
 {
-    const uint32_t sequence = m_sequence.load(std::memory_order_relaxed);
-    m_sequence.store(sequence + 1, std::memory_order_relaxed);
-    std::atomic_thread_fence(std::memory_order_release);
-    m_anchorFloor.store(floorTick, std::memory_order_relaxed);
-    m_anchorStart.store(startTick, std::memory_order_relaxed);
-    m_anchorEnd.store(endTick, std::memory_order_relaxed);
-    m_anchorHeardAt.store(heardAt, std::memory_order_relaxed);
-    m_anchorTicksPerSecond.store(ticksPerSecond, std::memory_order_relaxed);
-    m_sequence.store(sequence + 2, std::memory_order_release);
+    HeardClock heard;
+    heard.floor = std::min(floorTick, startTick);
+    heard.start = startTick;
+    heard.end = endTick;
+    heard.heardAt = heardAt;
+    heard.rate = ticksPerSecond;
+    m_heard.Publish(heard);
 }
 
 double SynthSource::TicksPerFrame() const noexcept

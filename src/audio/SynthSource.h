@@ -6,6 +6,8 @@
 // thread-safe API, and no FluidSynth audio driver or file player exists).
 
 #include "audio/AudioSource.h"
+#include "audio/HeardClock.h"
+#include "audio/LatestValue.h"
 #include "audio/SpscQueue.h"
 
 #include <array>
@@ -114,12 +116,7 @@ private:
     std::atomic<int64_t> m_pendingSeek{-1};  // a seek the callback has not played from yet
     std::atomic<bool> m_running{false};
     std::atomic<bool> m_ended{false};
-    // What the last buffer played, published under a sequence count. Until that buffer is heard,
-    // the earlier ones play: the heard tick is found backwards from it, down to where they began.
-    std::atomic<uint32_t> m_sequence{0};
-    std::atomic<double> m_anchorFloor{0};
-    std::atomic<double> m_anchorStart{0};
-    std::atomic<double> m_anchorEnd{0};
-    std::atomic<double> m_anchorHeardAt{0};
-    std::atomic<double> m_anchorTicksPerSecond{0};
+    // What the last buffer played. Until that buffer is heard, the earlier ones play: the heard
+    // tick is found backwards from it, down to where they began.
+    LatestValue<HeardClock> m_heard;
 };

@@ -48,6 +48,42 @@ TEST(PlayerWindow, ClosingAsksTheApplicationInsteadOfClosing)
     EXPECT_TRUE(player.isVisible()) << "the orderly way out hides it, after saving";
 }
 
+namespace {
+
+struct PaintCounter : QObject {
+    int paints = 0;
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        paints += event->type() == QEvent::Paint ? 1 : 0;
+        return false;
+    }
+};
+
+} // namespace
+
+TEST(PlayerWindow, APlayingSongRepaintsTheWindowOnlyWhenItsTimeOrKnobMoves)
+{
+    CoreState state;
+    state.Language.LoadTable(false);
+    MemoryStore store;
+    Docking docking;
+    PlayerWindow player(state, store, docking);
+    player.ApplySkin();
+    player.Show();
+    QTest::qWait(50);
+    PaintCounter counter;
+    player.installEventFilter(&counter);
+    // Two seconds of a four-minute song, ticked every 10 ms as the player ticks.
+    for (int tick = 0; tick < 200; ++tick) {
+        const double seconds = 61.0 + tick * 0.01;
+        player.SetTimeText(QStringLiteral("01:%1").arg(int(seconds) - 60, 2, 10, QChar(u'0')));
+        player.SetProgress(seconds / 240.0);
+        QCoreApplication::processEvents();
+    }
+    EXPECT_GE(counter.paints, 2) << "the time turned over twice";
+    EXPECT_LE(counter.paints, 20) << "a hundred ticks a second ask for no hundred paints";
+}
+
 TEST(PlayerTransport, CommandLinePaths)
 {
     QTemporaryDir dir;

@@ -337,6 +337,9 @@ void PlayerWindow::MoveTo(QPoint topLeft) { move(topLeft); }
 
 void PlayerWindow::SetTimeText(const QString& text)
 {
+    // The ticks set the time a hundred times a second; its text changes once a second.
+    if (text == m_time)
+        return;
     m_time = text;
     update(m_skin.Element(QStringLiteral("display")));
 }
@@ -345,8 +348,15 @@ void PlayerWindow::SetProgress(double fraction)
 {
     if (m_drag == Drag::Progress)
         return;
+    // The knob is drawn to a quarter of a device pixel: a smaller move shows nothing.
+    const QRect well = m_skin.Element(QStringLiteral("progress"));
+    auto drawnAt = [&](double value) {
+        return std::lround(well.width() * std::clamp(value, 0.0, 1.0) * devicePixelRatioF() * 4);
+    };
+    const bool moved = drawnAt(fraction) != drawnAt(m_progress);
     m_progress = fraction;
-    update(m_skin.Element(QStringLiteral("progress")).adjusted(-6, -6, 6, 6));
+    if (moved)
+        update(well.adjusted(-6, -6, 6, 6));
 }
 
 void PlayerWindow::SetVolumeSlider(double value)
