@@ -12,14 +12,29 @@
 #include <QTest>
 #include <gtest/gtest.h>
 
-TEST(PlayerWindow, UnloadSavesItsPositionInTwipsWithTheWindowFlags)
-{
+namespace {
+
+// The main window with its skin, over the settings of a first run.
+struct SkinnedPlayer {
     CoreState state;
-    state.Language.LoadTable(false);
     MemoryStore store;
     Docking docking;
-    PlayerWindow player(state, store, docking);
-    player.ApplySkin();
+    PlayerWindow player{state, store, docking};
+    SkinnedPlayer()
+    {
+        state.Language.LoadTable(false);
+        player.ApplySkin();
+    }
+};
+
+} // namespace
+
+TEST(PlayerWindow, UnloadSavesItsPositionInTwipsWithTheWindowFlags)
+{
+    SkinnedPlayer window;
+    PlayerWindow& player = window.player;
+    CoreState& state = window.state;
+    MemoryStore& store = window.store;
     player.MoveTo(QPoint(100, 40));
     state.PlaylistOpen = true;
     state.ControlsOpen = false;
@@ -63,12 +78,8 @@ struct PaintCounter : QObject {
 
 TEST(PlayerWindow, APlayingSongRepaintsTheWindowOnlyWhenItsTimeOrKnobMoves)
 {
-    CoreState state;
-    state.Language.LoadTable(false);
-    MemoryStore store;
-    Docking docking;
-    PlayerWindow player(state, store, docking);
-    player.ApplySkin();
+    SkinnedPlayer window;
+    PlayerWindow& player = window.player;
     player.Show();
     QTest::qWait(50);
     PaintCounter counter;
