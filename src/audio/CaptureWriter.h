@@ -30,7 +30,6 @@ public:
     bool Finish();
     bool Running() const { return m_thread.joinable(); }
     // Bytes of samples written so far (writer thread's count).
-    qint64 DataBytes() const { return m_dataBytes.load(); }
 
 private:
     void WriteLoop();

@@ -44,12 +44,12 @@ bool ImportLyrics(LyricsState& lyrics, MidiFigures& figures, MP3Class* current, 
         const auto block = ImportBlockText(song, begin, polish);
         return block && getMyLyrics(lyrics, *block);
     }
-    if (file.LyricsExist() && ImportTagLyrics(lyrics, current))
+    if (file.LyricsExist() && ImportSongTagLyrics(lyrics, current))
         return true;
     return ImportMidiLyrics(lyrics, figures, fileName, polish);
 }
 
-bool ImportTagLyrics(LyricsState& lyrics, MP3Class* current)
+bool ImportSongTagLyrics(LyricsState& lyrics, MP3Class* current)
 {
     if (!current)
         return false;
@@ -67,7 +67,7 @@ bool ImportMidiLyrics(LyricsState& lyrics, MidiFigures& figures, const QString& 
     const QByteArray bytes = ReadWholeFile(fileName);
     const auto parsed = ParseMidiFile(bytes);
     const MidiSongMeasure measure = parsed ? MeasureMidiSong(*parsed) : MidiSongMeasure{};
-    figures.MidiSegmentLength = measure.Quarters * 768;
+    figures.MidiSegmentLength = measure.Quarters * kMusicTimePerQuarter;
     QString title, artist;
     ReadMidiTitle(bytes, polish, title, artist);
 

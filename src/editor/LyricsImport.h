@@ -13,7 +13,7 @@ bool ImportLyrics(LyricsState& lyrics, MidiFigures& figures, MP3Class* current, 
                   bool polish);
 
 // The current song's lyrics tag, one whole-line syllable per timed line, into EditLyrics.
-bool ImportTagLyrics(LyricsState& lyrics, MP3Class* current);
+bool ImportSongTagLyrics(LyricsState& lyrics, MP3Class* current);
 
 // The MIDI words of the file, finished, into EditLyrics with the file's "@T" title and artist;
 // false for fewer than nine syllables.

@@ -275,7 +275,7 @@ WordsOrigin ReadMidiWords(const QByteArray& file, MidiFigures& figures, double s
 
 double StoreSongLength(const MidiSongMeasure& measure, MidiFigures& figures)
 {
-    figures.MidiSegmentLength = measure.Quarters * 768;
+    figures.MidiSegmentLength = measure.Quarters * kMusicTimePerQuarter;
     figures.MidiDuration = measure.Seconds();
     figures.BeatsPerMeasure = measure.BeatsPerMeasure;
     figures.Beat = measure.Beat;

@@ -125,8 +125,8 @@ std::optional<MidiFile> ParseMidiFile(const QByteArray& bytes)
 MidiSongMeasure MeasureMidiSong(const MidiFile& file)
 {
     // The time signature is read where the old synthesiser asked for it: 2000 units of its music
-    // time, 768 to the quarter, into the song.
-    const double signatureTick = 2000.0 / 768 * file.Division;
+    // time into the song.
+    const double signatureTick = 2000.0 / kMusicTimePerQuarter * file.Division;
     MidiSongMeasure measure;
     uint64_t lastTick = 0;
     const MidiEvent* firstTempo = nullptr;

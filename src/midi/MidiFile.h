@@ -32,6 +32,9 @@ uint32_t BigEndianAt(const QByteArray& bytes, qint64 at, int count);
 // Nothing when the bytes do not start as a MIDI file or use frame-based timing.
 std::optional<MidiFile> ParseMidiFile(const QByteArray& bytes);
 
+// The old synthesiser's music time: 768 units to the quarter note, whatever the file's division.
+inline constexpr int kMusicTimePerQuarter = 768;
+
 // The figures a synthesiser announces for a song: its length in quarter notes (the last event
 // of any track), the tempo at its start (the first tempo event, 120 when there is none) and the
 // time signature a little way in (4/4 when there is none).

@@ -11,9 +11,7 @@
 
 namespace {
 
-// DirectMusic's music time has 768 units to the quarter note; a pause at the very end goes 10
-// of them back, so Play has something left to play.
-constexpr double kMusicTimePerQuarter = 768;
+// A pause at the very end goes 10 units of music time back, so Play has something left to play.
 constexpr double kEndBackOff = 10;
 
 } // namespace

@@ -106,11 +106,6 @@ int ReopenedVolume(double sliderValue, bool muted)
     return muted ? -10000 : int(std::lround(sliderValue * 7000 - 7000));
 }
 
-QString ShortPath(const QString& path)
-{
-    return path;
-}
-
 double MediaSession::SecondsBuffered() const
 {
     return m_source ? m_source->SecondsBuffered() : 0;

@@ -46,5 +46,3 @@ private:
 int16_t VolumeOfSlider(double value);
 // The level a song gets back after it was re-opened around a file rewrite.
 int ReopenedVolume(double sliderValue, bool muted);
-// The path the media session opens; no short names exist here.
-QString ShortPath(const QString& path);

@@ -65,7 +65,7 @@ std::unique_ptr<SongSession> PlayerTransport::RenderedSession(const QString& pat
     if (!session)
         return nullptr;
     session->put_Rate(m_state.PlaybackRate);
-    if (!session->RenderFile(ShortPath(path))) {
+    if (!session->RenderFile(path)) {
         failed = true;
         m_unavailableKind = session->KindUnavailable() ? session->ErrorText() : QString();
         return nullptr;
@@ -235,7 +235,7 @@ QString PlayerTransport::SelectedPath() const
 void PlayerTransport::ReopenAround(const QString& path, const std::function<void()>& rewrite)
 {
     SongSession* session = m_state.Session.get();
-    if (!session || ShortPath(path) != ShortPath(m_state.CurrentFile)) {
+    if (!session || path != m_state.CurrentFile) {
         rewrite();
         return;
     }

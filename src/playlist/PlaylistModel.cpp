@@ -16,12 +16,6 @@ void PlaylistModel::AddItem(const PlaylistRow& row)
     m_rows.push_back({row, false, false});
 }
 
-void PlaylistModel::RemoveItem(int index)
-{
-    if (index >= 0 && index < ListCount())
-        m_rows.erase(m_rows.begin() + index);
-}
-
 void PlaylistModel::Clear()
 {
     m_rows.clear();

@@ -16,7 +16,6 @@ public:
     void AddItem(const PlaylistRow& row);
     void SetItemPath(int index, const QString& path) { m_rows[size_t(index)].row.ItemPath = path; }
     void SetItemText(int index, const QString& text) { m_rows[size_t(index)].row.ItemString = text; }
-    void RemoveItem(int index);
     void Clear();
 
     bool Selected(int index) const { return m_rows[size_t(index)].selected; }

@@ -30,7 +30,6 @@ public:
     void InitializeMixer(int device);
     int getRecordLine() const { return 0; }
 
-    static constexpr int VolumeMin() { return 0; }
     static constexpr int VolumeMax() { return 65535; }
 
     int VolumeLevel() const;

@@ -40,13 +40,6 @@ void Equalizer::setTreble(int value)
     ApplyTone();
 }
 
-void Equalizer::ResetAll()
-{
-    m_bass = kKnobCentre;
-    m_treble = kKnobCentre;
-    ApplyTone();
-}
-
 void Equalizer::ApplyTone()
 {
     Mixer().setVolumeLevelBass(ToneLevelOfKnob(m_bass));

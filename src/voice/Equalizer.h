@@ -21,7 +21,6 @@ public:
     void setBass(int value);
     int Treble() const { return m_treble; }
     void setTreble(int value);
-    void ResetAll();
 
     // 1: the microphone is heard (the monitor on); anything else silences it.
     void SwitchLineOut(int flag);

@@ -48,7 +48,6 @@ TEST(Mixer, LevelsAndMutesLandOnTheEnginesLinesAndComeBack)
     EXPECT_EQ(engine.MasterBalance(), -602);
     EXPECT_NEAR(mixer.VolumeLevelPan(), 16384, 8);
 
-    EXPECT_EQ(mixer.getRecordLine(), 0);
     EXPECT_LE(EnumMixer().size(), clsVolume::kMixerNames);
     clsVolume none(nullptr);
     none.setVolumeLevel(0);

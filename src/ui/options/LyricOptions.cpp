@@ -4,7 +4,7 @@
 #include "core/Colors.h"
 #include "core/SettingsStore.h"
 #include "karaoke/Transitions.h"
-#include "playback/LatencyTest.h"
+#include "playback/LatencyClicks.h"
 #include "playback/PlayerState.h"
 #include "ui/editor/EditorDialogs.h"
 #include "ui/kit/Pickers.h"
@@ -607,7 +607,7 @@ void LyricOptions::ToggleLatencyTest()
         StopLatencyTest();
         return;
     }
-    m_latency = std::make_unique<LatencyTest>(*m_state.Engine);
+    m_latency = std::make_unique<LatencyClicks>(*m_state.Engine);
     QString error;
     if (!m_latency->Start(error)) {
         StopLatencyTest();

@@ -13,7 +13,7 @@
 
 struct PlayerState;
 class EditorDialogs;
-class LatencyTest;
+class LatencyClicks;
 class QTabWidget;
 class QTimer;
 class SettingsStore;
@@ -59,7 +59,7 @@ private:
     // Each control's way to show the settings again after Cancel or a reset.
     std::vector<std::function<void()>> m_fillers;
     bool m_filling = false;
-    std::unique_ptr<LatencyTest> m_latency;
+    std::unique_ptr<LatencyClicks> m_latency;
     QTimer* m_lampTimer;
     class Lamp* m_lamp = nullptr;
 };

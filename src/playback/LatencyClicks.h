@@ -13,15 +13,15 @@ class FileSource;
 // a second of a beat.
 bool BeatLit(double heardSeconds, double offsetSeconds);
 
-class LatencyTest final {
+class LatencyClicks final {
 public:
     static constexpr double kBeatSeconds = 0.5;
     static constexpr double kLitSeconds = 0.1;
 
-    explicit LatencyTest(AudioEngine& engine);
-    ~LatencyTest();
-    LatencyTest(const LatencyTest&) = delete;
-    LatencyTest& operator=(const LatencyTest&) = delete;
+    explicit LatencyClicks(AudioEngine& engine);
+    ~LatencyClicks();
+    LatencyClicks(const LatencyClicks&) = delete;
+    LatencyClicks& operator=(const LatencyClicks&) = delete;
 
     // Makes the clicks and plays them; false with a message when they cannot play.
     bool Start(QString& error);

@@ -1,4 +1,4 @@
-#include "playback/LatencyTest.h"
+#include "playback/LatencyClicks.h"
 
 #include "audio/AudioEngine.h"
 #include "audio/FileSource.h"
@@ -21,7 +21,7 @@ constexpr double kClickHz = 1760;
 std::vector<float> Clicks()
 {
     const auto frames = size_t(kLengthSeconds * kClickRate);
-    const auto beat = size_t(LatencyTest::kBeatSeconds * kClickRate);
+    const auto beat = size_t(LatencyClicks::kBeatSeconds * kClickRate);
     const auto click = size_t(kClickSeconds * kClickRate);
     std::vector<float> samples(frames * 2, 0.0f);
     for (size_t start = 0; start + click < frames; start += beat)
@@ -40,12 +40,12 @@ bool BeatLit(double heardSeconds, double offsetSeconds)
     const double clock = heardSeconds - offsetSeconds;
     if (clock < 0)
         return false;
-    return std::fmod(clock, LatencyTest::kBeatSeconds) < LatencyTest::kLitSeconds;
+    return std::fmod(clock, LatencyClicks::kBeatSeconds) < LatencyClicks::kLitSeconds;
 }
 
-LatencyTest::LatencyTest(AudioEngine& engine) : m_engine(engine) {}
+LatencyClicks::LatencyClicks(AudioEngine& engine) : m_engine(engine) {}
 
-LatencyTest::~LatencyTest()
+LatencyClicks::~LatencyClicks()
 {
     if (m_source)
         m_engine.RemoveSource(m_source.get());
@@ -53,7 +53,7 @@ LatencyTest::~LatencyTest()
         QFile::remove(m_file);
 }
 
-bool LatencyTest::Start(QString& error)
+bool LatencyClicks::Start(QString& error)
 {
     m_file = GetTempFolder() + QStringLiteral("SWVLatencyTest.wav");
     if (!WriteStereoWav(m_file, Clicks(), kClickRate)) {
@@ -71,7 +71,7 @@ bool LatencyTest::Start(QString& error)
     return true;
 }
 
-bool LatencyTest::Lit(double offsetSeconds) const
+bool LatencyClicks::Lit(double offsetSeconds) const
 {
     return m_source && BeatLit(m_source->Position(m_engine.Now()), offsetSeconds);
 }

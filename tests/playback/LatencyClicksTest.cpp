@@ -1,7 +1,7 @@
 // The preferences' latency test: clicks on the beats through the engine, and a light that the
 // time offset moves against them.
 
-#include "playback/LatencyTest.h"
+#include "playback/LatencyClicks.h"
 
 #include "audio/AudioEngine.h"
 #include "audio/ManualDevice.h"
@@ -10,7 +10,7 @@
 #include <cmath>
 #include <gtest/gtest.h>
 
-TEST(LatencyTest, TheLightFollowsTheLyricsClock)
+TEST(LatencyClicks, TheLightFollowsTheLyricsClock)
 {
     EXPECT_TRUE(BeatLit(0.0, 0));
     EXPECT_TRUE(BeatLit(0.55, 0));
@@ -21,14 +21,14 @@ TEST(LatencyTest, TheLightFollowsTheLyricsClock)
     EXPECT_FALSE(BeatLit(0.1, 0.2)) << "nothing before the clock starts";
 }
 
-TEST(LatencyTest, ClicksSoundOnTheBeatsAndTheLightWithThem)
+TEST(LatencyClicks, ClicksSoundOnTheBeatsAndTheLightWithThem)
 {
     constexpr int kRate = 48000;
     auto* device = new ManualDevice(kRate);
     AudioEngine engine{std::unique_ptr<AudioDevice>(device)};
     ASSERT_TRUE(engine.Start());
     {
-        LatencyTest test(engine);
+        LatencyClicks test(engine);
         QString error;
         ASSERT_TRUE(test.Start(error)) << error.toStdString();
         QThread::msleep(300);  // the decoder runs ahead
