@@ -12,6 +12,7 @@
 #include "midi/MidiRender.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
@@ -304,6 +305,29 @@ void ManualClock(const QString& song)
                 buffers, worst);
 }
 
+// Opening a MIDI song as the player does, one after another: with the synthesiser kept from the
+// song before, and with a new one (and its SoundFont loaded again) for each.
+void SongOpening(const QString& song)
+{
+    auto manual = std::make_unique<ManualDevice>(kRate);
+    AudioEngine engine(std::move(manual));
+    engine.Start();
+    MidiFigures figures;
+    SynthKeeper keeper;
+    for (SynthKeeper* kept : {&keeper, static_cast<SynthKeeper*>(nullptr)}) {
+        std::vector<double> ms;
+        for (int i = 0; i < 5; ++i) {
+            QElapsedTimer timer;
+            timer.start();
+            MidiPlayer player(engine, figures, {}, kept);
+            player.RenderFile(song);
+            ms.push_back(double(timer.nsecsElapsed()) / 1e6);
+        }
+        std::printf("opening a MIDI song, %s: first %.1f ms, then %.1f %.1f %.1f %.1f ms\n",
+                    kept ? "the synthesiser kept" : "a new synthesiser each time", ms[0], ms[1], ms[2], ms[3], ms[4]);
+    }
+}
+
 } // namespace
 
 int main()
@@ -321,6 +345,7 @@ int main()
                                   ? qEnvironmentVariableIntValue("BENCH_CLOCK_SECONDS")
                                   : 20;
 
+    SongOpening(twinkle);
     RenderSpeed("twinkle", twinkle, folder);
     RenderSpeed("rowboat", demo + "rowboat.kar", folder);
     RenderSpeed("dense", dense, folder);

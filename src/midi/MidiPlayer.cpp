@@ -38,15 +38,39 @@ SynthSong SynthSongOf(const MidiFile& file)
     return song;
 }
 
-MidiPlayer::MidiPlayer(AudioEngine& engine, MidiFigures& figures, std::string soundFont)
-    : m_engine(engine), m_figures(figures), m_soundFont(std::move(soundFont))
+std::shared_ptr<SynthSource> SynthKeeper::Take(const std::string& soundFont, int sampleRate, std::string& error)
+{
+    if (m_synth && m_soundFont == soundFont && m_sampleRate == sampleRate)
+        return std::exchange(m_synth, nullptr);
+    m_synth.reset();
+    return SynthSource::Create(soundFont, sampleRate, error);
+}
+
+void SynthKeeper::Keep(std::shared_ptr<SynthSource> synth, const std::string& soundFont, int sampleRate)
+{
+    m_synth = std::move(synth);
+    m_soundFont = soundFont;
+    m_sampleRate = sampleRate;
+}
+
+MidiPlayer::MidiPlayer(AudioEngine& engine, MidiFigures& figures, std::string soundFont, SynthKeeper* keeper)
+    : m_engine(engine), m_figures(figures), m_soundFont(std::move(soundFont)), m_keeper(keeper)
 {
 }
 
 MidiPlayer::~MidiPlayer()
 {
-    if (m_synth)
-        m_engine.RemoveSource(m_synth.get());
+    ReleaseSynth();
+}
+
+void MidiPlayer::ReleaseSynth()
+{
+    if (!m_synth)
+        return;
+    m_engine.RemoveSource(m_synth.get());
+    if (m_keeper)
+        m_keeper->Keep(std::move(m_synth), m_soundFont, m_engine.SampleRate());
+    m_synth.reset();
 }
 
 bool MidiPlayer::RenderFile(const QString& path)
@@ -56,8 +80,10 @@ bool MidiPlayer::RenderFile(const QString& path)
         m_error = QStringLiteral("not a MIDI file");
         return false;
     }
+    ReleaseSynth();
     std::string error;
-    m_synth = SynthSource::Create(m_soundFont, m_engine.SampleRate(), error);
+    m_synth = m_keeper ? m_keeper->Take(m_soundFont, m_engine.SampleRate(), error)
+                       : SynthSource::Create(m_soundFont, m_engine.SampleRate(), error);
     if (!m_synth) {
         m_error = QStringLiteral("MIDI songs cannot be played: %1.").arg(QString::fromStdString(error));
         m_noSynth = true;

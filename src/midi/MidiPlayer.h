@@ -12,10 +12,27 @@
 class AudioEngine;
 class SynthSource;
 
+// The synthesiser of the last MIDI song, kept with its SoundFont for the next one: loading a
+// SoundFont takes tens of milliseconds for the default one and about a second for a large one.
+class SynthKeeper {
+public:
+    // A synthesiser with that SoundFont (empty: the default) at that rate: the kept one when it
+    // has them, else a new one; nullptr and a message when the SoundFont cannot be loaded.
+    std::shared_ptr<SynthSource> Take(const std::string& soundFont, int sampleRate, std::string& error);
+    // A synthesiser no engine holds any more.
+    void Keep(std::shared_ptr<SynthSource> synth, const std::string& soundFont, int sampleRate);
+
+private:
+    std::shared_ptr<SynthSource> m_synth;
+    std::string m_soundFont;
+    int m_sampleRate = 0;
+};
+
 class MidiPlayer final : public SongSession {
 public:
-    // `figures` outlive the player: the next song keeps what this one leaves where it has none.
-    MidiPlayer(AudioEngine& engine, MidiFigures& figures, std::string soundFont = {});
+    // `figures` outlive the player: the next song keeps what this one leaves where it has none;
+    // so does `keeper`, when there is one, with the synthesiser.
+    MidiPlayer(AudioEngine& engine, MidiFigures& figures, std::string soundFont = {}, SynthKeeper* keeper = nullptr);
     ~MidiPlayer() override;
 
     // OpenMusic: measures the song, reads its figures and channels, and loads it, stopped at 0.
@@ -59,12 +76,15 @@ public:
     bool SongLoaded() const { return m_synth != nullptr; }
 
 private:
+    // The song's synthesiser leaves the engine, for the keeper when there is one.
+    void ReleaseSynth();
     uint64_t EndTick() const;
     void SendSongPan();
 
     AudioEngine& m_engine;
     MidiFigures& m_figures;
     std::string m_soundFont;
+    SynthKeeper* m_keeper;
     std::shared_ptr<SynthSource> m_synth;
     QString m_error;
     bool m_noSynth = false;

@@ -7,6 +7,7 @@
 #include "core/CoreState.h"
 #include "lyrics/LyricsData.h"
 #include "midi/MidiBytes.h"
+#include "midi/MidiPlayer.h"
 #include "tags/MP3Class.h"
 
 #include <QString>
@@ -18,6 +19,7 @@ struct PlayerState : CoreState {
     QString EditorFile;
     bool IsMidi = false;
     std::unique_ptr<AudioEngine> Engine;         // the one output stream; outlives every session
+    SynthKeeper MidiSynths;                      // the last MIDI song's synthesiser, for the next
     std::unique_ptr<SongSession> Session;        // what plays the song; null when none plays
     std::unique_ptr<SongSession> VoiceControl;   // the recorded voice; null when none plays
     std::unique_ptr<MP3Class> CurrentInfo;       // what was read of the current song

@@ -26,7 +26,8 @@ std::unique_ptr<SongSession> BuiltInSessions(PlayerState& state)
 {
     if (state.IsMidi) {
         const QString soundFont = state.Theme ? state.Theme->SoundFont : QString();
-        return std::make_unique<MidiPlayer>(*state.Engine, state.Midi, QFile::encodeName(soundFont).toStdString());
+        return std::make_unique<MidiPlayer>(*state.Engine, state.Midi, QFile::encodeName(soundFont).toStdString(),
+                                            &state.MidiSynths);
     }
     return std::make_unique<MediaSession>(*state.Engine);
 }

@@ -1,6 +1,7 @@
 // Loading songs: what OpenSong does with good, missing and unplayable files, the command line,
 // and the Next and Previous walks over the playlist.
 
+#include "audio/SynthSource.h"
 #include "lyrics/LyricsBlock.h"
 #include "playback/PlayerState.h"
 #include "playback/PlayerTransport.h"
@@ -8,6 +9,7 @@
 #include "support/PlayerSetup.h"
 
 #include <QTemporaryDir>
+#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace {
@@ -204,4 +206,32 @@ TEST_F(SongLoading, AMissingSoundFontIsNamedOnceAndMidiSongsAreThenRefused)
 
     transport.OpenSong(Wav("audio.wav"), true);
     EXPECT_NE(state.Session, nullptr) << "audio songs play on";
+}
+
+TEST_F(SongLoading, TwoMidiSongsInARowShareOneSynthesiserAndTheSecondPlaysFromItsStart)
+{
+    const QString first = CopyFixture(MediaFixture("song.kar"), dir.path());
+    const QString second = CopyFixture(SourcePath("resources/demo/twinkle.kar"), dir.path());
+    list.paths = {first, second};
+    state.PlayingIndex = 0;
+    ASSERT_TRUE(transport.OpenSong(first, false));
+    device->Step(24000);
+    ASSERT_TRUE(transport.OpenSong(second, false));
+    EXPECT_NEAR(state.Session->get_CurrentPosition(), 0.0, 0.002);
+    const std::vector<float>& sound = device->Step(48000);
+    EXPECT_NEAR(state.Session->get_CurrentPosition(), 1.0, 0.002) << "the kept synthesiser plays the new song";
+    EXPECT_TRUE(std::any_of(sound.begin(), sound.end(), [](float s) { return s != 0.0f; }));
+
+    std::string error;
+    SynthKeeper keeper;
+    const auto made = keeper.Take({}, 48000, error);
+    ASSERT_TRUE(made) << error;
+    const SynthSource* kept = made.get();
+    keeper.Keep(made, {}, 48000);
+    const auto again = keeper.Take({}, 48000, error);
+    EXPECT_EQ(again.get(), kept) << "the same SoundFont at the same rate is not loaded again";
+    keeper.Keep(again, {}, 48000);
+    const auto otherRate = keeper.Take({}, 44100, error);
+    ASSERT_TRUE(otherRate) << error;
+    EXPECT_NE(otherRate.get(), kept);
 }
