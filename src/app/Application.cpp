@@ -49,6 +49,10 @@ bool Application::Main(const QString& commandLine)
     if (!LoadPlayer())
         return false;
     FormShow();
+    if (!m_closing)
+        m_registration = std::async(std::launch::async, [program = m_platform.programPath, shell = m_platform.shell] {
+            RegisterFileType(QStringLiteral(".lrs"), QStringLiteral("lyrics file"), program, shell);
+        });
     return true;
 }
 
@@ -66,7 +70,6 @@ bool Application::LoadPlayer()
     m_state.SkinName = QStringLiteral("Default");
     player.ApplySkin();
     RestoreWindowPositions();
-    RegisterFileType(QStringLiteral(".lrs"), QStringLiteral("lyrics file"), m_platform.programPath, m_platform.shell);
     player.BuildMenus();
     ResetLyricsData(m_state.Lyrics);
     player.SetTimeText(QStringLiteral("00:00"));

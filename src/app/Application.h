@@ -7,6 +7,7 @@
 
 #include <QString>
 #include <functional>
+#include <future>
 
 struct AppState;
 class FormProvider;
@@ -54,4 +55,7 @@ private:
     MessageBoxes& m_messages;
     SingleInstance& m_instance;
     bool m_closing = false;
+    // The lyrics type's registration, which reads the system's MIME database, runs beside the
+    // first window instead of before it; the program waits for it only on the way out.
+    std::future<void> m_registration;
 };

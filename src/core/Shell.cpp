@@ -23,13 +23,19 @@ bool WriteWhole(const QString& path, const QByteArray& bytes)
 }
 
 // A glob line of a compiled MIME database ("weight:type:glob" or "type:glob") or a
-// <glob pattern="..."/> of a source package names the extension.
-bool MentionsExtension(const QString& content, const QString& extension)
+// <glob pattern="..."/> of a source package in the file names the extension. Read a line at a
+// time: the system's package is megabytes long.
+bool FileMentionsExtension(const QString& path, const QString& extension)
 {
-    const QString glob = QLatin1Char('*') + extension.toLower();
-    for (const QString& line : content.split(u'\n')) {
-        const QString lower = line.trimmed().toLower();
-        if (lower.endsWith(QLatin1Char(':') + glob) || lower.contains(QStringLiteral("pattern=\"") + glob + u'"'))
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    const QByteArray glob = '*' + extension.toLower().toUtf8();
+    const QByteArray globLineEnd = ':' + glob;
+    const QByteArray pattern = "pattern=\"" + glob + '"';
+    while (!file.atEnd()) {
+        const QByteArray line = file.readLine().trimmed().toLower();
+        if (line.endsWith(globLineEnd) || line.contains(pattern))
             return true;
     }
     return false;
@@ -124,11 +130,11 @@ bool ExtensionHasMimeType(const QString& extension, const ShellFolders& folders)
     for (const QString& dir : folders.dataDirs)
         mimeFolders << dir + QStringLiteral("/mime");
     for (const QString& mime : mimeFolders) {
-        if (MentionsExtension(ReadText(mime + QStringLiteral("/globs2")), extension))
+        if (FileMentionsExtension(mime + QStringLiteral("/globs2"), extension))
             return true;
         const QDir packages(mime + QStringLiteral("/packages"));
         for (const QString& name : packages.entryList({QStringLiteral("*.xml")}, QDir::Files))
-            if (MentionsExtension(ReadText(packages.filePath(name)), extension))
+            if (FileMentionsExtension(packages.filePath(name), extension))
                 return true;
     }
     return false;

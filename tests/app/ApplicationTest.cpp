@@ -7,8 +7,10 @@
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QSignalSpy>
 #include <QTemporaryDir>
+#include <QThread>
 #include <QUuid>
 #include <gtest/gtest.h>
 
@@ -257,4 +259,15 @@ TEST_F(StartUp, ATakeLeftByARunKilledInMidTakeIsGoneAtTheNextStart)
     else
         qunsetenv("TMPDIR");
     EXPECT_FALSE(QFile::exists(left));
+}
+
+TEST_F(StartUp, TheLyricsTypeIsRegisteredBesideTheFirstWindowNotBeforeIt)
+{
+    Program p(journal, store, server, data.path());
+    ASSERT_TRUE(p.app.Main(QString()));
+    EXPECT_TRUE(journal.calls.contains(QStringLiteral("Player.Show"))) << "the window is up";
+    const QString package = p.Shell().dataHome + QStringLiteral("/mime/packages/songweaver.xml");
+    for (int i = 0; i < 1000 && !QFileInfo::exists(package); ++i)
+        QThread::msleep(10);
+    EXPECT_TRUE(QFileInfo::exists(package));
 }
