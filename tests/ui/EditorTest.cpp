@@ -84,6 +84,19 @@ protected:
 
 } // namespace
 
+TEST_F(EditorWindow, TheKaraokePageTakesATapAtOnceNotAtTheNextTick)
+{
+    ASSERT_TRUE(transport.OpenSong(song, true));
+    state.KaraokeOpen = true;
+    OpenEditor();
+    Split(QStringLiteral("Amazing grace how sweet"));
+    Play(0.6);
+    windows.lyric.seen.clear();
+    Key(Qt::Key_Space);
+    ASSERT_FALSE(windows.lyric.seen.empty()) << "no tick ran, and the page was asked all the same";
+    EXPECT_DOUBLE_EQ(windows.lyric.seen.back(), Position());
+}
+
 TEST_F(EditorWindow, TypedWordsAreSplitAndTappedInTimeWhileTheSongPlays)
 {
     ASSERT_TRUE(transport.OpenSong(song, true));

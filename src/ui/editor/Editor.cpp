@@ -772,6 +772,8 @@ void Editor::CaptureLine()
     const int next = m_timing.CaptureLine(selected);
     if (next == 0)
         return;
+    // The karaoke page shows the tap now rather than at the next tick.
+    m_transport.Ticks().PlaybackTick();
     const int stamped = selected == 0 ? 1 : selected;
     m_model->RowsChanged(stamped, stamped);
     if (next != stamped) {
