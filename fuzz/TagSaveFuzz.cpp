@@ -27,7 +27,7 @@ qsizetype HeadOf(const QByteArray& file)
 QByteArray KeptById3Save(const QByteArray& file)
 {
     const auto head = FirstId3v2Span(file);
-    const qsizetype tail = file.size() - (HasId3v1(file) ? 128 : 0);
+    const qsizetype tail = file.size() - Id3v1Span(file);
     return head && *head <= tail ? file.mid(*head, tail - *head) : QByteArray();
 }
 

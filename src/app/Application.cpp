@@ -50,10 +50,19 @@ bool Application::Main(const QString& commandLine)
         return false;
     FormShow();
     if (!m_closing)
-        m_registration = std::async(std::launch::async, [program = m_platform.programPath, shell = m_platform.shell] {
-            RegisterFileType(QStringLiteral(".lrs"), QStringLiteral("lyrics file"), program, shell);
-        });
+        StartHousekeeping();
     return true;
+}
+
+void Application::StartHousekeeping()
+{
+    // Only one player runs, and a take being recorded is written to all the time.
+    const QString temp = QDir::tempPath();
+    const QDateTime idleSince = QDateTime::currentDateTime().addSecs(-kTakeIdleSeconds);
+    m_housekeeping = std::async(std::launch::async, [=, program = m_platform.programPath, shell = m_platform.shell] {
+        RemoveLeftTakes(temp, idleSince);
+        RegisterFileType(QStringLiteral(".lrs"), QStringLiteral("lyrics file"), program, shell);
+    });
 }
 
 bool Application::LoadPlayer()
@@ -64,9 +73,6 @@ bool Application::LoadPlayer()
     m_state.PlaybackRate = 1.0f;
     if (anotherInstance)
         return false;
-    // Only one player runs, and a take being recorded is written to all the time.
-    RemoveLeftTakes(QDir::tempPath(), QDateTime::currentDateTime().addSecs(-kTakeIdleSeconds));
-
     m_state.SkinName = QStringLiteral("Default");
     player.ApplySkin();
     RestoreWindowPositions();

@@ -46,6 +46,10 @@ private:
     void FormShow();
     void RestoreWindowPositions();
     void ShowToolWindows();
+    // What start-up need not wait for (the takes a killed run left, the lyrics type's
+    // registration, which reads the system's MIME database) runs beside the first window; the
+    // program waits for it only on the way out.
+    void StartHousekeeping();
 
     AppState& m_state;
     Platform m_platform;
@@ -55,7 +59,5 @@ private:
     MessageBoxes& m_messages;
     SingleInstance& m_instance;
     bool m_closing = false;
-    // The lyrics type's registration, which reads the system's MIME database, runs beside the
-    // first window instead of before it; the program waits for it only on the way out.
-    std::future<void> m_registration;
+    std::future<void> m_housekeeping;
 };

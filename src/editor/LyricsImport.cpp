@@ -22,9 +22,10 @@ std::optional<QString> ImportBlockText(QFile& file, qint64 begin, bool polish)
 {
     static const QByteArray endMark = QByteArrayLiteral("#End Songweaver\r\n");
     const qint64 end = LastIndexOfInFile(file, endMark, file.size());
-    if (end < begin || end + endMark.size() - 2 - begin > kLargestLyricsBlock)
+    const qint64 length = end + endMark.size() - 2 - begin;
+    if (end < begin || length > kLargestLyricsBlock)
         return std::nullopt;
-    const auto bytes = ReadFileRange(file, begin, end + endMark.size() - 2 - begin);
+    const auto bytes = ReadFileRange(file, begin, length);
     if (!bytes)
         return std::nullopt;
     return DecodeText(*bytes, polish);

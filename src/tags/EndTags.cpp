@@ -51,7 +51,7 @@ std::vector<EndTag> FindEndTags(QByteArrayView bytes)
 {
     std::vector<EndTag> tags;
     qsizetype end = bytes.size();
-    if (end >= kId3v1Size && HasAt(bytes, end - kId3v1Size, "TAG")) {
+    if (Id3v1Span(bytes) > 0) {
         tags.push_back({EndTag::Id3v1, end - kId3v1Size, kId3v1Size});
         end -= kId3v1Size;
     }
@@ -105,14 +105,14 @@ void SaveBaseTag(QByteArray& image, const BaseTag& tag)
     image.append(tag.Bytes);
 }
 
-bool HasId3v1(QByteArrayView bytes)
+qsizetype Id3v1Span(QByteArrayView bytes)
 {
-    return HasAt(bytes, bytes.size() - kId3v1Size, "TAG");
+    return HasAt(bytes, bytes.size() - kId3v1Size, "TAG") ? kId3v1Size : 0;
 }
 
 bool ReadId3v1(QByteArrayView bytes, bool polish, Id3v1Fields& fields)
 {
-    if (!HasId3v1(bytes))
+    if (Id3v1Span(bytes) == 0)
         return false;
     const qsizetype at = bytes.size() - kId3v1Size;
     auto text = [&](qsizetype offset, qsizetype length) {
@@ -134,7 +134,7 @@ bool ReadId3v1(QByteArrayView bytes, bool polish, Id3v1Fields& fields)
 
 bool RemoveId3v1(QByteArray& image)
 {
-    if (!HasId3v1(image))
+    if (Id3v1Span(image) == 0)
         return false;
     image.truncate(image.size() - kId3v1Size);
     return true;

@@ -38,8 +38,8 @@ struct Id3v1Fields {
     int16_t Track = 0;
     int16_t Genre = 0;
 };
-// Whether the last 128 bytes are an ID3v1 tag.
-bool HasId3v1(QByteArrayView bytes);
+// Bytes taken by the ID3v1 tag in the last 128 bytes: 128, or 0 when there is none.
+qsizetype Id3v1Span(QByteArrayView bytes);
 // The ID3v1 tag of the last 128 bytes; texts decoded as the user's legacy text is.
 bool ReadId3v1(QByteArrayView bytes, bool polish, Id3v1Fields& fields);
 // Takes off the ID3v1 tag at the end of a file image, if there is one.

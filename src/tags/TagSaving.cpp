@@ -92,7 +92,7 @@ std::optional<KeptRange> Id3Regions(const QString& path)
     const auto head = file.IsOpen() ? FirstId3v2Span(file.View()) : std::nullopt;
     if (!head)
         return std::nullopt;
-    const qint64 tail = file.View().size() - (HasId3v1(file.View()) ? 128 : 0);
+    const qint64 tail = file.View().size() - Id3v1Span(file.View());
     if (*head > tail)
         return std::nullopt;
     return KeptRange{*head, tail};
