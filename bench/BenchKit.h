@@ -14,7 +14,7 @@ public:
     void RegWriteString(const QString&, const QString&) override {}
 };
 
-class FixedClock final : public SongPosition {
+class FixedClock final : public SongClock {
 public:
     bool HasSong() const override { return true; }
     double Position() const override { return now; }

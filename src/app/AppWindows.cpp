@@ -18,18 +18,8 @@
 
 #include <QMessageBox>
 
-bool SessionPosition::HasSong() const
-{
-    return m_state.SongOpen();
-}
-
-double SessionPosition::Position() const
-{
-    return m_state.Session ? m_state.Session->get_CurrentPosition() : 0;
-}
-
 AppWindows::AppWindows(AppState& state, SettingsStore& store)
-    : m_state(state), m_store(store), m_position(state), m_editorDialogs(std::make_unique<WidgetEditorDialogs>())
+    : m_state(state), m_store(store), m_editorDialogs(std::make_unique<WidgetEditorDialogs>())
 {
 }
 
@@ -64,7 +54,7 @@ KaraokeForm* AppWindows::Lyric()
 KaraokeForm& AppWindows::LoadLyric()
 {
     if (!m_lyric) {
-        m_lyric = std::make_unique<LyricWindow>(m_state, m_state.Lyrics, m_store, m_position);
+        m_lyric = std::make_unique<LyricWindow>(m_state, m_state.Lyrics, m_store, m_state.Clock);
         m_lyric->PlayerCommand = [this](const QString& key) {
             if (m_commands)
                 m_commands->MenuCommand(key);

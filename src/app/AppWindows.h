@@ -3,7 +3,6 @@
 // the wiring of their events to the commands and the transport.
 
 #include "core/Forms.h"
-#include "karaoke/KaraokeTimeline.h"
 #include "ui/kit/Docking.h"
 
 #include <functional>
@@ -23,17 +22,6 @@ class Editor;
 class WidgetEditorDialogs;
 class Equalizer;
 class VoiceCommands;
-
-// The song's position as the karaoke window reads it: the session's, whatever plays the song.
-class SessionPosition final : public SongPosition {
-public:
-    explicit SessionPosition(const PlayerState& state) : m_state(state) {}
-    bool HasSong() const override;
-    double Position() const override;
-
-private:
-    const PlayerState& m_state;
-};
 
 class AppWindows final : public FormProvider {
 public:
@@ -71,7 +59,6 @@ private:
     AppState& m_state;
     SettingsStore& m_store;
     Docking m_docking;
-    SessionPosition m_position;
     std::unique_ptr<PlayerWindow> m_player;
     std::unique_ptr<LyricWindow> m_lyric;
     std::unique_ptr<::UserList> m_userList;

@@ -80,7 +80,7 @@ bool ReadOptions(QStringList args, RenderOptions& o)
 }
 
 // The song position the window reads: whatever time the renderer has reached.
-class RenderClock final : public SongPosition {
+class RenderClock final : public SongClock {
 public:
     bool HasSong() const override { return true; }
     double Position() const override { return Now; }

@@ -27,6 +27,8 @@ public:
     // What the listener hears now; it never runs backwards while the song plays.
     virtual double get_CurrentPosition() const = 0;
     virtual void put_CurrentPosition(double seconds) = 0;
+    // How fast song time runs against the listener's time.
+    virtual double get_Rate() const = 0;
     virtual void put_Rate(double rate) = 0;
     virtual void put_Volume(int hundredthsDb) = 0;
     virtual int get_Volume() const = 0;

@@ -10,13 +10,12 @@ constexpr int kMostTicks = 30;
 
 int EditorTiming::CaptureLine(int selected)
 {
-    const std::optional<double> position = m_song.Position();
-    if (!position || m_document.Count() == 0)
+    if (!m_song.HasSong() || m_document.Count() == 0)
         return 0;
     const int row = selected >= 1 && selected <= m_document.Count() ? selected : 1;
-    const double time = *position - kReactionSeconds;
+    const double time = m_song.Position() - kReactionSeconds;
     m_document.SetTime(row, time);
-    if (m_song.IsCurrentSong())
+    if (m_editsSongThatPlays())
         ShowEntryOnDisplay(row);
     if (row == m_document.Count()) {
         m_correct = time;
@@ -36,7 +35,7 @@ void EditorTiming::ShowEntryOnDisplay(int row)
 
 void EditorTiming::ShowOnDisplay()
 {
-    if (m_song.SongOpen())
+    if (m_song.HasSong())
         m_lyrics.PlayLyrics = m_lyrics.EditLyrics;
 }
 

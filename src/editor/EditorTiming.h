@@ -3,26 +3,17 @@
 // moves on to the next, a held key corrects one stamp by growing steps, and what changes shows
 // on the karaoke display at once when the lyrics belong to the song that plays.
 
+#include "core/SongClock.h"
 #include "editor/EditorDocument.h"
 
-#include <optional>
-
-// The song that plays, as the editor's timing sees it.
-class EditorSong {
-public:
-    virtual ~EditorSong() = default;
-    // Seconds into the song that plays; nothing when no song plays.
-    virtual std::optional<double> Position() const = 0;
-    // A song is open: an audio session exists or a MIDI song is loaded.
-    virtual bool SongOpen() const = 0;
-    // The lyrics in the editor are those of the song that plays.
-    virtual bool IsCurrentSong() const = 0;
-};
+#include <functional>
 
 class EditorTiming {
 public:
-    EditorTiming(EditorDocument& document, LyricsState& lyrics, EditorSong& song)
-        : m_document(document), m_lyrics(lyrics), m_song(song)
+    // `editsSongThatPlays`: the lyrics in the editor are those of the song that plays.
+    EditorTiming(EditorDocument& document, LyricsState& lyrics, const SongClock& song,
+                 std::function<bool()> editsSongThatPlays)
+        : m_document(document), m_lyrics(lyrics), m_song(song), m_editsSongThatPlays(std::move(editsSongThatPlays))
     {
     }
 
@@ -53,7 +44,8 @@ private:
 
     EditorDocument& m_document;
     LyricsState& m_lyrics;
-    EditorSong& m_song;
+    const SongClock& m_song;
+    std::function<bool()> m_editsSongThatPlays;
     double m_correct = 0;
     int m_correctIndex = 0;
     int m_correctTicks = 0;

@@ -1,6 +1,6 @@
 #include "karaoke/KaraokeTimeline.h"
 
-KaraokeTimeline::KaraokeTimeline(LyricsState& lyrics, KaraokeSurface& surface, const SongPosition& song,
+KaraokeTimeline::KaraokeTimeline(LyricsState& lyrics, KaraokeSurface& surface, const SongClock& song,
                                  std::function<double()> lyricsOffset)
     : m_lyrics(lyrics), m_surface(surface), m_song(song), m_offset(std::move(lyricsOffset))
 {

@@ -2,6 +2,7 @@
 // From the song position to the syllable being sung: the 10 ms tick and the re-synchronisation
 // after a jump. The highlight moves in whole syllables; there is no wipe between two times.
 
+#include "core/SongClock.h"
 #include "lyrics/LyricsData.h"
 
 #include <functional>
@@ -27,21 +28,12 @@ public:
     virtual void ClearRows() = 0;
 };
 
-// Where the song is now: the media session's position, or the MIDI player's.
-class SongPosition {
-public:
-    virtual ~SongPosition() = default;
-    // A media session exists or the MIDI player holds the song.
-    virtual bool HasSong() const = 0;
-    virtual double Position() const = 0;
-};
-
 // The picture a song shows from its start: its first picture at second 0; 0 when none is.
 int16_t StartPicture(const LyricsState& lyrics);
 
 class KaraokeTimeline {
 public:
-    KaraokeTimeline(LyricsState& lyrics, KaraokeSurface& surface, const SongPosition& song,
+    KaraokeTimeline(LyricsState& lyrics, KaraokeSurface& surface, const SongClock& song,
                     std::function<double()> lyricsOffset);
 
     // The tick. The position comes back with the offset taken off.
@@ -64,6 +56,6 @@ private:
 
     LyricsState& m_lyrics;
     KaraokeSurface& m_surface;
-    const SongPosition& m_song;
+    const SongClock& m_song;
     std::function<double()> m_offset;
 };

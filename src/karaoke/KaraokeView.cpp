@@ -40,7 +40,7 @@ int RowX(int clientWidth, int textWidth)
 
 } // namespace
 
-KaraokeView::KaraokeView(LyricsState& lyrics, ThemeClass& theme, const SongPosition& song)
+KaraokeView::KaraokeView(LyricsState& lyrics, ThemeClass& theme, const SongClock& song)
     : m_lyrics(lyrics), m_theme(theme), m_song(song),
       m_timeline(lyrics, *this, song, [&theme] { return theme.LyricsOffset(); }),
       m_fontSize(theme.LyricsFontSize)

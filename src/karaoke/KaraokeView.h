@@ -21,7 +21,7 @@ struct EffectiveColors {
 
 class KaraokeView final : public KaraokeSurface {
 public:
-    KaraokeView(LyricsState& lyrics, ThemeClass& theme, const SongPosition& song);
+    KaraokeView(LyricsState& lyrics, ThemeClass& theme, const SongClock& song);
 
     // Rebuilds the layers for a new client size, fits the font when the setting asks, repaints.
     void ResizeMe(QSize size, qreal dpr, bool fullScreen);
@@ -98,7 +98,7 @@ private:
 
     LyricsState& m_lyrics;
     ThemeClass& m_theme;
-    const SongPosition& m_song;
+    const SongClock& m_song;
     KaraokeTimeline m_timeline;
     PageLayout m_layout;
     TextPainter m_painter;

@@ -91,6 +91,8 @@ bool MidiPlayer::RenderFile(const QString& path)
     }
     StoreSongLength(MeasureMidiSong(*parsed), m_figures);
     m_synth->Load(SynthSongOf(*parsed));
+    if (m_rate != 1.0)
+        m_synth->SetTempoFactor(m_rate);
     m_synth->Volume = m_volume;
     m_synth->Balance = m_balance;
     if (!m_engine.AddSource(m_synth)) {
@@ -221,6 +223,7 @@ void MidiPlayer::SendSongPan()
 
 void MidiPlayer::put_Rate(double rate)
 {
+    m_rate = rate;
     if (m_synth)
         m_synth->SetTempoFactor(rate);
 }

@@ -55,6 +55,7 @@ public:
     // SetMidiPosition with the share of the duration.
     void put_CurrentPosition(double seconds) override;
     // The master tempo: 1 the song's own, 2 twice as fast.
+    double get_Rate() const override { return m_rate; }
     void put_Rate(double rate) override;
     void put_Volume(int hundredthsDb) override;
     int get_Volume() const override { return m_volume; }
@@ -89,6 +90,7 @@ private:
     QString m_error;
     bool m_noSynth = false;
     int m_state = Stopped;
+    double m_rate = 1.0;
     int m_volume = 0;
     int m_balance = 0;
     int m_songPan = -1;  // none until the whole-song balance is turned

@@ -26,6 +26,7 @@ public:
     double get_Duration() const override;
     double get_CurrentPosition() const override;
     void put_CurrentPosition(double seconds) override;
+    double get_Rate() const override { return m_rate; }
     void put_Rate(double rate) override;
     void put_Volume(int hundredthsDb) override;
     int get_Volume() const override { return m_volume; }

@@ -26,15 +26,8 @@ void PlaybackTicks::Stop()
     m_mmTimer.stop();
 }
 
-double PlaybackTicks::ReadPosition()
-{
-    return m_state.Session ? m_state.Session->get_CurrentPosition() : m_state.CurrentPosition;
-}
-
 double PlaybackTicks::Duration()
 {
-    if (m_state.IsMidi)
-        return m_state.MidiDuration;
     return m_state.Session ? m_state.Session->get_Duration() : 0;
 }
 
@@ -44,7 +37,7 @@ void PlaybackTicks::PlaybackTick()
     if (m_state.InTray)
         return;
 
-    m_state.CurrentPosition = ReadPosition();
+    m_state.CurrentPosition = m_state.Clock.Position();
 
     KaraokeForm* lyric = m_forms.Lyric();
     if (m_state.KaraokeOpen && lyric && m_state.Lyrics.PlayLyrics.size() > 1) {

@@ -24,7 +24,6 @@ public:
     void mmTimer();
 
 private:
-    double ReadPosition();
     double Duration();
     bool LoneListEntryIsCurrent();
 

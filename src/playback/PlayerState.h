@@ -8,6 +8,7 @@
 #include "lyrics/LyricsData.h"
 #include "midi/MidiBytes.h"
 #include "midi/MidiPlayer.h"
+#include "playback/SessionClock.h"
 #include "tags/MP3Class.h"
 
 #include <QString>
@@ -24,14 +25,14 @@ struct PlayerState : CoreState {
     std::unique_ptr<SongSession> VoiceControl;   // the recorded voice; null when none plays
     std::unique_ptr<MP3Class> CurrentInfo;       // what was read of the current song
     double CurrentPosition = 0;
-    double MidiDuration = 0;
     MidiFigures Midi;  // what the MIDI readers found; kept from song to song
     float PlaybackRate = 1.0f;
     int SongBalance = 10000;  // the whole-song balance knob, 0 to 20000; every song gets it
     int16_t PlayingIndex = -1;
 
     LyricsState Lyrics;
+    SessionClock Clock{*this};
 
-    // A song is loaded: a session plays it, or it is a MIDI song.
-    bool SongOpen() const { return Session || IsMidi; }
+    // A song is loaded: a session plays it; a song that cannot play is closed.
+    bool SongOpen() const { return Session != nullptr; }
 };

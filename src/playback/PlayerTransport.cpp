@@ -172,7 +172,6 @@ void PlayerTransport::CloseSong()
     if (ControlsForm* midi = m_forms.MidiEq())
         midi->CloseDevice();
     m_state.IsMidi = false;
-    m_state.MidiDuration = 0;
     StopVoice();
     if (m_state.Session) {
         m_state.Session->Stop();
@@ -186,8 +185,7 @@ void PlayerTransport::SeekTo(double fraction)
     SongSession* session = m_state.Session.get();
     if (!session)
         return;
-    const double duration = m_state.IsMidi ? m_state.MidiDuration : session->get_Duration();
-    SeekToSeconds(duration * fraction);
+    SeekToSeconds(session->get_Duration() * fraction);
 }
 
 void PlayerTransport::SeekToSeconds(double seconds)

@@ -119,7 +119,6 @@ void PlayerTransport::OpenMidiSong(const QString& path)
         lyric->ClearLyrics();
         lyric->ClearNewLyrics();
     }
-    m_state.MidiDuration = m_state.CurrentInfo->Length();
     if (!CreateGraph(path)) {
         ReportUnplayable();
         return;
@@ -128,7 +127,6 @@ void PlayerTransport::OpenMidiSong(const QString& path)
     m_state.CurrentFile = m_state.EditorFile;
     // The words of a MIDI song come from the file itself; there is no search.
     LoadMidiLyrics(m_state.Lyrics, m_state.Midi, path, LyricsEnvironmentOfSong());
-    m_state.MidiDuration = m_state.Midi.MidiDuration;
     if (ControlsForm* midi = m_forms.MidiEq())
         midi->ChangeMidi(m_state.CurrentInfo->Filename(), 0);
     // A MIDI song starts as soon as it is loaded.

@@ -99,23 +99,18 @@ bool VoiceRecorder::StartCapture()
         return false;
     }
     m_armedAt = engine->Now();
-    m_armedPosition = SongPosition();
+    m_armedPosition = m_state.Clock.Position();
     m_armedPace = SongPace();
     m_writer.Start(*engine);
     m_capturing = true;
     return true;
 }
 
-double VoiceRecorder::SongPosition() const
-{
-    return m_state.Session ? m_state.Session->get_CurrentPosition() : 0.0;
-}
-
 double VoiceRecorder::SongPace() const
 {
     if (!m_state.Session || m_state.Session->GetState() != SongSession::Running)
         return 0;
-    return m_state.IsMidi ? 1.0 : m_state.PlaybackRate;
+    return m_state.Session->get_Rate();
 }
 
 bool VoiceRecorder::EndCapture()
@@ -179,7 +174,7 @@ void VoiceRecorder::ToggleVoice()
     m_equalizer.SwitchLineOut(0);
     m_indicator.Show();
     m_state.VoiceControl = std::move(voice);
-    m_state.VoiceControl->put_CurrentPosition(SongPosition() + m_state.Theme->LyricsOffset());
+    m_state.VoiceControl->put_CurrentPosition(m_state.Clock.Position() + m_state.Theme->LyricsOffset());
     m_state.VoiceControl->put_Volume(m_equalizer.VoiceLevel());
     if (m_state.Session && m_state.Session->GetState() == SongSession::Running)
         m_state.VoiceControl->Run();

@@ -65,7 +65,6 @@ private:
     // The file the voice plays from: where takes are placed, else the voice folder.
     QString VoicePlaybackFile() const;
     // The song's audible second now, and how fast it moves on.
-    double SongPosition() const;
     double SongPace() const;
     QString Said(const char* english, const char* polish) const;
 

@@ -6,15 +6,15 @@
 #include "support/TestSupport.h"
 
 #include <QTemporaryDir>
+#include <optional>
 #include <gtest/gtest.h>
 
 namespace {
 
-class FakeSong final : public EditorSong {
+class FakeSong final : public SongClock {
 public:
-    std::optional<double> Position() const override { return position; }
-    bool SongOpen() const override { return position.has_value(); }
-    bool IsCurrentSong() const override { return current; }
+    bool HasSong() const override { return position.has_value(); }
+    double Position() const override { return position.value_or(0); }
     std::optional<double> position;
     bool current = true;
 };
@@ -24,7 +24,7 @@ struct Timing : testing::Test {
     LyricsState lyrics;
     EditorDocument document{lyrics};
     FakeSong song;
-    EditorTiming timing{document, lyrics, song};
+    EditorTiming timing{document, lyrics, song, [this] { return song.current; }};
 };
 
 } // namespace

@@ -44,7 +44,7 @@ inline std::vector<LyricItem> NumberedLines(int count)
     return lyrics;
 }
 
-class TestClock final : public SongPosition {
+class TestClock final : public SongClock {
 public:
     bool HasSong() const override { return hasSong; }
     double Position() const override { return now; }

@@ -101,10 +101,10 @@ TEST_F(Ticking, EndOfSongMovesOnStopsALoneSongAndStopsARecording)
     EXPECT_EQ(journal.calls, QStringList{"StopSong"}) << "a recording stops instead of moving on";
 }
 
-TEST_F(Ticking, MidiSongsUseTheirSessionsClockAndTheMidiLength)
+TEST_F(Ticking, MidiSongsUseTheirSessionsClockAndLength)
 {
     state.IsMidi = true;
-    state.MidiDuration = 90;
+    media->duration = 90;
     media->position = 30;
     windows.player.timeStyle = QStringLiteral("ELAPSED");
     ticks.PlaybackTick();

@@ -94,7 +94,7 @@ TEST_F(SongLoading, MidiSongsPlayAsSoonAsLoadedPauseSeekToTheirShareAndEnd)
     EXPECT_TRUE(state.IsMidi);
     ASSERT_NE(state.Session, nullptr);
     EXPECT_EQ(state.Session->GetState(), SongSession::Running) << "a MIDI song starts when it is loaded";
-    EXPECT_DOUBLE_EQ(state.MidiDuration, 4.0);
+    EXPECT_DOUBLE_EQ(state.Session->get_Duration(), 4.0);
     EXPECT_EQ(state.CurrentFile, kar);
     EXPECT_EQ(state.EditorFile, kar);
     EXPECT_TRUE(journal.calls.contains("MidiEq.ChangeMidi " + kar + " 0"));
@@ -196,6 +196,7 @@ TEST_F(SongLoading, AMissingSoundFontIsNamedOnceAndMidiSongsAreThenRefused)
     const QString kar = CopyFixture(MediaFixture("song.kar"), dir.path());
     transport.OpenSong(kar, false);
     EXPECT_EQ(state.Session, nullptr);
+    EXPECT_FALSE(state.Clock.HasSong()) << "the song is closed, not left open without a session";
     ASSERT_EQ(messages.shown.size(), 1);
     EXPECT_TRUE(messages.shown[0].startsWith(QStringLiteral("MIDI songs cannot be played: ")));
     EXPECT_TRUE(messages.shown[0].contains(dir.filePath("gone.sf2")));

@@ -235,13 +235,15 @@ public:
     double get_Duration() const override { return duration; }
     double get_CurrentPosition() const override { return position; }
     void put_CurrentPosition(double seconds) override { position = seconds; }
-    void put_Rate(double) override {}
+    double get_Rate() const override { return rate; }
+    void put_Rate(double r) override { rate = r; }
     void put_Volume(int v) override { volume = v; }
     int get_Volume() const override { return volume; }
     void put_Balance(int) override {}
 
     double position = 0;
     double duration = 0;
+    double rate = 1.0;
     int volume = 0;
     int state = Stopped;
 

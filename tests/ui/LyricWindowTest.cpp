@@ -12,7 +12,7 @@
 
 namespace {
 
-class PlayingSong final : public SongPosition {
+class PlayingSong final : public SongClock {
 public:
     bool HasSong() const override { return true; }
     double Position() const override { return position; }

@@ -126,19 +126,7 @@ QIcon GlyphIcon(Glyph glyph)
 
 } // namespace
 
-std::optional<double> PlayingSong::Position() const
-{
-    if (!m_state.Session)
-        return std::nullopt;
-    return m_state.Session->get_CurrentPosition();
-}
-
-bool PlayingSong::SongOpen() const
-{
-    return m_state.SongOpen();
-}
-
-bool PlayingSong::IsCurrentSong() const
+bool Editor::EditsSongThatPlays() const
 {
     return !m_state.EditorFile.isEmpty() && m_state.EditorFile == m_state.CurrentFile;
 }
@@ -146,7 +134,9 @@ bool PlayingSong::IsCurrentSong() const
 Editor::Editor(PlayerState& state, SettingsStore& store, FormProvider& forms, PlayerTransport& transport,
                PlayerCommands& commands, EditorDialogs& dialogs)
     : m_state(state), m_store(store), m_forms(forms), m_transport(transport), m_commands(commands),
-      m_dialogs(dialogs), m_document(state.Lyrics), m_song(state), m_timing(m_document, state.Lyrics, m_song)
+      m_dialogs(dialogs), m_document(state.Lyrics),
+      m_timing(m_document, state.Lyrics, state.Clock,
+               [this] { return EditsSongThatPlays(); })
 {
     setObjectName(QStringLiteral("Editor"));
     setPalette(ControlsPalette());
@@ -742,7 +732,7 @@ void Editor::RemoveAll()
     ShowCorrect();
     m_model->Reset();
     MeasureLab();
-    if (m_song.IsCurrentSong())
+    if (EditsSongThatPlays())
         if (KaraokeForm* lyric = m_forms.Lyric(); lyric && m_state.KaraokeOpen)
             lyric->ClearLyrics();
 }
@@ -849,7 +839,7 @@ void Editor::RowChosen()
     m_timing.SetCorrect(time, row);
     ShowCorrect();
     ShowRowState(row);
-    if (time == 0 || !m_song.IsCurrentSong())
+    if (time == 0 || !EditsSongThatPlays())
         return;
     m_transport.SeekToSeconds(m_state.IsMidi ? std::max(0.0, time - kMidiLeadIn) : time);
 }

@@ -27,18 +27,6 @@ class SettingsStore;
 class TimeSpin;
 struct PlayerState;
 
-// The song that plays, as the editor's timing sees it.
-class PlayingSong final : public EditorSong {
-public:
-    explicit PlayingSong(const PlayerState& state) : m_state(state) {}
-    std::optional<double> Position() const override;
-    bool SongOpen() const override;
-    bool IsCurrentSong() const override;
-
-private:
-    const PlayerState& m_state;
-};
-
 class Editor final : public QMainWindow, public EditorForm {
     Q_OBJECT
 public:
@@ -92,6 +80,8 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
+    // The lyrics in the editor are those of the song that plays.
+    bool EditsSongThatPlays() const;
     QString Text(const char* key) const;
     void BuildWindow();
     QWidget* BuildTimingBar();
@@ -167,7 +157,6 @@ private:
     PlayerCommands& m_commands;
     EditorDialogs& m_dialogs;
     EditorDocument m_document;
-    PlayingSong m_song;
     EditorTiming m_timing;
 
     LyricsTableModel* m_model = nullptr;

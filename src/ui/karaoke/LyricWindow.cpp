@@ -31,7 +31,7 @@ const std::vector<MenuItem> kMenu = {
 
 } // namespace
 
-LyricWindow::LyricWindow(CoreState& state, LyricsState& lyrics, SettingsStore& store, const SongPosition& song)
+LyricWindow::LyricWindow(CoreState& state, LyricsState& lyrics, SettingsStore& store, const SongClock& song)
     : m_state(state), m_lyrics(lyrics), m_store(store), m_view(lyrics, *state.Theme, song)
 {
     setObjectName(QStringLiteral("Lyric"));

@@ -15,7 +15,7 @@ class SettingsStore;
 class LyricWindow final : public QWidget, public KaraokeForm {
     Q_OBJECT
 public:
-    LyricWindow(CoreState& state, LyricsState& lyrics, SettingsStore& store, const SongPosition& song);
+    LyricWindow(CoreState& state, LyricsState& lyrics, SettingsStore& store, const SongClock& song);
     ~LyricWindow() override;
 
     void Show() override;
