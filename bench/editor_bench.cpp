@@ -2,12 +2,12 @@
 // it) to the karaoke display array holding the new time, and to the karaoke window's next
 // painted page, while a song plays on the null device's wall clock. Prints figures; judges nothing.
 
-#include "BenchKit.h"
 #include "app/AppState.h"
 #include "app/AppWindows.h"
 #include "audio/AudioEngine.h"
 #include "audio/NullDevice.h"
 #include "audio/WavFile.h"
+#include "BenchKit.h"
 #include "core/SettingsStore.h"
 #include "core/ThemeClass.h"
 #include "playback/PlayerCommands.h"
@@ -15,6 +15,7 @@
 #include "ui/editor/Editor.h"
 #include "ui/editor/LyricsTable.h"
 #include "ui/karaoke/LyricWindow.h"
+#include "ui/kit/DesktopDialogs.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -34,10 +35,6 @@ public:
     void Hide() override {}
 };
 
-class NoDialogs final : public FileDialogs {
-public:
-    QStringList OpenFileNames(const QString&, const QString&, const QString&) override { return {}; }
-};
 
 // Counts the karaoke window's paints.
 class PaintCounter final : public QObject {
@@ -77,10 +74,10 @@ int main(int argc, char* argv[])
     state.Theme = std::make_unique<ThemeClass>(store, ThemeEnvironment{}, state.MonitorList);
     state.Engine = std::make_unique<AudioEngine>(std::make_unique<NullDevice>());
     state.Engine->Start();
-    AppWindows windows(state, store);
+    DesktopDialogs dialogs;
+    AppWindows windows(state, store, dialogs);
     PlayerTransport transport(state, windows, state.Songs);
     NoTray tray;
-    NoDialogs dialogs;
     PlayerCommands commands(state, windows, transport, tray, dialogs);
     windows.Attach(transport, commands);
 

@@ -1,12 +1,12 @@
 #include "app/AppWindows.h"
 
 #include "app/AppState.h"
-#include "playback/PlayerCommands.h"
-#include "playback/PlayerTransport.h"
+#include "core/Dialogs.h"
 #include "core/SiteAddresses.h"
 #include "core/WindowPosition.h"
+#include "playback/PlayerCommands.h"
+#include "playback/PlayerTransport.h"
 #include "ui/editor/Editor.h"
-#include "ui/editor/EditorDialogs.h"
 #include "ui/info/InfoDialogs.h"
 #include "ui/karaoke/LyricWindow.h"
 #include "ui/kit/AboutBoxes.h"
@@ -18,8 +18,8 @@
 
 #include <QMessageBox>
 
-AppWindows::AppWindows(AppState& state, SettingsStore& store)
-    : m_state(state), m_store(store), m_editorDialogs(std::make_unique<WidgetEditorDialogs>())
+AppWindows::AppWindows(AppState& state, SettingsStore& store, Dialogs& dialogs)
+    : m_state(state), m_store(store), m_dialogs(dialogs)
 {
 }
 
@@ -117,7 +117,7 @@ EditorForm* AppWindows::Editor()
 EditorForm& AppWindows::LoadEditor()
 {
     if (!m_editor) {
-        m_editor = std::make_unique<::Editor>(m_state, m_store, *this, *m_transport, *m_commands, *m_editorDialogs);
+        m_editor = std::make_unique<::Editor>(m_state, m_store, *this, *m_transport, *m_commands, m_dialogs);
         m_loaded.push_back(m_editor.get());
     }
     return *m_editor;
@@ -158,7 +158,7 @@ void AppWindows::ShowFileInfo(const QString& format, const QString& path)
 void AppWindows::ShowPreferences(int tab)
 {
     if (!m_options) {
-        m_options = std::make_unique<LyricOptions>(m_state, m_store, *m_editorDialogs, &PlayerWidget());
+        m_options = std::make_unique<LyricOptions>(m_state, m_store, m_dialogs, &PlayerWidget());
         m_options->setWindowFlag(Qt::Dialog);
         m_options->Applied = [this] {
             if (m_lyric)
@@ -173,12 +173,12 @@ void AppWindows::ShowPreferences(int tab)
 
 void AppWindows::ShowAbout()
 {
-    AboutBox box(m_state.Language, m_store, [this](const QString& address) { m_editorDialogs->Browse(address); },
+    AboutBox box(m_state.Language, m_store, [this](const QString& address) { m_dialogs.Browse(address); },
                  &PlayerWidget());
     box.exec();
 }
 
 void AppWindows::ShowTutorial()
 {
-    m_editorDialogs->Browse(TutorialAddress(m_store, m_state.Language.IsPolish));
+    m_dialogs.Browse(TutorialAddress(m_store, m_state.Language.IsPolish));
 }

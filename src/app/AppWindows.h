@@ -19,13 +19,13 @@ class SettingsStore;
 class UserList;
 class MidiEq;
 class Editor;
-class WidgetEditorDialogs;
+class Dialogs;
 class Equalizer;
 class VoiceCommands;
 
 class AppWindows final : public FormProvider {
 public:
-    AppWindows(AppState& state, SettingsStore& store);
+    AppWindows(AppState& state, SettingsStore& store, Dialogs& dialogs);
     ~AppWindows() override;
 
     // The transport and the commands that the windows' events reach; before any window but the
@@ -63,7 +63,7 @@ private:
     std::unique_ptr<LyricWindow> m_lyric;
     std::unique_ptr<::UserList> m_userList;
     std::unique_ptr<::MidiEq> m_midiEq;
-    std::unique_ptr<WidgetEditorDialogs> m_editorDialogs;
+    Dialogs& m_dialogs;
     std::unique_ptr<::Editor> m_editor;
     std::unique_ptr<LyricOptions> m_options;
     PlayerTransport* m_transport = nullptr;

@@ -2,6 +2,7 @@
 
 #include "app/AppState.h"
 #include "app/SingleInstance.h"
+#include "core/Dialogs.h"
 #include "core/Forms.h"
 #include "core/SettingsStore.h"
 #include "core/WindowPosition.h"
@@ -23,7 +24,7 @@ QString PlaylistIniPath(const QString& dataFolder)
 }
 
 Application::Application(AppState& state, Platform platform, FormProvider& forms, SongTransport& transport,
-                         MixerAccess* mixer, MessageBoxes& messages, SingleInstance& instance)
+                         MixerAccess* mixer, Dialogs& messages, SingleInstance& instance)
     : m_state(state),
       m_platform(std::move(platform)),
       m_forms(forms),

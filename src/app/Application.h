@@ -11,7 +11,7 @@
 
 struct AppState;
 class FormProvider;
-class MessageBoxes;
+class Dialogs;
 class MixerAccess;
 class SettingsStore;
 class SingleInstance;
@@ -34,7 +34,7 @@ QString PlaylistIniPath(const QString& dataFolder);
 class Application {
 public:
     Application(AppState& state, Platform platform, FormProvider& forms, SongTransport& transport,
-                MixerAccess* mixer, MessageBoxes& messages, SingleInstance& instance);
+                MixerAccess* mixer, Dialogs& messages, SingleInstance& instance);
 
     // Runs the start-up. False when another instance runs: this one has handed its command line
     // over and must end at once, with nothing saved.
@@ -56,7 +56,7 @@ private:
     FormProvider& m_forms;
     SongTransport& m_transport;
     MixerAccess* m_mixer;
-    MessageBoxes& m_messages;
+    Dialogs& m_messages;
     SingleInstance& m_instance;
     bool m_closing = false;
     std::future<void> m_housekeeping;

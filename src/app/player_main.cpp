@@ -1,15 +1,15 @@
 // songweaver: the karaoke player.
 
+#include "app/Application.h"
 #include "app/AppState.h"
 #include "app/AppWindows.h"
-#include "app/Application.h"
 #include "app/HeadlessRun.h"
 #include "app/SingleInstance.h"
 #include "audio/SoundDevices.h"
 #include "core/SettingsStore.h"
 #include "playback/PlayerCommands.h"
 #include "playback/PlayerTransport.h"
-#include "ui/kit/Desktop.h"
+#include "ui/kit/DesktopDialogs.h"
 #include "ui/player/PlayerServices.h"
 #include "ui/player/PlayerWindow.h"
 #include "ui/voice/RegMe.h"
@@ -36,12 +36,11 @@ int main(int argc, char* argv[])
 
     AppState state;
     QSettingsStore store;
-    AppWindows windows(state, store);
+    DesktopDialogs dialogs;
+    AppWindows windows(state, store, dialogs);
     SingleInstance instance;
-    WidgetMessageBoxes messages;
-    PlayerTransport transport(state, windows, state.Songs, &messages);
+    PlayerTransport transport(state, windows, state.Songs, &dialogs);
     PlayerWindow& player = windows.PlayerWidget();
-    WidgetFileDialogs dialogs(&player);
     PlayerCommands* commandsForTray = nullptr;
     SystemTray tray(
         QIcon(QStringLiteral(":/skin/songweaver.svg")), [&player] { return player.Menu(QStringLiteral("TrayMenu")); },
@@ -51,7 +50,7 @@ int main(int argc, char* argv[])
     windows.Attach(transport, commands);
     Equalizer equalizer(state);
     RegMe regMe(state, player);
-    VoiceRecorder recorder(state, windows, messages, equalizer, regMe);
+    VoiceRecorder recorder(state, windows, dialogs, equalizer, regMe);
     transport.AttachVoice(recorder);
     windows.AttachVoice(equalizer, recorder);
 
@@ -66,7 +65,7 @@ int main(int argc, char* argv[])
                           ended = true;
                           QCoreApplication::quit();
                       }};
-    Application application(state, std::move(platform), windows, transport, &equalizer, messages, instance);
+    Application application(state, std::move(platform), windows, transport, &equalizer, dialogs, instance);
 
     // A take being recorded is kept when the program closes.
     const auto closeApp = [&application, &recorder] {

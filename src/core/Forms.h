@@ -149,11 +149,3 @@ public:
     virtual void StopLevelCapture() = 0;
 };
 
-class MessageBoxes {
-public:
-    virtual ~MessageBoxes() = default;
-    // A message box titled "Songweaver" with the critical icon.
-    virtual void Critical(const QString& text) = 0;
-    // A message box titled "Songweaver" that tells why a command did not run.
-    virtual void Inform(const QString& text) = 0;
-};

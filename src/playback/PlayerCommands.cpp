@@ -1,5 +1,6 @@
 #include "playback/PlayerCommands.h"
 
+#include "core/Dialogs.h"
 #include "playback/PlayerState.h"
 #include "playback/PlayerTransport.h"
 #include "playback/VoiceCommands.h"
@@ -10,7 +11,7 @@
 #include <map>
 
 PlayerCommands::PlayerCommands(PlayerState& state, FormProvider& forms, PlayerTransport& transport, TrayIcon& tray,
-                               FileDialogs& dialogs)
+                               Dialogs& dialogs)
     : m_state(state), m_forms(forms), m_transport(transport), m_tray(tray), m_dialogs(dialogs)
 {
 }

@@ -9,6 +9,7 @@
 #include <qnamespace.h>
 
 struct PlayerState;
+class Dialogs;
 class PlayerTransport;
 
 // The icon in the desktop's system tray.
@@ -21,17 +22,10 @@ public:
     virtual void Hide() = 0;
 };
 
-class FileDialogs {
-public:
-    virtual ~FileDialogs() = default;
-    // The files chosen to open, empty when the dialog was cancelled.
-    virtual QStringList OpenFileNames(const QString& title, const QString& folder, const QString& filter) = 0;
-};
-
 class PlayerCommands final {
 public:
     PlayerCommands(PlayerState& state, FormProvider& forms, PlayerTransport& transport, TrayIcon& tray,
-                   FileDialogs& dialogs);
+                   Dialogs& dialogs);
 
     // The program's orderly way out.
     std::function<void()> CloseApp;
@@ -67,6 +61,6 @@ private:
     FormProvider& m_forms;
     PlayerTransport& m_transport;
     TrayIcon& m_tray;
-    FileDialogs& m_dialogs;
+    Dialogs& m_dialogs;
     std::vector<Form*> m_hiddenInTray;
 };

@@ -2,10 +2,11 @@
 
 #include "audio/NullDevice.h"
 #include "audio/SoundDevices.h"
+#include "core/Dialogs.h"
 #include "midi/MidiKnobs.h"
 #include "midi/MidiPlayer.h"
-#include "playback/MidiControls.h"
 #include "playback/MediaSession.h"
+#include "playback/MidiControls.h"
 #include "playback/PlayerState.h"
 #include "playback/VoiceCommands.h"
 
@@ -32,7 +33,7 @@ std::unique_ptr<SongSession> BuiltInSessions(PlayerState& state)
     return std::make_unique<MediaSession>(*state.Engine);
 }
 
-PlayerTransport::PlayerTransport(PlayerState& state, FormProvider& forms, SongList& list, MessageBoxes* messages,
+PlayerTransport::PlayerTransport(PlayerState& state, FormProvider& forms, SongList& list, Dialogs* messages,
                                  SessionFactory sessions)
     : m_state(state),
       m_forms(forms),

@@ -11,6 +11,7 @@
 #include <memory>
 
 struct PlayerState;
+class Dialogs;
 class AudioEngine;
 class MP3Class;
 class SongSession;
@@ -31,7 +32,7 @@ std::unique_ptr<SongSession> BuiltInSessions(PlayerState& state);
 
 class PlayerTransport final : public SongTransport {
 public:
-    PlayerTransport(PlayerState& state, FormProvider& forms, SongList& list, MessageBoxes* messages = nullptr,
+    PlayerTransport(PlayerState& state, FormProvider& forms, SongList& list, Dialogs* messages = nullptr,
                     SessionFactory sessions = BuiltInSessions);
 
     PlaybackTicks& Ticks() { return m_ticks; }
@@ -100,7 +101,7 @@ private:
     PlayerState& m_state;
     FormProvider& m_forms;
     SongList& m_list;
-    MessageBoxes* m_messages;
+    Dialogs* m_messages;
     SessionFactory m_sessions;
     VoiceCommands* m_voice = nullptr;
     PlaybackTicks m_ticks;

@@ -1,6 +1,7 @@
 // Song loading: OpenSong and the ways into it (command line, the open dialog, playlist rows,
 // Next, Previous).
 
+#include "core/Dialogs.h"
 #include "core/Numbers.h"
 #include "lyrics/LyricsLoader.h"
 #include "midi/KaraokeWords.h"

@@ -1,5 +1,6 @@
 #include "voice/VoiceRecorder.h"
 
+#include "core/Dialogs.h"
 #include "core/Forms.h"
 #include "playback/MediaSession.h"
 #include "playback/PlayerState.h"
@@ -10,7 +11,7 @@
 #include <QTextStream>
 #include <algorithm>
 
-VoiceRecorder::VoiceRecorder(PlayerState& state, FormProvider& forms, MessageBoxes& messages, Equalizer& equalizer,
+VoiceRecorder::VoiceRecorder(PlayerState& state, FormProvider& forms, Dialogs& messages, Equalizer& equalizer,
                              VoiceIndicator& indicator)
     : TempFolder(QDir::tempPath()),
       m_state(state),

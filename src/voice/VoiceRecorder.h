@@ -16,7 +16,7 @@
 struct PlayerState;
 class Equalizer;
 class FormProvider;
-class MessageBoxes;
+class Dialogs;
 
 // The small window whose panels blink while the voice plays or a take is recorded.
 class VoiceIndicator {
@@ -32,7 +32,7 @@ constexpr int BlinkPanel(int left) { return left == 0 ? kPanelOffScreen : 0; }
 
 class VoiceRecorder final : public VoiceCommands {
 public:
-    VoiceRecorder(PlayerState& state, FormProvider& forms, MessageBoxes& messages, Equalizer& equalizer,
+    VoiceRecorder(PlayerState& state, FormProvider& forms, Dialogs& messages, Equalizer& equalizer,
                   VoiceIndicator& indicator);
 
     void SwitchMicrophone() override;
@@ -70,7 +70,7 @@ private:
 
     PlayerState& m_state;
     FormProvider& m_forms;
-    MessageBoxes& m_messages;
+    Dialogs& m_messages;
     Equalizer& m_equalizer;
     VoiceIndicator& m_indicator;
     CaptureWriter m_writer;

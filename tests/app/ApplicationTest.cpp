@@ -1,8 +1,9 @@
-#include "support/FakeForms.h"
-#include "app/AppState.h"
 #include "app/Application.h"
+#include "app/AppState.h"
 #include "app/SingleInstance.h"
 #include "core/WindowPosition.h"
+#include "support/FakeForms.h"
+#include "support/ScriptedDialogs.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -29,16 +30,6 @@ private:
     Journal& m_journal;
 };
 
-class FakeMessages final : public MessageBoxes {
-public:
-    explicit FakeMessages(Journal& j) : m_journal(j) {}
-    void Critical(const QString& text) override { m_journal(QStringLiteral("Critical ") + text); }
-    void Inform(const QString& text) override { m_journal(QStringLiteral("Inform ") + text); }
-
-private:
-    Journal& m_journal;
-};
-
 QString UniqueServerName()
 {
     return QStringLiteral("songweaver-test-") + QUuid::createUuid().toString(QUuid::Id128);
@@ -52,7 +43,7 @@ struct Program {
     FakeWindows windows{journal, false};
     FakeTransport transport{journal};
     FakeMixer mixer{journal};
-    FakeMessages messages{journal};
+    ScriptedDialogs messages;
     SingleInstance instance;
     bool soundDevice = true;
     int ended = 0;
@@ -69,6 +60,7 @@ struct Program {
                        }},
               windows, transport, &mixer, messages, instance)
     {
+        messages.shown = [this](const QString& message) { journal(message); };
     }
 
     static ThemeEnvironment Environment()
@@ -164,7 +156,7 @@ TEST_F(StartUp, NoSoundDeviceShowsTheMessageAndClosesInOrder)
     p.soundDevice = false;
     ASSERT_TRUE(p.app.Main(QString()));
     const qsizetype message = journal.IndexOf(
-        QStringLiteral("Critical No sound device found. Please buy soundcard first\r\nor install proper drivers if you have one."));
+        QStringLiteral("critical: No sound device found. Please buy soundcard first\r\nor install proper drivers if you have one."));
     ASSERT_NE(message, -1);
     EXPECT_EQ(journal.calls[message - 1], "Player.Show");
     EXPECT_EQ(journal.calls.last(), "EndProcess");

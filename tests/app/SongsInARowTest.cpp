@@ -8,6 +8,7 @@
 #include "playback/PlayerTransport.h"
 #include "support/FakeForms.h"
 #include "support/PlayerSetup.h"
+#include "support/ScriptedDialogs.h"
 #include "ui/editor/Editor.h"
 #include "ui/editor/LyricsTable.h"
 #include "ui/karaoke/LyricWindow.h"
@@ -103,9 +104,9 @@ protected:
     MemoryStore store;
     AppState state;
     ManualDevice* device = nullptr;
-    AppWindows windows{state, store};
+    ScriptedDialogs dialogs;
+    AppWindows windows{state, store, dialogs};
     FakeTray tray;
-    FakeDialogs dialogs;
     PlayerTransport transport{state, windows, state.Songs};
     PlayerCommands commands{state, windows, transport, tray, dialogs};
     std::vector<Lit> lit;
@@ -151,13 +152,9 @@ TEST_F(Evening, ALoadIsNeverNestedInAnother)
     bool nested = true;
     state.Songs.AddItem(QStringLiteral("bad"), QString(), dir.filePath("bad.mp3"));
     WriteFileBytes(dir.filePath("bad.mp3"), QByteArray(4000, 'x'));
-    struct Reentrant final : MessageBoxes {
-        std::function<void()> during;
-        void Critical(const QString&) override { during(); }
-        void Inform(const QString&) override {}
-    } messages;
+    ScriptedDialogs messages;
     PlayerTransport withMessages{state, windows, state.Songs, &messages};
-    messages.during = [&] { nested = withMessages.OpenSong(second, true); };
+    messages.shown = [&](const QString&) { nested = withMessages.OpenSong(second, true); };
     withMessages.fnChangeSong(1);
     EXPECT_FALSE(nested);
     EXPECT_NE(state.CurrentFile, second);

@@ -6,6 +6,7 @@
 #include "playback/PlayerTransport.h"
 #include "support/FakeForms.h"
 #include "support/PlayerSetup.h"
+#include "support/ScriptedDialogs.h"
 
 #include <gtest/gtest.h>
 
@@ -24,7 +25,7 @@ struct Commands : testing::Test {
     FakeWindows windows{journal};
     FakeSongList list{journal};
     FakeTray tray;
-    FakeDialogs dialogs;
+    ScriptedDialogs dialogs;
     PlayerTransport transport{state, windows, list};
     PlayerCommands commands{state, windows, transport, tray, dialogs};
 };

@@ -7,19 +7,13 @@
 #include "playback/PlayerTransport.h"
 #include "support/FakeForms.h"
 #include "support/PlayerSetup.h"
+#include "support/ScriptedDialogs.h"
 
 #include <QTemporaryDir>
 #include <algorithm>
 #include <gtest/gtest.h>
 
 namespace {
-
-class RecordedMessages final : public MessageBoxes {
-public:
-    void Critical(const QString& text) override { shown << text; }
-    void Inform(const QString& text) override { shown << text; }
-    QStringList shown;
-};
 
 class SongLoading : public testing::Test {
 protected:
@@ -43,7 +37,7 @@ protected:
     MemoryStore store;
     FakeWindows windows{journal};
     FakeSongList list{journal};
-    RecordedMessages messages;
+    ScriptedDialogs messages;
     ManualDevice* device = nullptr;
     PlayerTransport transport{state, windows, list, &messages};
 };
@@ -69,7 +63,7 @@ TEST_F(SongLoading, AGoodSongGetsItsSessionLabelsAndLyrics)
     EXPECT_EQ(Lyric(), (QStringList{"Lyric.ClearLyrics", "Lyric.ClearLyrics", "Lyric.ClearNewLyrics", "Lyric.FitLyrics",
                                     "Lyric.ChangeLyrics", "Lyric.ChangeLyrics"}))
         << "closing clears, the new song clears its page, the loaded lyrics fit the font, then show";
-    EXPECT_TRUE(messages.shown.isEmpty());
+    EXPECT_TRUE(messages.Shown().isEmpty());
 }
 
 TEST_F(SongLoading, AMissingFileIsQuietAndAnUnplayableOneIsReported)
@@ -77,11 +71,11 @@ TEST_F(SongLoading, AMissingFileIsQuietAndAnUnplayableOneIsReported)
     transport.OpenSong(Wav("old.wav"), false);
     EXPECT_FALSE(transport.OpenSong(dir.filePath("gone.wav"), true));
     EXPECT_EQ(state.Session, nullptr) << "the old song is closed all the same";
-    EXPECT_TRUE(messages.shown.isEmpty());
+    EXPECT_TRUE(messages.Shown().isEmpty());
 
     EXPECT_TRUE(transport.OpenSong(Unplayable("bad.mp3"), true)) << "true: the file exists";
     EXPECT_EQ(state.Session, nullptr);
-    EXPECT_EQ(messages.shown, QStringList{"Possible read error or audio device is not present."});
+    EXPECT_EQ(messages.Shown(), QStringList{"Possible read error or audio device is not present."});
     EXPECT_TRUE(state.CurrentFile.isEmpty());
 }
 
@@ -138,7 +132,7 @@ TEST_F(SongLoading, TheCommandLineOpensTheSongBesideALyricsFileOnlyAsMp3)
     CopyFixture(MediaFixture("comments.ogg"), other.path(), "song.ogg");
     transport.OpenFromCommandLine(other.filePath("song.lrs"));
     EXPECT_EQ(state.Session, nullptr) << "only \"song.mp3\" is looked for";
-    EXPECT_TRUE(messages.shown.isEmpty());
+    EXPECT_TRUE(messages.Shown().isEmpty());
 }
 
 TEST_F(SongLoading, NextAndPreviousStepOverMissingFilesAndStopAtUnplayableOnes)
@@ -152,7 +146,7 @@ TEST_F(SongLoading, NextAndPreviousStepOverMissingFilesAndStopAtUnplayableOnes)
     EXPECT_EQ(state.PlayingIndex, 2);
     transport.DALEJ();
     EXPECT_EQ(state.PlayingIndex, 3) << "the walk stops at the file that cannot play";
-    EXPECT_EQ(messages.shown.size(), 1);
+    EXPECT_EQ(messages.Shown().size(), 1);
     EXPECT_EQ(state.Session, nullptr);
     transport.DALEJ();
     EXPECT_EQ(state.CurrentFile, dir.filePath("c.wav"));
@@ -197,13 +191,13 @@ TEST_F(SongLoading, AMissingSoundFontIsNamedOnceAndMidiSongsAreThenRefused)
     transport.OpenSong(kar, false);
     EXPECT_EQ(state.Session, nullptr);
     EXPECT_FALSE(state.Clock.HasSong()) << "the song is closed, not left open without a session";
-    ASSERT_EQ(messages.shown.size(), 1);
-    EXPECT_TRUE(messages.shown[0].startsWith(QStringLiteral("MIDI songs cannot be played: ")));
-    EXPECT_TRUE(messages.shown[0].contains(dir.filePath("gone.sf2")));
+    ASSERT_EQ(messages.Shown().size(), 1);
+    EXPECT_TRUE(messages.Shown()[0].startsWith(QStringLiteral("MIDI songs cannot be played: ")));
+    EXPECT_TRUE(messages.Shown()[0].contains(dir.filePath("gone.sf2")));
 
     transport.OpenSong(kar, false);
-    ASSERT_EQ(messages.shown.size(), 2);
-    EXPECT_EQ(messages.shown[1], state.Language.GetText(QStringLiteral("ErrorAudioRead")));
+    ASSERT_EQ(messages.Shown().size(), 2);
+    EXPECT_EQ(messages.Shown()[1], state.Language.GetText(QStringLiteral("ErrorAudioRead")));
 
     transport.OpenSong(Wav("audio.wav"), true);
     EXPECT_NE(state.Session, nullptr) << "audio songs play on";

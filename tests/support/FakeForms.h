@@ -260,14 +260,3 @@ public:
     bool available = true;
     bool shown = false;
 };
-
-class FakeDialogs final : public FileDialogs {
-public:
-    QStringList OpenFileNames(const QString&, const QString&, const QString&) override
-    {
-        ++asked;
-        return chosen;
-    }
-    QStringList chosen;
-    int asked = 0;
-};

@@ -2,13 +2,13 @@
 // show of a song, what OK, Cancel and Clear do, the aspect lock, the picture rows, the picture
 // dialog's messages and its preview; and the dialog opened from the editor while a song plays.
 
-#include "ScriptedDialogs.h"
-#include "SessionWindows.h"
 #include "core/Colors.h"
 #include "playback/PlayerCommands.h"
 #include "playback/PlayerState.h"
 #include "playback/PlayerTransport.h"
+#include "SessionWindows.h"
 #include "support/PlayerSetup.h"
+#include "support/ScriptedDialogs.h"
 #include "ui/editor/DetailsDialog.h"
 #include "ui/editor/Editor.h"
 #include "ui/editor/PictureDialog.h"
@@ -291,8 +291,7 @@ TEST_F(DetailsWindow, AcceptedFromTheEditorWhileTheSongPlaysTheDisplayTakesItAtO
     FakeSongList list{journal};
     PlayerTransport transport{state, windows, list};
     FakeTray tray;
-    FakeDialogs playerDialogs;
-    PlayerCommands commands{state, windows, transport, tray, playerDialogs};
+    PlayerCommands commands{state, windows, transport, tray, dialogs};
     ASSERT_TRUE(transport.OpenSong(song, true));
     Editor editor(state, store, windows, transport, commands, dialogs);
     state.EditorOpen = true;

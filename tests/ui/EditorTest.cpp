@@ -3,17 +3,17 @@
 // rows moved, copied and pasted, files opened within their limits, and the lyrics saved into
 // the song and played back.
 
-#include "ScriptedDialogs.h"
-#include "SessionWindows.h"
+#include "core/Dialogs.h"
 #include "core/WindowPosition.h"
 #include "editor/EditorFiles.h"
 #include "lyrics/LyricsBlock.h"
 #include "playback/PlayerCommands.h"
 #include "playback/PlayerState.h"
 #include "playback/PlayerTransport.h"
+#include "SessionWindows.h"
 #include "support/PlayerSetup.h"
+#include "support/ScriptedDialogs.h"
 #include "ui/editor/Editor.h"
-#include "ui/editor/EditorDialogs.h"
 #include "ui/editor/LyricsTable.h"
 #include "ui/editor/TimeSpin.h"
 
@@ -76,9 +76,8 @@ protected:
     FakeSongList list{journal};
     PlayerTransport transport{state, windows, list};
     FakeTray tray;
-    FakeDialogs playerDialogs;
-    PlayerCommands commands{state, windows, transport, tray, playerDialogs};
     ScriptedDialogs dialogs;
+    PlayerCommands commands{state, windows, transport, tray, dialogs};
     std::unique_ptr<Editor> editor;
 };
 

@@ -2,11 +2,11 @@
 // once and survive a restart, Cancel takes them back, the karaoke reset, the language for the
 // next start, the keyboard tab, and the latency test's clicks and light.
 
-#include "ScriptedDialogs.h"
 #include "core/Colors.h"
 #include "core/SettingsStore.h"
 #include "playback/PlayerState.h"
 #include "support/PlayerSetup.h"
+#include "support/ScriptedDialogs.h"
 #include "ui/kit/Pickers.h"
 #include "ui/options/LyricOptions.h"
 

@@ -2,12 +2,13 @@
 // MIDI song, strips that light up only for the song's channels, faders, mutes and knobs under
 // the mouse, the switch to the equaliser face, and what the next song and closing leave.
 
-#include "SessionWindows.h"
 #include "midi/MidiPlayer.h"
 #include "playback/MidiControls.h"
 #include "playback/PlayerState.h"
 #include "playback/PlayerTransport.h"
+#include "SessionWindows.h"
 #include "support/PlayerSetup.h"
+#include "support/ScriptedDialogs.h"
 #include "ui/midi/MidiEq.h"
 #include "ui/midi/MidiEqLayout.h"
 #include "ui/voice/RegMe.h"
@@ -132,21 +133,10 @@ TEST_F(MidiWindow, TheEqualiserFaceTurnsTheWholeSongBalanceAndANewSongResetsTheK
     EXPECT_FALSE(windows.store.RegReadString("eq position").isEmpty());
 }
 
-namespace {
-
-class QuietMessages final : public MessageBoxes {
-public:
-    void Critical(const QString& text) override { shown << text; }
-    void Inform(const QString& text) override { shown << text; }
-    QStringList shown;
-};
-
-} // namespace
-
 TEST_F(MidiWindow, TheEqualiserFacesMicrophoneToneKnobsLevelBarAndVoiceFader)
 {
     ManualDevice& device = StartManualEngine(state);
-    QuietMessages messages;
+    ScriptedDialogs messages;
     Equalizer equalizer(state);
     QWidget anchor;
     RegMe indicator(state, anchor);

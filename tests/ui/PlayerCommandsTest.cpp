@@ -1,12 +1,13 @@
 // The main window as a user drives it on the offscreen platform: clicks on the skin's buttons,
 // the keyboard table, the menus and the refusals while recording.
 
-#include "SessionWindows.h"
 #include "playback/MediaSession.h"
 #include "playback/PlayerCommands.h"
 #include "playback/PlayerState.h"
 #include "playback/PlayerTransport.h"
+#include "SessionWindows.h"
 #include "support/PlayerSetup.h"
+#include "support/ScriptedDialogs.h"
 #include "ui/player/PlayerServices.h"
 
 #include <QMenu>
@@ -43,7 +44,7 @@ protected:
     SessionWindows windows{state, journal};
     FakeSongList list{journal};
     FakeTray tray;
-    FakeDialogs dialogs;
+    ScriptedDialogs dialogs;
     PlayerTransport transport{state, windows, list};
     PlayerCommands commands{state, windows, transport, tray, dialogs};
     QString song;

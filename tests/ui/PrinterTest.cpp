@@ -1,11 +1,11 @@
 // The editor's print dialog as a user meets it: the saved choices shown, the page previewed on
 // its sheets, the choices kept by OK and forgotten by Cancel.
 
-#include "ScriptedDialogs.h"
 #include "core/Language.h"
 #include "core/Shell.h"
 #include "lyrics/LyricsData.h"
 #include "print/PrintSettings.h"
+#include "support/ScriptedDialogs.h"
 #include "support/TestSupport.h"
 #include "ui/print/Printer.h"
 

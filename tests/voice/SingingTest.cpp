@@ -6,6 +6,7 @@
 #include "playback/PlayerTransport.h"
 #include "support/FakeForms.h"
 #include "support/PlayerSetup.h"
+#include "support/ScriptedDialogs.h"
 #include "voice/Equalizer.h"
 #include "voice/VoiceRecorder.h"
 
@@ -21,13 +22,6 @@ namespace {
 
 constexpr int kVoiceRate = 22050;
 constexpr qint64 kFrameBytes = 4;  // 16-bit stereo
-
-class Messages final : public MessageBoxes {
-public:
-    void Critical(const QString& text) override { shown << text; }
-    void Inform(const QString& text) override { shown << text; }
-    QStringList shown;
-};
 
 class Indicator final : public VoiceIndicator {
 public:
@@ -88,10 +82,10 @@ protected:
     Journal journal;
     FakeWindows windows{journal};
     FakeSongList list{journal};
-    Messages messages;
+    ScriptedDialogs messages;
     Indicator indicator;
     FakeTray tray;
-    FakeDialogs dialogs;
+    ScriptedDialogs dialogs;
     Equalizer equalizer{state};
     VoiceRecorder recorder{state, windows, messages, equalizer, indicator};
     PlayerTransport transport{state, windows, list};
@@ -204,18 +198,18 @@ TEST_F(Singing, RecordingWantsTheMicrophoneAndTheVoiceWaitsForTheRecording)
     PlayFrom(1.0);
     commands.ButtonAction(12);
     EXPECT_FALSE(state.Recording);
-    EXPECT_EQ(messages.shown, QStringList{QStringLiteral("Switch microphone function first.")});
+    EXPECT_EQ(messages.Shown(), QStringList{QStringLiteral("Switch microphone function first.")});
 
     state.Language.IsPolish = true;
     commands.KeyDown(Qt::Key_R, Qt::NoModifier);
-    EXPECT_EQ(messages.shown.last(), QStringLiteral("Włącz funkcję mikrofonu, by móc nagrywać."));
+    EXPECT_EQ(messages.Shown().last(), QStringLiteral("Włącz funkcję mikrofonu, by móc nagrywać."));
     state.Language.IsPolish = false;
 
     commands.KeyDown(Qt::Key_M, Qt::NoModifier);
     commands.KeyDown(Qt::Key_R, Qt::NoModifier);
     ASSERT_TRUE(state.Recording);
     commands.ButtonAction(13);
-    EXPECT_EQ(messages.shown.last(), QStringLiteral("Stop recording first."));
+    EXPECT_EQ(messages.Shown().last(), QStringLiteral("Stop recording first."));
     EXPECT_FALSE(state.VoicePlaying);
     commands.ButtonAction(11);
     EXPECT_TRUE(state.MicrophoneOn) << "the microphone stays on while a take is recorded";

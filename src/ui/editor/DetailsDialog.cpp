@@ -1,10 +1,10 @@
 #include "ui/editor/DetailsDialog.h"
 
 #include "core/Colors.h"
+#include "core/Dialogs.h"
 #include "core/Language.h"
 #include "core/ThemeClass.h"
 #include "lyrics/LyricTime.h"
-#include "ui/editor/EditorDialogs.h"
 #include "ui/editor/PictureDialog.h"
 #include "ui/kit/Desktop.h"
 #include "ui/kit/Palette.h"
@@ -66,7 +66,7 @@ QSpinBox* Spin(int minimum, int maximum, const QString& name)
 } // namespace
 
 DetailsDialog::DetailsDialog(LyricsState& lyrics, const ThemeClass& theme, const LanguageTable& language,
-                             EditorDialogs& dialogs, const QString& baseFolder, QWidget* parent)
+                             Dialogs& dialogs, const QString& baseFolder, QWidget* parent)
     : QDialog(parent), m_lyrics(lyrics), m_theme(theme), m_language(language), m_dialogs(dialogs),
       m_baseFolder(baseFolder), m_choice(DetailsOf(lyrics.EditLyrics[0], lyrics.EditPictures, theme))
 {

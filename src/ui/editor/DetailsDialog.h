@@ -9,7 +9,7 @@
 #include <functional>
 #include <optional>
 
-class EditorDialogs;
+class Dialogs;
 class LanguageTable;
 class QButtonGroup;
 class QCheckBox;
@@ -26,7 +26,7 @@ class DetailsDialog final : public QDialog {
     Q_OBJECT
 public:
     // Picture names that are not absolute belong to the lyrics' folder.
-    DetailsDialog(LyricsState& lyrics, const ThemeClass& theme, const LanguageTable& language, EditorDialogs& dialogs,
+    DetailsDialog(LyricsState& lyrics, const ThemeClass& theme, const LanguageTable& language, Dialogs& dialogs,
                   const QString& baseFolder, QWidget* parent = nullptr);
 
     // The picture details dialog for a new row (nullptr) or a row's copy; nothing when cancelled.
@@ -62,7 +62,7 @@ private:
     LyricsState& m_lyrics;
     const ThemeClass& m_theme;
     const LanguageTable& m_language;
-    EditorDialogs& m_dialogs;
+    Dialogs& m_dialogs;
     QString m_baseFolder;
     DetailsChoice m_choice;
     bool m_filling = false;

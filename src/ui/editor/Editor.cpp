@@ -1,5 +1,6 @@
 #include "ui/editor/Editor.h"
 
+#include "core/Dialogs.h"
 #include "core/SettingsStore.h"
 #include "core/WindowPosition.h"
 #include "editor/LyricsDetails.h"
@@ -8,12 +9,11 @@
 #include "playback/PlayerState.h"
 #include "playback/PlayerTransport.h"
 #include "ui/editor/DetailsDialog.h"
-#include "ui/print/Printer.h"
-#include "ui/editor/EditorDialogs.h"
 #include "ui/editor/LyricsTable.h"
 #include "ui/editor/TimeSpin.h"
 #include "ui/kit/Desktop.h"
 #include "ui/kit/Palette.h"
+#include "ui/print/Printer.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -132,7 +132,7 @@ bool Editor::EditsSongThatPlays() const
 }
 
 Editor::Editor(PlayerState& state, SettingsStore& store, FormProvider& forms, PlayerTransport& transport,
-               PlayerCommands& commands, EditorDialogs& dialogs)
+               PlayerCommands& commands, Dialogs& dialogs)
     : m_state(state), m_store(store), m_forms(forms), m_transport(transport), m_commands(commands),
       m_dialogs(dialogs), m_document(state.Lyrics),
       m_timing(m_document, state.Lyrics, state.Clock,

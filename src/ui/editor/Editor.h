@@ -12,7 +12,7 @@
 #include <QTimer>
 #include <map>
 
-class EditorDialogs;
+class Dialogs;
 class LyricsList;
 class LyricsTableModel;
 class PlayerCommands;
@@ -31,7 +31,7 @@ class Editor final : public QMainWindow, public EditorForm {
     Q_OBJECT
 public:
     Editor(PlayerState& state, SettingsStore& store, FormProvider& forms, PlayerTransport& transport,
-           PlayerCommands& commands, EditorDialogs& dialogs);
+           PlayerCommands& commands, Dialogs& dialogs);
     ~Editor() override;
 
     void Show() override;
@@ -155,7 +155,7 @@ private:
     FormProvider& m_forms;
     PlayerTransport& m_transport;
     PlayerCommands& m_commands;
-    EditorDialogs& m_dialogs;
+    Dialogs& m_dialogs;
     EditorDocument m_document;
     EditorTiming m_timing;
 

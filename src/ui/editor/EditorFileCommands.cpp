@@ -1,6 +1,7 @@
 // The editor's File and Help menus: lyrics, text and song files in and out, the lyrics tried
 // on the song that plays, the pages of the maker's site, and the feedback and about boxes.
 
+#include "core/Dialogs.h"
 #include "core/Language.h"
 #include "core/SettingsStore.h"
 #include "core/Shell.h"
@@ -14,7 +15,6 @@
 #include "playback/PlayerTransport.h"
 #include "tags/LyricsEmbedding.h"
 #include "ui/editor/Editor.h"
-#include "ui/editor/EditorDialogs.h"
 #include "ui/kit/AboutBoxes.h"
 
 #include <QApplication>
@@ -54,7 +54,7 @@ void Editor::EmptyDocument()
 
 void Editor::NothingToSave()
 {
-    m_dialogs.Information(m_state.Language.GetText(QStringLiteral("MsgSave")));
+    m_dialogs.Inform(m_state.Language.GetText(QStringLiteral("MsgSave")));
 }
 
 void Editor::MenuSave()
@@ -78,7 +78,7 @@ void Editor::SaveIntoSong()
     host.Polish = m_state.Language.IsPolish;
     host.Text = [this](const char* key) { return m_state.Language.GetText(QString::fromLatin1(key)); };
     host.Critical = [this](const QString& text) { m_dialogs.Critical(text); };
-    host.Information = [this](const QString& text) { m_dialogs.Information(text); };
+    host.Information = [this](const QString& text) { m_dialogs.Inform(text); };
     bool busy = false;
     host.WaitCursor = [&busy](bool on) {
         if (on != busy)

@@ -1,9 +1,9 @@
 #include "ui/editor/PictureDialog.h"
 
+#include "core/Dialogs.h"
 #include "core/Language.h"
 #include "core/ThemeClass.h"
 #include "lyrics/LyricTime.h"
-#include "ui/editor/EditorDialogs.h"
 #include "ui/kit/Desktop.h"
 #include "ui/kit/Palette.h"
 
@@ -111,7 +111,7 @@ void TransitionPreview::paintEvent(QPaintEvent*)
 // ---- The dialog ----------------------------------------------------------------------------------
 
 PictureDialog::PictureDialog(const PictureItem* row, const QImage& before, const ThemeClass& theme,
-                             const LanguageTable& language, EditorDialogs& dialogs, const QString& baseFolder,
+                             const LanguageTable& language, Dialogs& dialogs, const QString& baseFolder,
                              QWidget* parent)
     : QDialog(parent), m_language(language), m_dialogs(dialogs), m_baseFolder(baseFolder), m_before(before)
 {

@@ -10,7 +10,7 @@
 #include <QTimer>
 #include <optional>
 
-class EditorDialogs;
+class Dialogs;
 class LanguageTable;
 class QComboBox;
 class QLabel;
@@ -48,7 +48,7 @@ class PictureDialog final : public QDialog {
 public:
     // A new picture starts from the settings' effect; an existing row from its own values.
     PictureDialog(const PictureItem* row, const QImage& before, const ThemeClass& theme, const LanguageTable& language,
-                  EditorDialogs& dialogs, const QString& baseFolder, QWidget* parent = nullptr);
+                  Dialogs& dialogs, const QString& baseFolder, QWidget* parent = nullptr);
 
     // The row as the controls say.
     PictureItem Picture() const;
@@ -69,7 +69,7 @@ private:
     void ShowDetails(const QString& chosen);
 
     const LanguageTable& m_language;
-    EditorDialogs& m_dialogs;
+    Dialogs& m_dialogs;
     QString m_baseFolder;
     QImage m_before;
     QLineEdit* m_file;

@@ -1,6 +1,5 @@
 #include "ui/kit/Desktop.h"
 
-#include <QMessageBox>
 #include <QWidget>
 
 QString DisplayText(const QString& text)
@@ -15,14 +14,4 @@ void SetTopMost(QWidget& window, bool flag)
     window.setWindowFlag(Qt::WindowStaysOnTopHint, flag);
     if (visible)
         window.show();
-}
-
-void WidgetMessageBoxes::Critical(const QString& text)
-{
-    QMessageBox::critical(nullptr, QStringLiteral("Songweaver"), DisplayText(text));
-}
-
-void WidgetMessageBoxes::Inform(const QString& text)
-{
-    QMessageBox::information(nullptr, QStringLiteral("Songweaver"), DisplayText(text));
 }

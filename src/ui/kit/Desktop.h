@@ -12,9 +12,3 @@ QString DisplayText(const QString& text);
 
 // Keeps a window above the others, or lets it go back among them.
 void SetTopMost(QWidget& window, bool flag);
-
-class WidgetMessageBoxes final : public MessageBoxes {
-public:
-    void Critical(const QString& text) override;
-    void Inform(const QString& text) override;
-};

@@ -2,11 +2,11 @@
 
 #include "audio/SoundDevices.h"
 #include "core/Colors.h"
+#include "core/Dialogs.h"
 #include "core/SettingsStore.h"
 #include "karaoke/Transitions.h"
 #include "playback/LatencyClicks.h"
 #include "playback/PlayerState.h"
-#include "ui/editor/EditorDialogs.h"
 #include "ui/kit/Pickers.h"
 
 #include <QButtonGroup>
@@ -91,7 +91,7 @@ QWidget* Page(std::initializer_list<QWidget*> groups)
 
 } // namespace
 
-LyricOptions::LyricOptions(PlayerState& state, SettingsStore& store, EditorDialogs& dialogs, QWidget* parent)
+LyricOptions::LyricOptions(PlayerState& state, SettingsStore& store, Dialogs& dialogs, QWidget* parent)
     : QDialog(parent), m_state(state), m_store(store), m_dialogs(dialogs), m_kept(state.Theme->StoredValues()),
       m_tabs(new QTabWidget), m_lampTimer(new QTimer(this))
 {

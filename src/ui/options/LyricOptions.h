@@ -12,7 +12,7 @@
 #include <vector>
 
 struct PlayerState;
-class EditorDialogs;
+class Dialogs;
 class LatencyClicks;
 class QTabWidget;
 class QTimer;
@@ -23,7 +23,7 @@ class LyricOptions final : public QDialog {
 public:
     enum Tab { General = 0, Karaoke = 1, Colors = 2, Pictures = 3, Sound = 4, Keyboard = 5 };
 
-    LyricOptions(PlayerState& state, SettingsStore& store, EditorDialogs& dialogs, QWidget* parent = nullptr);
+    LyricOptions(PlayerState& state, SettingsStore& store, Dialogs& dialogs, QWidget* parent = nullptr);
     ~LyricOptions() override;
 
     void ShowTab(int tab);
@@ -53,7 +53,7 @@ private:
 
     PlayerState& m_state;
     SettingsStore& m_store;
-    EditorDialogs& m_dialogs;
+    Dialogs& m_dialogs;
     std::vector<std::pair<QString, QString>> m_kept;
     QTabWidget* m_tabs;
     // Each control's way to show the settings again after Cancel or a reset.

@@ -3,7 +3,6 @@
 #include "playback/PlayerTransport.h"
 #include "ui/player/PlayerWindow.h"
 
-#include <QFileDialog>
 
 void ConnectPlayerWindow(PlayerWindow& player, PlayerCommands& commands, PlayerTransport& transport)
 {
@@ -39,9 +38,4 @@ void SystemTray::Show()
 bool SystemTray::Available() const
 {
     return QSystemTrayIcon::isSystemTrayAvailable();
-}
-
-QStringList WidgetFileDialogs::OpenFileNames(const QString& title, const QString& folder, const QString& filter)
-{
-    return QFileDialog::getOpenFileNames(m_parent, title, folder, filter);
 }

@@ -33,12 +33,3 @@ private:
     // A dialog or menu inside the handler pumps events; the handler must not run twice.
     bool m_inEvent = false;
 };
-
-class WidgetFileDialogs final : public FileDialogs {
-public:
-    explicit WidgetFileDialogs(QWidget* parent) : m_parent(parent) {}
-    QStringList OpenFileNames(const QString& title, const QString& folder, const QString& filter) override;
-
-private:
-    QWidget* m_parent;
-};

@@ -1,9 +1,9 @@
 #include "ui/print/Printer.h"
 
+#include "core/Dialogs.h"
 #include "core/Language.h"
 #include "print/LyricsDocument.h"
 #include "print/PrintedPages.h"
-#include "ui/editor/EditorDialogs.h"
 #include "ui/kit/Pickers.h"
 
 #include <QButtonGroup>
@@ -26,7 +26,7 @@ constexpr const char* kAlignments[][2] = {{"Left", "PrintLeft"}, {"Center", "Pri
 } // namespace
 
 Printer::Printer(const std::vector<LyricItem>& lyrics, SettingsStore& store, const LanguageTable& language,
-                 EditorDialogs& dialogs, QWidget* parent)
+                 Dialogs& dialogs, QWidget* parent)
     : QDialog(parent),
       m_lyrics(lyrics),
       m_store(store),

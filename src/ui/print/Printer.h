@@ -12,7 +12,7 @@
 
 struct LyricItem;
 class ColorButton;
-class EditorDialogs;
+class Dialogs;
 class FontButton;
 class LanguageTable;
 class QButtonGroup;
@@ -24,7 +24,7 @@ class Printer final : public QDialog {
     Q_OBJECT
 public:
     Printer(const std::vector<LyricItem>& lyrics, SettingsStore& store, const LanguageTable& language,
-            EditorDialogs& dialogs, QWidget* parent = nullptr);
+            Dialogs& dialogs, QWidget* parent = nullptr);
     ~Printer() override;
 
     // The page of the current choices, written to the temporary folder under the name and read
@@ -52,7 +52,7 @@ private:
     const std::vector<LyricItem>& m_lyrics;
     SettingsStore& m_store;
     const LanguageTable& m_language;
-    EditorDialogs& m_dialogs;
+    Dialogs& m_dialogs;
     PrintSettings m_settings;
     QPrinter m_printer;
 
