@@ -83,7 +83,7 @@ int main(int argc, char* argv[])
 
     commands.MenuCommand(QStringLiteral("Karaoke"));
     transport.OpenSong(song, true);
-    commands.ButtonAction(14);
+    commands.ButtonAction(PlayerButton::Editor);
     Editor& editor = *windows.EditorWidget();
     QString words;
     for (int line = 0; line < 40; ++line)

@@ -144,10 +144,10 @@ void Application::FormShow()
             m_state.Songs.LoadSavedList(lastPlaylist);
     }
 
-    player.Light(2, 1);
+    player.Light(PlayerLamp::Stop, true);
     if (m_mixer && m_mixer->MasterMuted()) {
         m_state.Muted = true;
-        player.SetButton(6, 0);
+        player.SetButton(PlayerButton::Mute, 0);
     }
 }
 

@@ -79,7 +79,10 @@ int main(int argc, char* argv[])
     windows.LyricLoaded = [&state](LyricWindow& lyric) { LogLitSyllables(lyric, state.Lyrics); };
     ArmHeadlessRun(closeApp);
     ArmScriptedKeys([&commands](int key) { commands.KeyDown(key, Qt::NoModifier); },
-                    [&commands](int button) { commands.ButtonAction(button); });
+                    [&commands](int number) {
+                        if (const auto button = ButtonOfNumber(number))
+                            commands.ButtonAction(*button);
+                    });
 
     if (!application.Main(commandLine) || ended)
         return 0;

@@ -6,7 +6,39 @@
 #include <QRect>
 #include <QString>
 #include <QStringList>
+#include <optional>
 #include <vector>
+
+// The main window's buttons, numbered as its skin places them.
+enum class PlayerButton {
+    Previous = 1,
+    Play,
+    Pause,
+    Stop,
+    Next,
+    Mute,
+    Preferences,
+    Open,
+    Controls,
+    Playlist,
+    Microphone,
+    Record,
+    Voice,
+    Editor,
+    Karaoke,
+};
+constexpr int kPlayerButtons = int(PlayerButton::Karaoke);
+
+// The button of a skin number, nothing for a number no button has.
+inline std::optional<PlayerButton> ButtonOfNumber(int number)
+{
+    if (number < 1 || number > kPlayerButtons)
+        return std::nullopt;
+    return PlayerButton(number);
+}
+
+// The main window's lamps.
+enum class PlayerLamp { Play, Pause, Stop, Microphone, Record, Voice };
 
 class Form {
 public:
@@ -38,8 +70,8 @@ public:
     // The volume slider, 0 to 1.
     virtual double VolumeValue() const = 0;
     virtual void SetVolumeSlider(double value) = 0;
-    virtual void Light(int index, int state) = 0;
-    virtual void SetButton(int index, int state) = 0;
+    virtual void Light(PlayerLamp lamp, bool on) = 0;
+    virtual void SetButton(PlayerButton button, int state) = 0;
     // Artist and title, each fitted to its label.
     virtual void PutLabels(const QString& artist, const QString& title) = 0;
     // The " Kb/s" and " Hz" texts of the song, empty when unknown.

@@ -16,63 +16,61 @@ PlayerCommands::PlayerCommands(PlayerState& state, FormProvider& forms, PlayerTr
 {
 }
 
-void PlayerCommands::ButtonAction(int button)
+void PlayerCommands::ButtonAction(PlayerButton button)
 {
-    if (button < 1 || button > 15)
-        return;
     const bool recording = m_state.Recording;
-    if (button == 12)
-        m_forms.Player().SetButton(12, 0);
+    if (button == PlayerButton::Record)
+        m_forms.Player().SetButton(PlayerButton::Record, 0);
     switch (button) {
-    case 1:
+    case PlayerButton::Previous:
         if (!recording)
             m_transport.WSTECZ();
         break;
-    case 2:
+    case PlayerButton::Play:
         m_transport.PlaySong();
         break;
-    case 3:
+    case PlayerButton::Pause:
         m_transport.PauseSong();
         break;
-    case 4:
+    case PlayerButton::Stop:
         m_transport.StopSong();
         break;
-    case 5:
+    case PlayerButton::Next:
         if (!recording)
             m_transport.DALEJ();
         break;
-    case 6:
+    case PlayerButton::Mute:
         if (!recording)
             ToggleMute();
         break;
-    case 7:
+    case PlayerButton::Preferences:
         ShowPreferences(0);
         break;
-    case 8:
+    case PlayerButton::Open:
         OpenFileDialog();
         break;
-    case 9:
+    case PlayerButton::Controls:
         ToggleControls();
         break;
-    case 10:
+    case PlayerButton::Playlist:
         TogglePlaylist();
         break;
-    case 11:
+    case PlayerButton::Microphone:
         if (!recording && m_transport.Voice())
             m_transport.Voice()->SwitchMicrophone();
         break;
-    case 12:
+    case PlayerButton::Record:
         ToggleRecording();
         break;
-    case 13:
+    case PlayerButton::Voice:
         if (VoiceCommands* voice = m_transport.Voice())
             m_state.VoicePlaying ? voice->StopVoice() : voice->ToggleVoice();
         break;
-    case 14:
+    case PlayerButton::Editor:
         if (!recording)
             ToggleEditor();
         break;
-    case 15:
+    case PlayerButton::Karaoke:
         ToggleKaraoke();
         break;
     }
@@ -93,7 +91,7 @@ void PlayerCommands::ShowPreferences(int tab)
 void PlayerCommands::ToggleMute()
 {
     m_transport.SetMuted(!m_state.Muted);
-    m_forms.Player().SetButton(6, 0);
+    m_forms.Player().SetButton(PlayerButton::Mute, 0);
 }
 
 void PlayerCommands::GetInfo()
@@ -192,12 +190,20 @@ void PlayerCommands::SwapTimeStyle()
 
 void PlayerCommands::MenuCommand(const QString& key)
 {
-    static const std::map<QString, int> kButtons = {
-        {QStringLiteral("Previous"), 1}, {QStringLiteral("Play"), 2},       {QStringLiteral("Pause"), 3},
-        {QStringLiteral("Stop"), 4},     {QStringLiteral("Next"), 5},       {QStringLiteral("Open"), 8},
-        {QStringLiteral("List"), 10},    {QStringLiteral("Microphone"), 11}, {QStringLiteral("Record"), 12},
-        {QStringLiteral("Voice"), 13},   {QStringLiteral("Editor"), 14},    {QStringLiteral("Karaoke"), 15},
-        {QStringLiteral("Prefs"), 7},
+    static const std::map<QString, PlayerButton> kButtons = {
+        {QStringLiteral("Previous"), PlayerButton::Previous},
+        {QStringLiteral("Play"), PlayerButton::Play},
+        {QStringLiteral("Pause"), PlayerButton::Pause},
+        {QStringLiteral("Stop"), PlayerButton::Stop},
+        {QStringLiteral("Next"), PlayerButton::Next},
+        {QStringLiteral("Open"), PlayerButton::Open},
+        {QStringLiteral("List"), PlayerButton::Playlist},
+        {QStringLiteral("Microphone"), PlayerButton::Microphone},
+        {QStringLiteral("Record"), PlayerButton::Record},
+        {QStringLiteral("Voice"), PlayerButton::Voice},
+        {QStringLiteral("Editor"), PlayerButton::Editor},
+        {QStringLiteral("Karaoke"), PlayerButton::Karaoke},
+        {QStringLiteral("Prefs"), PlayerButton::Preferences},
     };
     // "Control" stays inert: the dispatcher has always looked for "Controls", which no item has.
     if (const auto it = kButtons.find(key); it != kButtons.end())
@@ -286,7 +292,7 @@ bool PlayerCommands::KeyDown(int key, Qt::KeyboardModifiers modifiers)
         return true;
     }
     if (key == Qt::Key_E && ctrl) {
-        ButtonAction(14);
+        ButtonAction(PlayerButton::Editor);
         return true;
     }
     if (key == Qt::Key_T && ctrl) {

@@ -30,7 +30,7 @@ public:
     // The program's orderly way out.
     std::function<void()> CloseApp;
 
-    void ButtonAction(int button);
+    void ButtonAction(PlayerButton button);
     void MenuCommand(const QString& key);
     // True when the key matched a row of the keyboard table and its command exists.
     bool KeyDown(int key, Qt::KeyboardModifiers modifiers);

@@ -88,11 +88,11 @@ bool PlayerTransport::CreateGraph(const QString& path)
     return !failed;
 }
 
-void PlayerTransport::TransportLamps(int play, int pause, int stop)
+void PlayerTransport::TransportLamps(PlayerLamp lit)
 {
-    Player().Light(1, pause);
-    Player().Light(0, play);
-    Player().Light(2, stop);
+    Player().Light(PlayerLamp::Pause, lit == PlayerLamp::Pause);
+    Player().Light(PlayerLamp::Play, lit == PlayerLamp::Play);
+    Player().Light(PlayerLamp::Stop, lit == PlayerLamp::Stop);
 }
 
 void PlayerTransport::PlaySong()
@@ -107,7 +107,7 @@ void PlayerTransport::PlaySong()
     if (m_state.VoiceControl && m_state.VoicePlaying)
         m_state.VoiceControl->Run();
     m_ticks.Start();
-    TransportLamps(1, 0, 0);
+    TransportLamps(PlayerLamp::Play);
 }
 
 void PlayerTransport::PauseSong()
@@ -122,7 +122,7 @@ void PlayerTransport::PauseSong()
         m_state.Session->Pause();
     if (m_state.VoiceControl)
         m_state.VoiceControl->Pause();
-    TransportLamps(0, 1, 0);
+    TransportLamps(PlayerLamp::Pause);
 }
 
 void PlayerTransport::StopSong()
@@ -144,7 +144,7 @@ void PlayerTransport::StopSong()
     Player().SetTimeText(QStringLiteral("0"));
     if (lyric)
         lyric->GetLastPos();
-    TransportLamps(0, 0, 1);
+    TransportLamps(PlayerLamp::Stop);
 }
 
 void PlayerTransport::StopVoice()
@@ -178,7 +178,7 @@ void PlayerTransport::CloseSong()
         m_state.Session->Stop();
         m_state.Session.reset();
     }
-    TransportLamps(0, 0, 1);
+    TransportLamps(PlayerLamp::Stop);
 }
 
 void PlayerTransport::SeekTo(double fraction)

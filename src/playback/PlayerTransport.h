@@ -86,7 +86,8 @@ private:
     // file cannot be played; the old session is gone either way.
     bool CreateGraph(const QString& path);
     std::unique_ptr<SongSession> RenderedSession(const QString& path, bool& failed);
-    void TransportLamps(int play, int pause, int stop);
+    // One of the play, pause and stop lamps.
+    void TransportLamps(PlayerLamp lit);
     void StopVoice();
     void OpenAudioSong(const QString& path, bool autoplay);
     void OpenMidiSong(const QString& path);

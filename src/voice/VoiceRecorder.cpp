@@ -36,7 +36,7 @@ void VoiceRecorder::SwitchMicrophone()
         m_equalizer.SwitchLineOut(0);
         m_equalizer.StopMicro();
         m_state.MicrophoneOn = false;
-        player.Light(3, 0);
+        player.Light(PlayerLamp::Microphone, false);
         return;
     }
     if (!m_equalizer.SetMicro()) {
@@ -46,7 +46,7 @@ void VoiceRecorder::SwitchMicrophone()
     // While the voice plays the singer hears the recording, not the microphone.
     m_equalizer.SwitchLineOut(m_state.VoicePlaying ? 0 : 1);
     m_state.MicrophoneOn = true;
-    player.Light(3, 1);
+    player.Light(PlayerLamp::Microphone, true);
 }
 
 void VoiceRecorder::VoicePath()
@@ -69,8 +69,8 @@ void VoiceRecorder::StartVoiceRecord()
     if (m_state.VoicePlaying)
         StopVoice();
     m_state.Recording = true;
-    m_forms.Player().Light(4, 1);
-    m_forms.Player().SetButton(12, 2);
+    m_forms.Player().Light(PlayerLamp::Record, true);
+    m_forms.Player().SetButton(PlayerButton::Record, 2);
     m_indicator.Show();
     BeginWaveFile();
 }
@@ -141,8 +141,8 @@ void VoiceRecorder::FinishRecording(bool cancel)
 void VoiceRecorder::EndRecordingState()
 {
     m_state.Recording = false;
-    m_forms.Player().Light(4, 0);
-    m_forms.Player().SetButton(12, 0);
+    m_forms.Player().Light(PlayerLamp::Record, false);
+    m_forms.Player().SetButton(PlayerButton::Record, 0);
     m_indicator.Hide();
 }
 
@@ -161,11 +161,11 @@ void VoiceRecorder::ToggleVoice()
         return;
     }
     PlayerForm& player = m_forms.Player();
-    player.Light(5, 1);
+    player.Light(PlayerLamp::Voice, true);
     const QString path = VoicePlaybackFile();
     auto voice = m_state.Engine && QFile::exists(path) ? std::make_unique<MediaSession>(*m_state.Engine) : nullptr;
     if (!voice || !voice->RenderFile(path)) {
-        player.Light(5, 0);
+        player.Light(PlayerLamp::Voice, false);
         m_state.VoicePlaying = false;
         return;
     }
@@ -191,5 +191,5 @@ void VoiceRecorder::StopVoice()
     if (m_state.MicrophoneOn)
         m_equalizer.SwitchLineOut(1);
     m_indicator.Hide();
-    m_forms.Player().Light(5, 0);
+    m_forms.Player().Light(PlayerLamp::Voice, false);
 }

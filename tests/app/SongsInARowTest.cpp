@@ -50,7 +50,7 @@ protected:
                 lit.push_back({index, position});
             });
         };
-        commands.ButtonAction(15);  // the karaoke window, as a singer opens it
+        commands.ButtonAction(PlayerButton::Karaoke);  // the karaoke window, as a singer opens it
         EXPECT_TRUE(state.KaraokeOpen);
         windows.LyricWidget()->resize(640, 360);
 
@@ -133,7 +133,7 @@ TEST_F(Evening, NextAndTheEndOfASongMoveOnWithTheirLyrics)
     state.Songs.AddItem(QStringLiteral("second"), QStringLiteral("00:03"), second);
     transport.fnChangeSong(0);
     Play(2.0);
-    commands.ButtonAction(5);  // Next
+    commands.ButtonAction(PlayerButton::Next);  // Next
     Play(1.2);
     ExpectSecondSongLitInTime(8);
 
@@ -166,7 +166,7 @@ TEST_F(Evening, WordsTappedInTheEditorLightOnTheKaraokeWindowAndPlayBackAfterThe
     // A song without lyrics plays; the editor comes up on it and the words are split.
     const QString song = WriteRampWav(dir.filePath("untimed.wav"), kRate * 6, kRate);
     transport.OpenFromCommandLine(song);
-    commands.ButtonAction(14);
+    commands.ButtonAction(PlayerButton::Editor);
     Editor& editor = *windows.EditorWidget();
     ASSERT_TRUE(editor.isVisible());
     editor.LyricsBox().setPlainText(QStringLiteral("Here we go\r\nsing it now"));
@@ -187,7 +187,7 @@ TEST_F(Evening, WordsTappedInTheEditorLightOnTheKaraokeWindowAndPlayBackAfterThe
     editor.Command(QStringLiteral("MenuSave"));
     QTRY_VERIFY(ReadFileBytes(song).contains("#End Songweaver"));
     const std::vector<LyricItem> tapped = state.Lyrics.EditLyrics;
-    commands.ButtonAction(14);
+    commands.ButtonAction(PlayerButton::Editor);
     EXPECT_FALSE(state.EditorOpen);
     transport.CloseSong();
     lit.clear();
@@ -209,7 +209,7 @@ TEST_F(Evening, PreferencesOpenedInMidSongShowOnTheKaraokeWindowAndCancelTakesTh
     ASSERT_TRUE(options);
     EXPECT_TRUE(options->isVisible());
     EXPECT_EQ(options->findChild<QTabWidget*>()->currentIndex(), 5);
-    commands.ButtonAction(7);
+    commands.ButtonAction(PlayerButton::Preferences);
     EXPECT_EQ(windows.Preferences(), options) << "one preferences window at a time";
     EXPECT_EQ(options->findChild<QTabWidget*>()->currentIndex(), 0);
 

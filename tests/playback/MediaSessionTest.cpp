@@ -77,12 +77,12 @@ TEST_F(TransportTest, PlayAfterPauseGoesOnAndAfterStopStartsAtZero)
     transport.PauseSong();
     Play(0.2);
     EXPECT_DOUBLE_EQ(Session()->get_CurrentPosition(), 0.5);
-    EXPECT_EQ(windows.player.lamps[1], 1) << "the pause lamp";
+    EXPECT_EQ(windows.player.Lit(PlayerLamp::Pause), true) << "the pause lamp";
     transport.PlaySong();
     Play(0.2);
     EXPECT_DOUBLE_EQ(Session()->get_CurrentPosition(), 0.7) << "a paused song goes on where it stood";
-    EXPECT_EQ(windows.player.lamps[0], 1);
-    EXPECT_EQ(windows.player.lamps[1], 0);
+    EXPECT_EQ(windows.player.Lit(PlayerLamp::Play), true);
+    EXPECT_EQ(windows.player.Lit(PlayerLamp::Pause), false);
 
     transport.StopSong();
     EXPECT_EQ(Session()->GetState(), 0);

@@ -54,7 +54,7 @@ TEST_F(Commands, WithoutASystemTrayMinimisingMinimisesTheWindows)
 
 TEST_F(Commands, PreferencesAboutAndTutorialOpenOnTheirTabsButNotWhileRecording)
 {
-    commands.ButtonAction(7);
+    commands.ButtonAction(PlayerButton::Preferences);
     commands.MenuCommand("Prefs");
     commands.MenuCommand("Keyboard");
     EXPECT_TRUE(commands.KeyDown(Qt::Key_P, Qt::ControlModifier));
@@ -67,7 +67,7 @@ TEST_F(Commands, PreferencesAboutAndTutorialOpenOnTheirTabsButNotWhileRecording)
 
     windows.shownInfo.clear();
     state.Recording = true;
-    commands.ButtonAction(7);
+    commands.ButtonAction(PlayerButton::Preferences);
     for (const char* key : {"Prefs", "Keyboard", "About", "HelpMe"})
         commands.MenuCommand(QString::fromLatin1(key));
     EXPECT_TRUE(commands.KeyDown(Qt::Key_P, Qt::ControlModifier)) << "the key is taken, its command refused";
@@ -107,12 +107,12 @@ TEST_F(Commands, ButtonFourteenAndCtrlEOpenAndUnloadTheEditorButNotWhileRecordin
     PlayerCommands own(state, fresh, transport, tray, dialogs);
     state.Recording = true;
     EXPECT_TRUE(own.KeyDown(Qt::Key_E, Qt::ControlModifier));
-    own.ButtonAction(14);
+    own.ButtonAction(PlayerButton::Editor);
     EXPECT_EQ(fresh.Editor(), nullptr);
     EXPECT_FALSE(state.EditorOpen);
 
     state.Recording = false;
-    own.ButtonAction(14);
+    own.ButtonAction(PlayerButton::Editor);
     ASSERT_NE(fresh.Editor(), nullptr);
     EXPECT_TRUE(state.EditorOpen);
     own.KeyDown(Qt::Key_E, Qt::ControlModifier);
@@ -128,10 +128,10 @@ TEST_F(Commands, ButtonNineLoadsAndTogglesTheMidiWindowWhileTheMenusControlItemS
     PlayerCommands own(state, fresh, transport, tray, dialogs);
     own.MenuCommand("Control");
     EXPECT_EQ(fresh.MidiEq(), nullptr) << "the menu item has never reached the window";
-    own.ButtonAction(9);
+    own.ButtonAction(PlayerButton::Controls);
     ASSERT_NE(fresh.MidiEq(), nullptr);
     EXPECT_TRUE(state.ControlsOpen);
-    own.ButtonAction(9);
+    own.ButtonAction(PlayerButton::Controls);
     EXPECT_FALSE(state.ControlsOpen);
     EXPECT_EQ(journal.calls, (QStringList{"MidiEq.Show", "MidiEq.Hide"}));
 }

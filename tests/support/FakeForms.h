@@ -43,12 +43,15 @@ public:
     void SetProgress(double f) override { progress = f; }
     double VolumeValue() const override { return volume; }
     void SetVolumeSlider(double v) override { Log(QStringLiteral("SetVolumeSlider %1").arg(v)); }
-    void Light(int i, int s) override
+    void Light(PlayerLamp lamp, bool on) override
     {
-        lamps[size_t(i)] = s;
-        Log(QStringLiteral("Light %1,%2").arg(i).arg(s));
+        lamps[size_t(lamp)] = on;
+        Log(QStringLiteral("Light %1,%2").arg(int(lamp)).arg(int(on)));
     }
-    void SetButton(int i, int s) override { Log(QStringLiteral("SetButton %1,%2").arg(i).arg(s)); }
+    void SetButton(PlayerButton button, int s) override
+    {
+        Log(QStringLiteral("SetButton %1,%2").arg(int(button)).arg(s));
+    }
     void PutLabels(const QString& a, const QString& t) override
     {
         artist = a;
@@ -65,7 +68,8 @@ public:
     QString timeStyle = QStringLiteral("CURRENT");
     double progress = -1;
     double volume = 1.0;
-    int lamps[6] = {};
+    bool lamps[6] = {};
+    bool Lit(PlayerLamp lamp) const { return lamps[size_t(lamp)]; }
     QString artist, title, bitrate, sampleRate;
 };
 

@@ -57,13 +57,13 @@ TEST_F(MainWindow, ClicksOnTheButtonShapesRunTheirCommands)
 {
     Click(2);
     EXPECT_EQ(SessionState(), 2);
-    EXPECT_TRUE(windows.player.LampLit(0));
+    EXPECT_TRUE(windows.player.LampLit(PlayerLamp::Play));
     Click(3);
     EXPECT_EQ(SessionState(), 1);
-    EXPECT_TRUE(windows.player.LampLit(1));
+    EXPECT_TRUE(windows.player.LampLit(PlayerLamp::Pause));
     Click(4);
     EXPECT_EQ(SessionState(), 0);
-    EXPECT_TRUE(windows.player.LampLit(2));
+    EXPECT_TRUE(windows.player.LampLit(PlayerLamp::Stop));
     Click(5);
     EXPECT_EQ(state.CurrentFile, dir.filePath("next.wav"));
     Click(1);
@@ -84,13 +84,13 @@ TEST_F(MainWindow, MuteActsOnThePressAndStaysDrawnPressed)
     EXPECT_TRUE(state.Muted) << "on the press, before any release";
     QTest::mouseRelease(&windows.player, Qt::LeftButton, {}, Centre(6));
     EXPECT_TRUE(state.Muted) << "the release does not toggle it back";
-    EXPECT_EQ(windows.player.ButtonState(6), 2);
-    windows.player.SetButton(6, 1);
-    EXPECT_EQ(windows.player.ButtonState(6), 2) << "muted: hover still looks pressed";
+    EXPECT_EQ(windows.player.ButtonState(PlayerButton::Mute), 2);
+    windows.player.SetButton(PlayerButton::Mute, 1);
+    EXPECT_EQ(windows.player.ButtonState(PlayerButton::Mute), 2) << "muted: hover still looks pressed";
     Click(6);
     EXPECT_FALSE(state.Muted);
-    windows.player.SetButton(6, 2);
-    EXPECT_EQ(windows.player.ButtonState(6), 0) << "not muted: pressed looks normal";
+    windows.player.SetButton(PlayerButton::Mute, 2);
+    EXPECT_EQ(windows.player.ButtonState(PlayerButton::Mute), 0) << "not muted: pressed looks normal";
 }
 
 TEST_F(MainWindow, WhileRecordingOnlyThePlainTransportWorks)
@@ -108,8 +108,8 @@ TEST_F(MainWindow, WhileRecordingOnlyThePlainTransportWorks)
     EXPECT_EQ(state.CurrentFile, song);
     Key(Qt::Key_V);
     EXPECT_EQ(SessionState(), 0) << "Stop works";
-    windows.player.SetButton(11, 1);
-    EXPECT_EQ(windows.player.ButtonState(11), 0) << "the microphone button is not redrawn while recording";
+    windows.player.SetButton(PlayerButton::Microphone, 1);
+    EXPECT_EQ(windows.player.ButtonState(PlayerButton::Microphone), 0) << "the microphone button is not redrawn while recording";
 }
 
 TEST_F(MainWindow, TheKeyboardTableInItsOrder)

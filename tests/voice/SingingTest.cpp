@@ -97,24 +97,24 @@ protected:
 
 TEST_F(Singing, AFirstTakeAtOneMinuteLandsAfterAMinuteOfSilence)
 {
-    commands.ButtonAction(11);
+    commands.ButtonAction(PlayerButton::Microphone);
     ASSERT_TRUE(state.MicrophoneOn);
-    EXPECT_EQ(windows.player.lamps[3], 1);
+    EXPECT_EQ(windows.player.Lit(PlayerLamp::Microphone), true);
     EXPECT_TRUE(equalizer.MicroOut()) << "the singer hears the microphone";
 
     PlayFrom(60.0);
-    commands.ButtonAction(12);
+    commands.ButtonAction(PlayerButton::Record);
     ASSERT_TRUE(state.Recording);
-    EXPECT_EQ(windows.player.lamps[4], 1);
+    EXPECT_EQ(windows.player.Lit(PlayerLamp::Record), true);
     EXPECT_TRUE(indicator.shown);
     ASSERT_EQ(Temporaries().size(), 1);
     EXPECT_TRUE(QRegularExpression(QStringLiteral("^\\d{14}[AP]M\\.WAV$")).match(Temporaries()[0]).hasMatch())
         << Temporaries()[0].toStdString();
 
     Sing(1.0);
-    commands.ButtonAction(12);
+    commands.ButtonAction(PlayerButton::Record);
     EXPECT_FALSE(state.Recording);
-    EXPECT_EQ(windows.player.lamps[4], 0);
+    EXPECT_EQ(windows.player.Lit(PlayerLamp::Record), false);
     EXPECT_FALSE(indicator.shown);
     EXPECT_TRUE(Temporaries().isEmpty()) << "the temporary take is gone";
     EXPECT_DOUBLE_EQ(recorder.RecordStart, 60.0);
@@ -143,11 +143,11 @@ TEST_F(Singing, APartSungAgainLeavesTheRestByteForByte)
     QDir().mkpath(state.Theme->VoiceDirectory);
     WriteFileBytes(VoiceFile(), old);
 
-    commands.ButtonAction(11);
+    commands.ButtonAction(PlayerButton::Microphone);
     PlayFrom(30.0);
-    commands.ButtonAction(12);
+    commands.ButtonAction(PlayerButton::Record);
     Sing(10.0);
-    commands.ButtonAction(12);
+    commands.ButtonAction(PlayerButton::Record);
 
     const QByteArray wave = ReadFileBytes(VoiceFile());
     ASSERT_EQ(wave.size(), old.size());
@@ -167,11 +167,11 @@ TEST_F(Singing, ARecordingsFormatFollowsTheVoiceFileThatExists)
     EXPECT_EQ(recorder.RecordRate, 11025);
     EXPECT_EQ(recorder.RecordChannels, 1);
 
-    commands.ButtonAction(11);
+    commands.ButtonAction(PlayerButton::Microphone);
     PlayFrom(2.0);
-    commands.ButtonAction(12);
+    commands.ButtonAction(PlayerButton::Record);
     Sing(0.5);
-    commands.ButtonAction(12);
+    commands.ButtonAction(PlayerButton::Record);
     WaveFormat format;
     ASSERT_TRUE(ReadWaveFormat(VoiceFile(), format));
     EXPECT_EQ(format.rate, 11025);
@@ -181,22 +181,22 @@ TEST_F(Singing, ARecordingsFormatFollowsTheVoiceFileThatExists)
 
 TEST_F(Singing, CancellingLeavesNoTemporaryFileAndNoVoiceFile)
 {
-    commands.ButtonAction(11);
+    commands.ButtonAction(PlayerButton::Microphone);
     PlayFrom(5.0);
-    commands.ButtonAction(12);
+    commands.ButtonAction(PlayerButton::Record);
     Sing(0.3);
     ASSERT_EQ(Temporaries().size(), 1);
     recorder.CancelVoiceRecord();
     EXPECT_FALSE(state.Recording);
     EXPECT_TRUE(Temporaries().isEmpty());
     EXPECT_FALSE(QFile::exists(VoiceFile()));
-    EXPECT_EQ(windows.player.lamps[4], 0);
+    EXPECT_EQ(windows.player.Lit(PlayerLamp::Record), false);
 }
 
 TEST_F(Singing, RecordingWantsTheMicrophoneAndTheVoiceWaitsForTheRecording)
 {
     PlayFrom(1.0);
-    commands.ButtonAction(12);
+    commands.ButtonAction(PlayerButton::Record);
     EXPECT_FALSE(state.Recording);
     EXPECT_EQ(messages.Shown(), QStringList{QStringLiteral("Switch microphone function first.")});
 
@@ -208,10 +208,10 @@ TEST_F(Singing, RecordingWantsTheMicrophoneAndTheVoiceWaitsForTheRecording)
     commands.KeyDown(Qt::Key_M, Qt::NoModifier);
     commands.KeyDown(Qt::Key_R, Qt::NoModifier);
     ASSERT_TRUE(state.Recording);
-    commands.ButtonAction(13);
+    commands.ButtonAction(PlayerButton::Voice);
     EXPECT_EQ(messages.Shown().last(), QStringLiteral("Stop recording first."));
     EXPECT_FALSE(state.VoicePlaying);
-    commands.ButtonAction(11);
+    commands.ButtonAction(PlayerButton::Microphone);
     EXPECT_TRUE(state.MicrophoneOn) << "the microphone stays on while a take is recorded";
 
     // The end of the song ends the take and keeps it.
@@ -228,13 +228,13 @@ TEST_F(Singing, AVoiceFileInTheVoiceFolderPlaysWithItsSongWhereverTheSongCameFro
     ASSERT_TRUE(WriteStereoWav(VoiceFile(), voice, kVoiceRate));
     state.Theme->RecordFolder = 1;  // takes go beside the song, yet the voice folder's file is found
     state.Theme->SetLyricsOffset(0.5);
-    commands.ButtonAction(11);
+    commands.ButtonAction(PlayerButton::Microphone);
     PlayFrom(20.0);
 
-    commands.ButtonAction(13);
+    commands.ButtonAction(PlayerButton::Voice);
     ASSERT_TRUE(state.VoicePlaying);
     ASSERT_TRUE(state.VoiceControl);
-    EXPECT_EQ(windows.player.lamps[5], 1);
+    EXPECT_EQ(windows.player.Lit(PlayerLamp::Voice), true);
     EXPECT_FALSE(equalizer.MicroOut()) << "the monitor is off while the voice plays";
     EXPECT_NEAR(state.VoiceControl->get_CurrentPosition(), 20.5, 1e-6) << "placed at the song's second plus the offset";
     EXPECT_EQ(state.VoiceControl->get_Volume(), readVol(state.Theme->VoiceVolume));
@@ -249,29 +249,29 @@ TEST_F(Singing, AVoiceFileInTheVoiceFolderPlaysWithItsSongWhereverTheSongCameFro
     EXPECT_GT(std::abs(out[200]), 0.1f) << "the voice is heard over the silent song";
     EXPECT_NEAR(state.VoiceControl->get_CurrentPosition() - state.Session->get_CurrentPosition(), 0.5, 0.011);
 
-    commands.ButtonAction(13);
+    commands.ButtonAction(PlayerButton::Voice);
     EXPECT_FALSE(state.VoicePlaying);
     EXPECT_FALSE(state.VoiceControl);
-    EXPECT_EQ(windows.player.lamps[5], 0);
+    EXPECT_EQ(windows.player.Lit(PlayerLamp::Voice), false);
     EXPECT_TRUE(equalizer.MicroOut()) << "the monitor comes back";
 
     // The next song of the evening takes the voice away with the old one.
-    commands.ButtonAction(13);
+    commands.ButtonAction(PlayerButton::Voice);
     ASSERT_TRUE(state.VoicePlaying);
     ASSERT_TRUE(transport.OpenSong(WriteSilentSong(dir.filePath(QStringLiteral("other/Morning.wav")), 3), true));
     EXPECT_FALSE(state.VoicePlaying);
     EXPECT_FALSE(state.VoiceControl);
-    EXPECT_EQ(windows.player.lamps[5], 0);
+    EXPECT_EQ(windows.player.Lit(PlayerLamp::Voice), false);
 
     // A song without a voice file lights the lamp and puts it out again.
-    commands.ButtonAction(13);
+    commands.ButtonAction(PlayerButton::Voice);
     EXPECT_FALSE(state.VoicePlaying);
-    EXPECT_EQ(windows.player.lamps[5], 0);
+    EXPECT_EQ(windows.player.Lit(PlayerLamp::Voice), false);
 }
 
 TEST_F(Singing, TheLevelBarFollowsTheMicrophoneAndFallsSlowly)
 {
-    commands.ButtonAction(11);
+    commands.ButtonAction(PlayerButton::Microphone);
     device->FeedInput(std::vector<float>(512 * 2, 0.9f));
     device->Step(512);
     EXPECT_EQ(equalizer.PollLevel(), changeVolume(2 * 29490));
@@ -283,7 +283,7 @@ TEST_F(Singing, TheLevelBarFollowsTheMicrophoneAndFallsSlowly)
         EXPECT_EQ(equalizer.Meter().Sum(), sum - 1000) << "silence lowers the sum by a thousand per buffer";
         sum = equalizer.Meter().Sum();
     }
-    commands.ButtonAction(11);
+    commands.ButtonAction(PlayerButton::Microphone);
     EXPECT_FALSE(state.MicrophoneOn);
     EXPECT_FALSE(state.Engine->InputRunning());
     EXPECT_EQ(equalizer.PollLevel(), 0);

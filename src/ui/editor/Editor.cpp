@@ -348,9 +348,9 @@ void Editor::BuildToolBar()
         const int button = index;
         connect(action, &QAction::triggered, this, [this, button] {
             switch (button) {
-            case 1: m_commands.ButtonAction(2); break;
-            case 2: m_commands.ButtonAction(3); break;
-            case 3: m_commands.ButtonAction(4); break;
+            case 1: m_commands.ButtonAction(PlayerButton::Play); break;
+            case 2: m_commands.ButtonAction(PlayerButton::Pause); break;
+            case 3: m_commands.ButtonAction(PlayerButton::Stop); break;
             case 5: DeleteRows(); break;
             case 6: InsertRow(); break;
             default: AddNewRow(); break;

@@ -8,7 +8,7 @@ void ConnectPlayerWindow(PlayerWindow& player, PlayerCommands& commands, PlayerT
 {
     QObject::connect(&player, &PlayerWindow::progressMoved, &player, [&transport](double f) { transport.SeekTo(f); });
     QObject::connect(&player, &PlayerWindow::volumeMoved, &player, [&transport](double v) { transport.VolumeMoved(v); });
-    QObject::connect(&player, &PlayerWindow::buttonAction, &player, [&commands](int b) { commands.ButtonAction(b); });
+    QObject::connect(&player, &PlayerWindow::buttonAction, &player, [&commands](PlayerButton button) { commands.ButtonAction(button); });
     QObject::connect(&player, &PlayerWindow::menuCommand, &player,
                      [&commands](const QString& key) { commands.MenuCommand(key); });
     QObject::connect(&player, &PlayerWindow::keyPressed, &player,

@@ -24,7 +24,14 @@ const QPoint kLampOrigin(19, 72);
 constexpr std::array<std::pair<int, int>, 6> kLampStrip{{{0, 5}, {9, 6}, {19, 6}, {33, 10}, {49, 6}, {60, 9}}};
 // The disabled look: kind 1 over the record button, 2 over the voice button, 3 over the microphone.
 constexpr std::array<QPoint, 3> kLightOutAt{{{293, 95}, {318, 95}, {318, 70}}};
-constexpr std::array<int, 3> kLightOutButton{12, 13, 11};
+constexpr std::array<int, 3> kLightOutButton{int(PlayerButton::Record), int(PlayerButton::Voice),
+                                             int(PlayerButton::Microphone)};
+
+// Mute and Record act on the press and look pressed while they are on.
+bool IsLatching(int button)
+{
+    return button == int(PlayerButton::Mute) || button == int(PlayerButton::Record);
+}
 const QSize kLightOutSize(23, 15);
 
 const char* const kTipKeys[Skin::kButtons] = {"Previous", "Play", "Pause", "Stop", "Next", "Mute", "Preferences",
@@ -234,18 +241,18 @@ void PlayerWindow::mouseMoveEvent(QMouseEvent* event)
         QToolTip::showText(event->globalPosition().toPoint(), Text(kTipKeys[hit - 1]), this, m_skin.ButtonRect(hit));
         if (hit != hover) {
             if (hover)
-                SetButton(hover, Skin::Normal);
-            SetButton(hit, Skin::Hover);
+                ShowButton(hover, Skin::Normal);
+            ShowButton(hit, Skin::Hover);
         }
     } else if (hover) {
-        SetButton(hover, Skin::Normal);
+        ShowButton(hover, Skin::Normal);
     }
 }
 
 void PlayerWindow::leaveEvent(QEvent*)
 {
     if (m_state.HoverButton)
-        SetButton(m_state.HoverButton, Skin::Normal);
+        ShowButton(m_state.HoverButton, Skin::Normal);
 }
 
 void PlayerWindow::mousePressEvent(QMouseEvent* event)
@@ -259,10 +266,10 @@ void PlayerWindow::mousePressEvent(QMouseEvent* event)
     if (event->button() != Qt::LeftButton)
         return;
     if (const int hit = m_skin.ButtonAt(at)) {
-        if (hit == 6 || hit == 12)
-            emit buttonAction(hit);
-        if (hit != 12)
-            SetButton(hit, Skin::Pressed);
+        if (IsLatching(hit))
+            emit buttonAction(PlayerButton(hit));
+        if (hit != int(PlayerButton::Record))
+            ShowButton(hit, Skin::Pressed);
         m_pressed = hit;
         return;
     }
@@ -294,10 +301,10 @@ void PlayerWindow::mouseReleaseEvent(QMouseEvent* event)
         return;
     const int pressed = std::exchange(m_pressed, 0);
     const int hit = m_skin.ButtonAt(event->position().toPoint());
-    if (pressed != 12)
-        SetButton(pressed, hit == pressed ? Skin::Hover : Skin::Normal);
-    if (hit && hit != 6 && hit != 12)
-        emit buttonAction(hit);
+    if (pressed != int(PlayerButton::Record))
+        ShowButton(pressed, hit == pressed ? Skin::Hover : Skin::Normal);
+    if (hit && !IsLatching(hit))
+        emit buttonAction(PlayerButton(hit));
 }
 
 void PlayerWindow::keyPressEvent(QKeyEvent* event)
@@ -366,11 +373,9 @@ void PlayerWindow::SetVolumeSlider(double value)
     emit volumeMoved(m_volume);
 }
 
-void PlayerWindow::Light(int index, int state)
+void PlayerWindow::Light(PlayerLamp lamp, bool on)
 {
-    if (index < 0 || index >= int(m_lamps.size()))
-        return;
-    m_lamps[size_t(index)] = state != 0;
+    m_lamps[size_t(lamp)] = on;
     update(QRect(kLampOrigin, QSize(69, 10)));
 }
 
@@ -382,17 +387,23 @@ void PlayerWindow::LightOut(int kind)
     update(QRect(kLightOutAt[size_t(kind - 1)], kLightOutSize));
 }
 
-void PlayerWindow::SetButton(int index, int state)
+void PlayerWindow::SetButton(PlayerButton button, int state)
+{
+    ShowButton(int(button), state);
+}
+
+void PlayerWindow::ShowButton(int index, int state)
 {
     if (index < 1 || index > Skin::kButtons)
         return;
-    const bool skip = (index == 11 && m_state.Recording) || (index == 12 && !m_state.MicrophoneOn)
-                      || (index == 13 && m_state.Recording);
+    const auto button = PlayerButton(index);
+    const bool skip = (button == PlayerButton::Microphone && m_state.Recording)
+                      || (button == PlayerButton::Record && !m_state.MicrophoneOn)
+                      || (button == PlayerButton::Voice && m_state.Recording);
     if (!skip) {
         int shown = state;
-        // Mute and Record look pressed while they are on.
-        const bool latched = index == 6 ? m_state.Muted : index == 12 ? m_state.Recording : false;
-        if (index == 6 || index == 12) {
+        const bool latched = button == PlayerButton::Mute ? m_state.Muted : button == PlayerButton::Record ? m_state.Recording : false;
+        if (IsLatching(index)) {
             if (latched && state < Skin::Pressed)
                 shown = Skin::Pressed;
             else if (!latched && state == Skin::Pressed)

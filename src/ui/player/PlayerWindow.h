@@ -42,17 +42,17 @@ public:
     void SetTimeStyle(const QString& style) override { m_timeStyle = style; }
     void SetProgress(double fraction) override;
     void SetVolumeSlider(double value) override;
-    void Light(int index, int state) override;
-    void SetButton(int index, int state) override;
-    // The disabled look of button 12, 13 or 11 (kinds 1, 2, 3) until the button is drawn again.
+    void Light(PlayerLamp lamp, bool on) override;
+    void SetButton(PlayerButton button, int state) override;
+    // The disabled look of Record, Voice or Microphone (kinds 1, 2, 3) until the button is drawn again.
     void LightOut(int kind);
 
     // Each cut with "..." to fit 180 pixels (title at 13, artist at 11 points).
     void PutLabels(const QString& artist, const QString& title) override;
     void SetQualityLabels(const QString& bitrate, const QString& sampleRate) override;
     double VolumeValue() const override { return m_volume; }
-    bool LampLit(int index) const { return m_lamps[size_t(index)]; }
-    int ButtonState(int index) const { return m_buttonState[size_t(index)]; }
+    bool LampLit(PlayerLamp lamp) const { return m_lamps[size_t(lamp)]; }
+    int ButtonState(PlayerButton button) const { return m_buttonState[size_t(button)]; }
     const Skin& SkinParts() const { return m_skin; }
     QMenu* Menu(const QString& name) const;
 
@@ -62,8 +62,8 @@ signals:
     // The user dragged the progress slider to this fraction of the song.
     void progressMoved(double fraction);
     void volumeMoved(double value);
-    // A button was clicked (on release; 6 and 12 on the press).
-    void buttonAction(int button);
+    // A button was clicked (on release; Mute and Record on the press).
+    void buttonAction(PlayerButton button);
     // A menu item by its key.
     void menuCommand(const QString& key);
     void keyPressed(int key, Qt::KeyboardModifiers modifiers);
@@ -80,6 +80,7 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
+    void ShowButton(int index, int state);
     QString Text(const char* key) const;
     void PaintButton(QPainter& painter, int button, qreal dpr);
     void PaintLabels(QPainter& painter);
