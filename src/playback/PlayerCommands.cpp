@@ -228,78 +228,70 @@ void PlayerCommands::MenuCommand(const QString& key)
 
 bool PlayerCommands::KeyDown(int key, Qt::KeyboardModifiers modifiers)
 {
-    const bool ctrl = modifiers & Qt::ControlModifier;
-    const bool alt = modifiers & Qt::AltModifier;
+    const KeyBinding* binding = FindKey(KeyWindow::Player, key, modifiers);
+    return binding && RunKeyCommand(binding->command);
+}
+
+bool PlayerCommands::RunKeyCommand(KeyCommand command)
+{
     const bool recording = m_state.Recording;
-    // First match only, in this order; plain letters fire with Ctrl or Alt held too.
-    switch (key) {
-    case Qt::Key_V:
-        m_transport.StopSong();
-        return true;
-    case Qt::Key_X:
-        m_transport.PlaySong();
-        return true;
-    case Qt::Key_C:
-        m_transport.PauseSong();
-        return true;
-    case Qt::Key_Z:
+    VoiceCommands* voice = m_transport.Voice();
+    switch (command) {
+    case KeyCommand::Previous:
         if (!recording)
             m_transport.WSTECZ();
         return true;
-    case Qt::Key_B:
+    case KeyCommand::Play:
+        m_transport.PlaySong();
+        return true;
+    case KeyCommand::Pause:
+        m_transport.PauseSong();
+        return true;
+    case KeyCommand::Stop:
+        m_transport.StopSong();
+        return true;
+    case KeyCommand::Next:
         if (!recording)
             m_transport.DALEJ();
         return true;
-    default:
-        break;
-    }
-    if (key == Qt::Key_O && ctrl) {
+    case KeyCommand::OpenFile:
         OpenFileDialog();
         return true;
-    }
-    if (key == Qt::Key_3 && alt) {
+    case KeyCommand::FileInfo:
         if (!recording)
             GetInfo();
         return true;
-    }
-    VoiceCommands* voice = m_transport.Voice();
-    if (key == Qt::Key_M) {
+    case KeyCommand::Microphone:
         if (!recording && voice)
             voice->SwitchMicrophone();
         return voice != nullptr;
-    }
-    if (key == Qt::Key_R) {
+    case KeyCommand::Record:
         ToggleRecording();
         return voice != nullptr;
-    }
-    // The key's test runs the other way round from the button's: with the voice playing it
-    // places the voice again at the song's second, and it never starts it.
-    if (key == Qt::Key_S) {
+    case KeyCommand::Voice:
+        // The key's test runs the other way round from the button's: with the voice playing it
+        // places the voice again at the song's second, and it never starts it.
         if (voice)
             m_state.VoicePlaying ? voice->ToggleVoice() : voice->StopVoice();
         return voice != nullptr;
-    }
-    if (key == Qt::Key_L && alt) {
+    case KeyCommand::Playlist:
         TogglePlaylist();
         return true;
-    }
-    if (key == Qt::Key_P && ctrl) {
+    case KeyCommand::Preferences:
         ShowPreferences(0);
         return true;
-    }
-    if (key == Qt::Key_K && ctrl) {
+    case KeyCommand::Karaoke:
         ToggleKaraoke();
         return true;
-    }
-    if (key == Qt::Key_E && ctrl) {
+    case KeyCommand::Editor:
         ButtonAction(PlayerButton::Editor);
         return true;
-    }
-    if (key == Qt::Key_T && ctrl) {
+    case KeyCommand::TimeMode:
         SwapTimeStyle();
         return true;
+    default:
+        return false;
     }
-    return false;
 }
 
 void PlayerCommands::MinimizeToTray()

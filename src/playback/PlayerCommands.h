@@ -3,6 +3,7 @@
 // keyboard table in its order, the refusals while recording or editing, and the tray.
 
 #include "core/Forms.h"
+#include "core/KeyTable.h"
 
 #include <QStringList>
 #include <functional>
@@ -32,8 +33,10 @@ public:
 
     void ButtonAction(PlayerButton button);
     void MenuCommand(const QString& key);
-    // True when the key matched a row of the keyboard table and its command exists.
+    // True when the key matched a row of the key table and its command exists.
     bool KeyDown(int key, Qt::KeyboardModifiers modifiers);
+    // A player command of the key table, from whichever window's key reached it.
+    bool RunKeyCommand(KeyCommand command);
     // The information dialog of the playlist's selected row, by the kind of its file.
     void GetInfo();
     // The player's "Open file(s)" command.

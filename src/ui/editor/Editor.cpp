@@ -1,6 +1,7 @@
 #include "ui/editor/Editor.h"
 
 #include "core/Dialogs.h"
+#include "core/KeyTable.h"
 #include "core/SettingsStore.h"
 #include "core/WindowPosition.h"
 #include "editor/LyricsDetails.h"
@@ -51,9 +52,14 @@ bool IsCaptureKey(const QKeyEvent* event)
            || event->nativeScanCode() == kTildeKeyScanCode;
 }
 
-bool IsKeypad(const QKeyEvent* event, int key)
+const KeyBinding* EditorKey(const QKeyEvent* event)
 {
-    return event->key() == key && (event->modifiers() & Qt::KeypadModifier);
+    return FindKey(KeyWindow::Editor, event->key(), event->modifiers());
+}
+
+bool IsCorrectionKey(const KeyBinding* binding)
+{
+    return binding && (binding->command == KeyCommand::CorrectUp || binding->command == KeyCommand::CorrectDown);
 }
 
 enum class Glyph { Play, Pause, Stop, Delete, Insert, AddNew };
@@ -551,31 +557,44 @@ void Editor::EditMenuCommand(const QString& key)
 
 bool Editor::ListKeyDown(QKeyEvent* event)
 {
-    const bool ctrl = event->modifiers() & Qt::ControlModifier;
-    if (event->key() == Qt::Key_Space) {
+    const KeyBinding* binding = EditorKey(event);
+    if (!binding)
+        return false;
+    switch (binding->command) {
+    case KeyCommand::Capture:
         if (!event->isAutoRepeat())
             CaptureLine();
-    } else if (IsKeypad(event, Qt::Key_Plus)) {
+        break;
+    case KeyCommand::CorrectUp:
         if (!m_correctTimer.isActive())
             CorrectUp();
-    } else if (IsKeypad(event, Qt::Key_Minus)) {
+        break;
+    case KeyCommand::CorrectDown:
         if (!m_correctTimer.isActive())
             CorrectDown();
-    } else if (event->key() == Qt::Key_Insert) {
+        break;
+    case KeyCommand::InsertRow:
         InsertRow();
-    } else if (event->key() == Qt::Key_F12) {
+        break;
+    case KeyCommand::AddRow:
         AddNewRow();
-    } else if (event->key() == Qt::Key_Delete) {
+        break;
+    case KeyCommand::RemoveRows:
         DeleteRows();
-    } else if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+        break;
+    case KeyCommand::EditText:
         m_list->BeginTextEdit(m_list->SelectedRow());
-    } else if (ctrl && event->key() == Qt::Key_C) {
+        break;
+    case KeyCommand::CopyRows:
         CopyRows();
-    } else if (ctrl && event->key() == Qt::Key_V) {
+        break;
+    case KeyCommand::PasteRows:
         PasteRows();
-    } else if (ctrl && event->key() == Qt::Key_X) {
+        break;
+    case KeyCommand::CutRows:
         CutRows();
-    } else {
+        break;
+    default:
         return false;
     }
     return true;
@@ -583,7 +602,7 @@ bool Editor::ListKeyDown(QKeyEvent* event)
 
 bool Editor::ListKeyUp(QKeyEvent* event)
 {
-    if (!IsKeypad(event, Qt::Key_Plus) && !IsKeypad(event, Qt::Key_Minus))
+    if (!IsCorrectionKey(EditorKey(event)))
         return false;
     if (!event->isAutoRepeat())
         EndCorrection();

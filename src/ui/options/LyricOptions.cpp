@@ -3,6 +3,7 @@
 #include "audio/SoundDevices.h"
 #include "core/Colors.h"
 #include "core/Dialogs.h"
+#include "core/KeyTable.h"
 #include "core/SettingsStore.h"
 #include "karaoke/Transitions.h"
 #include "playback/LatencyClicks.h"
@@ -619,25 +620,6 @@ void LyricOptions::ToggleLatencyTest()
 
 QWidget* LyricOptions::BuildKeyboard()
 {
-    struct Shortcut {
-        const char* frame;
-        const char* key;
-        const char* action;
-    };
-    static const Shortcut kShortcuts[] = {
-        {"PlayerFrame", "Z", "ShortPrevious"},        {"PlayerFrame", "X", "ShortPlay"},
-        {"PlayerFrame", "C", "ShortPause"},           {"PlayerFrame", "V", "ShortStop"},
-        {"PlayerFrame", "B", "ShortNext"},            {"PlayerFrame", "Ctrl+O", "ShortOpenFile"},
-        {"PlayerFrame", "Alt+L", "ShortList"},        {"PlayerFrame", "Ctrl+K", "ShortKaraoke"},
-        {"PlayerFrame", "Ctrl+E", "ShortEditor"},     {"PlayerFrame", "R", "ShortRecord"},
-        {"PlayerFrame", "M", "ShortMicrophone"},      {"PlayerFrame", "S", "ShortVoice"},
-        {"PlayerFrame", "Alt+3", "ShortFileInfo"},    {"PlayerFrame", "Ctrl+T", "ShortTimeMode"},
-        {"PlayerFrame", "Ctrl+P", "ShortPreferences"},
-        {"EditorFrame", "Space", "ShortCapture"},     {"EditorFrame", "Num +", "ShortCorrect+"},
-        {"EditorFrame", "Num -", "ShortCorrect-"},    {"EditorFrame", "Insert", "ShortInsert"},
-        {"EditorFrame", "F12", "ShortAddNew"},        {"EditorFrame", "Delete", "ShortRemove"},
-        {"KaraokeFrame", nullptr, "ShortFullscreen"},
-    };
     auto* tree = new QTreeWidget;
     tree->setObjectName(QStringLiteral("Shortcuts"));
     tree->setColumnCount(2);
@@ -645,18 +627,19 @@ QWidget* LyricOptions::BuildKeyboard()
     tree->setRootIsDecorated(false);
     tree->setAlternatingRowColors(true);
     tree->setSelectionMode(QAbstractItemView::NoSelection);
-    QTreeWidgetItem* section = nullptr;
-    const char* current = nullptr;
-    for (const Shortcut& shortcut : kShortcuts) {
-        if (!current || qstrcmp(current, shortcut.frame) != 0) {
-            current = shortcut.frame;
-            section = new QTreeWidgetItem(tree, {Text(shortcut.frame)});
+    std::optional<KeyWindow> current;
+    for (const KeyBinding& shortcut : KeyTable()) {
+        if (!shortcut.action)
+            continue;
+        if (shortcut.window != current) {
+            current = shortcut.window;
+            auto* section = new QTreeWidgetItem(tree, {Text(KeyWindowText(shortcut.window))});
             section->setFirstColumnSpanned(true);
             QFont bold = section->font(0);
             bold.setBold(true);
             section->setFont(0, bold);
         }
-        const QString key = shortcut.key ? QString::fromLatin1(shortcut.key) : Text("OptDoubleClick");
+        const QString key = shortcut.label ? QString::fromLatin1(shortcut.label) : Text("OptDoubleClick");
         new QTreeWidgetItem(tree, {key, Text(shortcut.action)});
     }
     tree->header()->setSectionResizeMode(0, QHeaderView::ResizeToContents);

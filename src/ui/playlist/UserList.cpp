@@ -1,5 +1,6 @@
 #include "ui/playlist/UserList.h"
 
+#include "core/KeyTable.h"
 #include "core/WindowPosition.h"
 #include "playback/PlayerTransport.h"
 #include "ui/kit/Desktop.h"
@@ -156,22 +157,34 @@ void UserList::Command(const QString& key)
 
 bool UserList::KeyDown(int key, Qt::KeyboardModifiers modifiers)
 {
-    if (key == Qt::Key_3 && modifiers == Qt::AltModifier)
-        Command(QStringLiteral("Info"));
-    else if (key == Qt::Key_Delete)
-        Command(QStringLiteral("Rem"));
-    else if (key == Qt::Key_Z)
-        m_transport.WSTECZ();
-    else if (key == Qt::Key_X)
-        m_transport.PlaySong();
-    else if (key == Qt::Key_C)
-        m_transport.PauseSong();
-    else if (key == Qt::Key_V)
-        m_transport.StopSong();
-    else if (key == Qt::Key_B)
-        m_transport.DALEJ();
-    else
+    const KeyBinding* binding = FindKey(KeyWindow::Playlist, key, modifiers);
+    if (!binding)
         return false;
+    switch (binding->command) {
+    case KeyCommand::FileInfo:
+        Command(QStringLiteral("Info"));
+        break;
+    case KeyCommand::RemoveRows:
+        Command(QStringLiteral("Rem"));
+        break;
+    case KeyCommand::Previous:
+        m_transport.WSTECZ();
+        break;
+    case KeyCommand::Play:
+        m_transport.PlaySong();
+        break;
+    case KeyCommand::Pause:
+        m_transport.PauseSong();
+        break;
+    case KeyCommand::Stop:
+        m_transport.StopSong();
+        break;
+    case KeyCommand::Next:
+        m_transport.DALEJ();
+        break;
+    default:
+        return false;
+    }
     return true;
 }
 

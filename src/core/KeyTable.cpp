@@ -1,0 +1,84 @@
+#include "core/KeyTable.h"
+
+#include <array>
+
+namespace {
+
+constexpr Qt::KeyboardModifiers kNone = Qt::NoModifier;
+constexpr Qt::KeyboardModifiers kCtrl = Qt::ControlModifier;
+constexpr Qt::KeyboardModifiers kAlt = Qt::AltModifier;
+constexpr Qt::KeyboardModifiers kKeypad = Qt::KeypadModifier;
+
+using W = KeyWindow;
+using C = KeyCommand;
+
+constexpr std::array kKeys = {
+    KeyBinding{W::Player, Qt::Key_Z, kNone, C::Previous, "Z", "ShortPrevious"},
+    KeyBinding{W::Player, Qt::Key_X, kNone, C::Play, "X", "ShortPlay"},
+    KeyBinding{W::Player, Qt::Key_C, kNone, C::Pause, "C", "ShortPause"},
+    KeyBinding{W::Player, Qt::Key_V, kNone, C::Stop, "V", "ShortStop"},
+    KeyBinding{W::Player, Qt::Key_B, kNone, C::Next, "B", "ShortNext"},
+    KeyBinding{W::Player, Qt::Key_O, kCtrl, C::OpenFile, "Ctrl+O", "ShortOpenFile"},
+    KeyBinding{W::Player, Qt::Key_L, kAlt, C::Playlist, "Alt+L", "ShortList"},
+    KeyBinding{W::Player, Qt::Key_K, kCtrl, C::Karaoke, "Ctrl+K", "ShortKaraoke"},
+    KeyBinding{W::Player, Qt::Key_E, kCtrl, C::Editor, "Ctrl+E", "ShortEditor"},
+    KeyBinding{W::Player, Qt::Key_R, kNone, C::Record, "R", "ShortRecord"},
+    KeyBinding{W::Player, Qt::Key_M, kNone, C::Microphone, "M", "ShortMicrophone"},
+    KeyBinding{W::Player, Qt::Key_S, kNone, C::Voice, "S", "ShortVoice"},
+    KeyBinding{W::Player, Qt::Key_3, kAlt, C::FileInfo, "Alt+3", "ShortFileInfo"},
+    KeyBinding{W::Player, Qt::Key_T, kCtrl, C::TimeMode, "Ctrl+T", "ShortTimeMode"},
+    KeyBinding{W::Player, Qt::Key_P, kCtrl, C::Preferences, "Ctrl+P", "ShortPreferences"},
+
+    KeyBinding{W::Playlist, Qt::Key_3, kAlt, C::FileInfo, "Alt+3", nullptr},
+    KeyBinding{W::Playlist, Qt::Key_Delete, kNone, C::RemoveRows, "Delete", nullptr},
+    KeyBinding{W::Playlist, Qt::Key_Z, kNone, C::Previous, "Z", nullptr},
+    KeyBinding{W::Playlist, Qt::Key_X, kNone, C::Play, "X", nullptr},
+    KeyBinding{W::Playlist, Qt::Key_C, kNone, C::Pause, "C", nullptr},
+    KeyBinding{W::Playlist, Qt::Key_V, kNone, C::Stop, "V", nullptr},
+    KeyBinding{W::Playlist, Qt::Key_B, kNone, C::Next, "B", nullptr},
+
+    KeyBinding{W::Editor, Qt::Key_Space, kNone, C::Capture, "Space", "ShortCapture"},
+    KeyBinding{W::Editor, Qt::Key_Plus, kKeypad, C::CorrectUp, "Num +", "ShortCorrect+"},
+    KeyBinding{W::Editor, Qt::Key_Minus, kKeypad, C::CorrectDown, "Num -", "ShortCorrect-"},
+    KeyBinding{W::Editor, Qt::Key_Insert, kNone, C::InsertRow, "Insert", "ShortInsert"},
+    KeyBinding{W::Editor, Qt::Key_F12, kNone, C::AddRow, "F12", "ShortAddNew"},
+    KeyBinding{W::Editor, Qt::Key_Delete, kNone, C::RemoveRows, "Delete", "ShortRemove"},
+    KeyBinding{W::Editor, Qt::Key_Return, kNone, C::EditText, "Enter", nullptr},
+    KeyBinding{W::Editor, Qt::Key_Enter, kNone, C::EditText, "Enter", nullptr},
+    KeyBinding{W::Editor, Qt::Key_C, kCtrl, C::CopyRows, "Ctrl+C", nullptr},
+    KeyBinding{W::Editor, Qt::Key_V, kCtrl, C::PasteRows, "Ctrl+V", nullptr},
+    KeyBinding{W::Editor, Qt::Key_X, kCtrl, C::CutRows, "Ctrl+X", nullptr},
+
+    KeyBinding{W::Karaoke, 0, kNone, C::FullScreen, nullptr, "ShortFullscreen"},
+};
+
+} // namespace
+
+std::span<const KeyBinding> KeyTable()
+{
+    return kKeys;
+}
+
+const KeyBinding* FindKey(KeyWindow window, int key, Qt::KeyboardModifiers modifiers)
+{
+    for (const KeyBinding& binding : kKeys)
+        if (binding.window == window && binding.key != 0 && binding.key == key
+            && (modifiers & binding.modifiers) == binding.modifiers)
+            return &binding;
+    return nullptr;
+}
+
+const char* KeyWindowText(KeyWindow window)
+{
+    switch (window) {
+    case KeyWindow::Player:
+        return "PlayerFrame";
+    case KeyWindow::Editor:
+        return "EditorFrame";
+    case KeyWindow::Karaoke:
+        return "KaraokeFrame";
+    case KeyWindow::Playlist:
+        break;
+    }
+    return nullptr;
+}
