@@ -3,7 +3,7 @@
 // position the benchmark sets.
 
 #include "core/SettingsStore.h"
-#include "karaoke/KaraokeTimeline.h"
+#include "core/SongClock.h"
 
 #include <QElapsedTimer>
 #include <cstddef>

@@ -1,12 +1,14 @@
-// The audio engine's figures: how exactly the clock tells what is heard, how fast a song starts,
+// The audio engine's figures: how far the clock is from the song frame the device plays, how fast a song starts,
 // how fast files decode beside the ffmpeg command line, and what one mix callback costs.
 // Songs are made with the ffmpeg command line in a temporary folder. BENCH_CLOCK_SECONDS sets the
 // length of the clock run (30 by default).
 
+#include "BenchKit.h"
 #include "audio/AudioEngine.h"
 #include "audio/FileSource.h"
 #include "audio/ManualDevice.h"
 #include "audio/NullDevice.h"
+#include "audio/WavFile.h"
 
 #include <QDir>
 #include <QProcess>
@@ -15,6 +17,7 @@
 #include <chrono>
 #include <cstdio>
 #include <ctime>
+#include <optional>
 #include <sys/resource.h>
 #include <thread>
 #include <vector>
@@ -22,6 +25,7 @@
 namespace {
 
 constexpr int kRate = 48000;
+constexpr int kCountModulo = 32768;
 
 std::string MakeSong(const QDir& dir, const QString& name, int seconds)
 {
@@ -71,31 +75,92 @@ private:
     std::shared_ptr<FileSource> m_inner;
 };
 
-void ClockAccuracy(const std::string& song, double seconds)
+// A song whose left channel counts its own frames, modulo 2^15, in exact 16-bit steps: the
+// samples that leave the mixer say which frame of the song they are.
+QString MakeCountingSong(const QDir& dir, int seconds)
+{
+    const auto frames = size_t(seconds) * kRate;
+    std::vector<float> samples(frames * 2, 0.0f);
+    for (size_t i = 0; i < frames; ++i)
+        samples[2 * i] = float(i % kCountModulo) / kCountModulo;
+    const QString path = dir.filePath("counting.wav");
+    WriteStereoWav(path, samples, kRate);
+    return path;
+}
+
+// What the device consumed: each buffer's heard time and the song frame its first sample
+// carries. Written on the real-time thread into room made beforehand.
+class HeardFrames final : public AudioSource {
+public:
+    struct Buffer {
+        double heardAt;
+        int64_t countedFrame;
+    };
+    HeardFrames(std::shared_ptr<FileSource> inner, size_t room) : m_inner(std::move(inner)), m_buffers(room) {}
+    void Render(float* out, int frames, const BufferTiming& timing) noexcept override
+    {
+        m_inner->Render(out, frames, timing);
+        const size_t at = m_count.load(std::memory_order_relaxed);
+        if (at < m_buffers.size() && out[0] != 0.0f) {
+            m_buffers[at] = {timing.heardAt, std::lround(double(out[0]) * kCountModulo)};
+            m_count.store(at + 1, std::memory_order_release);
+        }
+    }
+    // The song second heard at `now`, unwrapped to the one nearest `guess`; nothing outside
+    // the buffers seen.
+    std::optional<double> SecondAt(double now, double guess) const
+    {
+        const size_t count = m_count.load(std::memory_order_acquire);
+        const auto after = std::upper_bound(m_buffers.begin(), m_buffers.begin() + std::ptrdiff_t(count), now,
+                                            [](double t, const Buffer& b) { return t < b.heardAt; });
+        if (after == m_buffers.begin() || after == m_buffers.begin() + std::ptrdiff_t(count))
+            return std::nullopt;
+        const Buffer& b = *(after - 1);
+        const double counted = double(b.countedFrame) + (now - b.heardAt) * kRate;
+        const double wraps = std::round((guess * kRate - counted) / kCountModulo);
+        return (counted + wraps * kCountModulo) / kRate;
+    }
+
+private:
+    std::shared_ptr<FileSource> m_inner;
+    std::vector<Buffer> m_buffers;
+    std::atomic<size_t> m_count{0};
+};
+
+// The clock's error against what is heard: the position the source reports at a moment, less
+// the song frame that the mixer's output, as the device consumed it, carries at that moment.
+void ClockAgainstHeardFrames(const QString& song, double seconds)
 {
     auto* device = new NullDevice(kRate, 512);
     AudioEngine engine{std::unique_ptr<AudioDevice>(device)};
     std::string error;
-    auto source = FileSource::Open(song, kRate, error);
-    engine.AddSource(source);
+    auto source = FileSource::Open(song.toStdString(), kRate, error);
+    auto heard = std::make_shared<HeardFrames>(source, size_t((seconds + 5) * kRate / 512));
+    engine.AddSource(heard);
     source->Run();
     engine.Start();
     std::this_thread::sleep_for(std::chrono::milliseconds(50));
 
-    double sum = 0, worst = 0;
-    long samples = 0;
+    MachineStalls stalls;
+    std::thread probe([&] { stalls = MeasureMachineStalls(int(seconds * 1000)); });
+    std::vector<std::pair<double, double>> readings;
     const double end = SteadySeconds() + seconds;
     while (SteadySeconds() < end) {
         const double now = engine.Now();
-        const double error = std::fabs(source->Position(now) - (now - device->FirstFrameHeardAt())) * 1000;
-        sum += error;
-        worst = std::max(worst, error);
-        ++samples;
+        readings.emplace_back(now, source->Position(now));
         std::this_thread::sleep_for(std::chrono::microseconds(700));
     }
-    std::printf("clock accuracy (null device, %.0f s, %ld samples): mean %.4f ms, worst %.4f ms\n", seconds, samples,
-                sum / samples, worst);
-    engine.RemoveSource(source.get());
+    probe.join();
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    std::vector<double> errors;
+    for (const auto& [now, reported] : readings)
+        if (const auto truth = heard->SecondAt(now, reported))
+            errors.push_back(std::fabs(reported - *truth) * 1000);
+    std::printf("clock against the frames heard (null device, %.0f s, %zu readings): median %.4f ms, p99 %.4f ms, "
+                "worst %.4f ms; machine stalls over 1 ms: %zu, longest %.2f ms\n",
+                seconds, errors.size(), Median(errors), Percentile(errors, 0.99),
+                errors.empty() ? 0 : *std::max_element(errors.begin(), errors.end()), stalls.count, stalls.longestMs);
+    engine.RemoveSource(heard.get());
 }
 
 void OpenLatency(const char* label, const std::string& song)
@@ -190,7 +255,7 @@ int main()
                                     ? qEnvironmentVariableIntValue("BENCH_CLOCK_SECONDS")
                                     : 30;
 
-    ClockAccuracy(mp3, clockSeconds);
+    ClockAgainstHeardFrames(MakeCountingSong(folder, int(clockSeconds) + 10), clockSeconds);
     OpenLatency("MP3", mp3);
     OpenLatency("Ogg", ogg);
     OpenLatency("WAV", wav);

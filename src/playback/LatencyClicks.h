@@ -7,7 +7,7 @@
 #include <memory>
 
 class AudioEngine;
-class FileSource;
+class ClickSource;
 
 // True while the lyrics' clock, the heard position less the offset, is in the first tenth of
 // a second of a beat.
@@ -23,13 +23,12 @@ public:
     LatencyClicks(const LatencyClicks&) = delete;
     LatencyClicks& operator=(const LatencyClicks&) = delete;
 
-    // Makes the clicks and plays them; false with a message when they cannot play.
+    // Plays the clicks; false with a message when they cannot play.
     bool Start(QString& error);
     // What the light shows now.
     bool Lit(double offsetSeconds) const;
 
 private:
     AudioEngine& m_engine;
-    std::shared_ptr<FileSource> m_source;
-    QString m_file;
+    std::shared_ptr<ClickSource> m_source;
 };
