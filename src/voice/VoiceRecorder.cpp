@@ -20,6 +20,19 @@ VoiceRecorder::VoiceRecorder(PlayerState& state, FormProvider& forms, Dialogs& m
       m_equalizer(equalizer),
       m_indicator(indicator)
 {
+    m_placingPoll.setInterval(20);
+    QObject::connect(&m_placingPoll, &QTimer::timeout, [this] {
+        if (m_placing.wait_for(std::chrono::seconds(0)) == std::future_status::ready)
+            PlacingDone();
+    });
+}
+
+VoiceRecorder::~VoiceRecorder()
+{
+    if (!Placing())
+        return;
+    m_placing.wait();
+    QFile::remove(TempWave);
 }
 
 QString VoiceRecorder::Said(const char* english, const char* polish) const
@@ -60,7 +73,7 @@ void VoiceRecorder::VoicePath()
 
 void VoiceRecorder::StartVoiceRecord()
 {
-    if (!m_state.SongOpen() || m_state.Recording)
+    if (!m_state.SongOpen() || m_state.Recording || Placing())
         return;
     if (!m_state.MicrophoneOn) {
         m_messages.Inform(Said("Switch microphone function first.", "Włącz funkcję mikrofonu, by móc nagrywać."));
@@ -132,9 +145,33 @@ void VoiceRecorder::FinishRecording(bool cancel)
     if (!m_state.Recording)
         return;
     const bool captured = EndCapture();
-    if (!cancel && (!captured || PlaceTake(VoiceFile, TempWave, RecordStart) != PlaceResult::Done))
+    if (!cancel && captured) {
+        PlaceOnWorker();
+        return;
+    }
+    if (!cancel)
         m_messages.Critical(m_state.Language.GetText(QStringLiteral("ErrorCreateWav")));
     QFile::remove(TempWave);
+    EndRecordingState();
+}
+
+void VoiceRecorder::PlaceOnWorker()
+{
+    // The song may go on or change meanwhile; the take keeps the files and second it was sung for.
+    m_state.Recording = false;
+    m_placing = std::async(std::launch::async, [voiceFile = VoiceFile, take = TempWave, start = RecordStart] {
+        return PlaceTake(voiceFile, take, start);
+    });
+    m_placingPoll.start();
+}
+
+void VoiceRecorder::PlacingDone()
+{
+    m_placingPoll.stop();
+    const PlaceResult result = m_placing.get();
+    QFile::remove(TempWave);
+    if (result != PlaceResult::Done)
+        m_messages.Critical(m_state.Language.GetText(QStringLiteral("ErrorCreateWav")));
     EndRecordingState();
 }
 
@@ -156,7 +193,7 @@ void VoiceRecorder::ToggleVoice()
 {
     if (!m_state.SongOpen())
         return;
-    if (m_state.Recording) {
+    if (m_state.Recording || Placing()) {
         m_messages.Inform(Said("Stop recording first.", "Wyłącz nagrywanie, by włączyć głos."));
         return;
     }

@@ -1,7 +1,8 @@
 #pragma once
 // Recording the singer and playing the voice back. A take is captured from the microphone to a
 // temporary WAV while the song plays; when it ends it is placed into the song's voice file at
-// the second it was sung. The voice plays as a second session beside the song's, placed once at
+// the second it was sung, on a worker, while the REC lamp and the indicator stay on to show the
+// program is busy with it. The voice plays as a second session beside the song's, placed once at
 // the song's position plus the settings' offset. Recording and the voice's playback exclude
 // each other.
 
@@ -11,7 +12,9 @@
 
 #include <QDateTime>
 #include <QString>
+#include <QTimer>
 #include <functional>
+#include <future>
 
 struct PlayerState;
 class Equalizer;
@@ -34,6 +37,8 @@ class VoiceRecorder final : public VoiceCommands {
 public:
     VoiceRecorder(PlayerState& state, FormProvider& forms, Dialogs& messages, Equalizer& equalizer,
                   VoiceIndicator& indicator);
+    // A take still being placed is placed whole before the recorder goes.
+    ~VoiceRecorder() override;
 
     void SwitchMicrophone() override;
     void StartVoiceRecord() override;
@@ -44,6 +49,8 @@ public:
 
     // Works out VoiceFile, RecordRate and RecordChannels for the current song.
     void VoicePath();
+    // A finished take is being placed into the voice file; no new take and no voice until then.
+    bool Placing() const { return m_placing.valid(); }
 
     QString VoiceFile;
     QString TempWave;
@@ -61,6 +68,9 @@ private:
     // False when the take could not be written whole.
     bool EndCapture();
     void FinishRecording(bool cancel);
+    // Places the take on a worker; the recording ends on this thread when it is done.
+    void PlaceOnWorker();
+    void PlacingDone();
     void EndRecordingState();
     // The file the voice plays from: where takes are placed, else the voice folder.
     QString VoicePlaybackFile() const;
@@ -74,6 +84,8 @@ private:
     Equalizer& m_equalizer;
     VoiceIndicator& m_indicator;
     CaptureWriter m_writer;
+    std::future<PlaceResult> m_placing;
+    QTimer m_placingPoll;
     bool m_capturing = false;
     bool m_voiceFileUnusable = false;
     // The song's second and the device clock when the capture was armed.

@@ -13,6 +13,7 @@
 #include <QDir>
 #include <QRegularExpression>
 #include <QTemporaryDir>
+#include <QTest>
 #include <QtEndian>
 #include <gtest/gtest.h>
 
@@ -72,6 +73,12 @@ protected:
         PlayDecoded(*device, state, seconds);
     }
 
+    // The take is placed on a worker; the lamp goes out when it is in the voice file.
+    void WaitUntilPlaced()
+    {
+        ASSERT_TRUE(QTest::qWaitFor([this] { return !recorder.Placing(); }, 10000));
+    }
+
     QString VoiceFile() const { return dir.filePath(QStringLiteral("Voice/Evening Song.wav")); }
     QStringList Temporaries() const { return QDir(recorder.TempFolder).entryList(QDir::Files); }
 
@@ -114,6 +121,7 @@ TEST_F(Singing, AFirstTakeAtOneMinuteLandsAfterAMinuteOfSilence)
     Sing(1.0);
     commands.ButtonAction(PlayerButton::Record);
     EXPECT_FALSE(state.Recording);
+    WaitUntilPlaced();
     EXPECT_EQ(windows.player.Lit(PlayerLamp::Record), false);
     EXPECT_FALSE(indicator.shown);
     EXPECT_TRUE(Temporaries().isEmpty()) << "the temporary take is gone";
@@ -148,6 +156,7 @@ TEST_F(Singing, APartSungAgainLeavesTheRestByteForByte)
     commands.ButtonAction(PlayerButton::Record);
     Sing(10.0);
     commands.ButtonAction(PlayerButton::Record);
+    WaitUntilPlaced();
 
     const QByteArray wave = ReadFileBytes(VoiceFile());
     ASSERT_EQ(wave.size(), old.size());
@@ -172,6 +181,7 @@ TEST_F(Singing, ARecordingsFormatFollowsTheVoiceFileThatExists)
     commands.ButtonAction(PlayerButton::Record);
     Sing(0.5);
     commands.ButtonAction(PlayerButton::Record);
+    WaitUntilPlaced();
     WaveFormat format;
     ASSERT_TRUE(ReadWaveFormat(VoiceFile(), format));
     EXPECT_EQ(format.rate, 11025);
@@ -218,7 +228,34 @@ TEST_F(Singing, RecordingWantsTheMicrophoneAndTheVoiceWaitsForTheRecording)
     Sing(0.2);
     transport.StopSong();
     EXPECT_FALSE(state.Recording);
+    WaitUntilPlaced();
     EXPECT_TRUE(QFile::exists(VoiceFile()));
+}
+
+TEST_F(Singing, ATakeIsPlacedWhileTheProgramAnswersAndTheLampShowsItIsBusy)
+{
+    commands.ButtonAction(PlayerButton::Microphone);
+    PlayFrom(1.0);
+    commands.ButtonAction(PlayerButton::Record);
+    Sing(3.0);
+    commands.ButtonAction(PlayerButton::Record);
+    ASSERT_TRUE(recorder.Placing()) << "the take is not placed on the interface thread";
+    EXPECT_FALSE(state.Recording) << "the song is free to go on";
+    EXPECT_TRUE(windows.player.Lit(PlayerLamp::Record)) << "the lamp stays on while the take is placed";
+    EXPECT_TRUE(indicator.shown);
+
+    commands.ButtonAction(PlayerButton::Record);
+    EXPECT_FALSE(state.Recording) << "no new take over the one being placed";
+    commands.ButtonAction(PlayerButton::Voice);
+    EXPECT_FALSE(state.VoicePlaying) << "nor the voice file it is written into";
+
+    WaitUntilPlaced();
+    EXPECT_FALSE(windows.player.Lit(PlayerLamp::Record));
+    EXPECT_FALSE(indicator.shown);
+    EXPECT_TRUE(Temporaries().isEmpty());
+    WaveFormat format;
+    ASSERT_TRUE(ReadWaveFormat(VoiceFile(), format));
+    EXPECT_NEAR(double(format.dataBytes) / kFrameBytes / kVoiceRate, 4.0, 0.01);
 }
 
 TEST_F(Singing, AVoiceFileInTheVoiceFolderPlaysWithItsSongWhereverTheSongCameFrom)
