@@ -61,8 +61,13 @@ struct Frame {
         painter.setClipping(false);
     }
     void Put(const QImage& picture, const QRect& source, QPoint at) { Put(picture, source, at, source); }
-    // A part of the new picture where it belongs.
-    void Reveal(const QRect& rect) { painter.drawImage(rect.topLeft(), to, rect); }
+    // A part of the new picture where it belongs. An empty part draws nothing: QPainter reads an
+    // empty source as "to the picture's edge" and would copy whole bands.
+    void Reveal(const QRect& rect)
+    {
+        if (!rect.isEmpty())
+            painter.drawImage(rect.topLeft(), to, rect);
+    }
     // A part of a picture scaled into a rectangle.
     void Scale(const QImage& picture, const QRect& source, const QRect& target)
     {

@@ -182,4 +182,7 @@ TEST(Transitions, BlindsOpenEveryTwentiethLineTogether)
         const bool open = y % 20 < 3;
         EXPECT_EQ(frame.copy(0, y, size.width(), 1), (open ? after : before).copy(0, y, size.width(), 1)) << "line " << y;
     }
+    for (const char* axis : {"Horizontal", "Vertical"})
+        EXPECT_EQ(TransitionFrame(before, after, Named("Wipe Blinds", axis), 0.5 / 20), before)
+            << axis << ": before the first round no line opens";
 }
