@@ -133,6 +133,7 @@ void KaraokeView::PaintPage(int32_t index, bool jump)
     }
     m_painting = true;
     m_titleShown = false;
+    AdoptPreparedLines();
     if (jump)
         m_timeline.Fading = false;
     m_page = m_layout.Compose(m_lyrics.PlayLyrics, index, jump, m_theme.DisplayMode);
@@ -325,20 +326,47 @@ void KaraokeView::ClearRows()
 
 void KaraokeView::PrepareUpcoming()
 {
+    AdoptPreparedLines();
     const auto& lyrics = m_lyrics.PlayLyrics;
     const int32_t last = int32_t(lyrics.size()) - 1;
-    if (!m_ready || m_pageIndex > last)
+    if (!m_ready || m_pageIndex > last || PreparingLines())
         return;
     // The lines that the next pages bring onto the rows; before the first page, the first lines.
     const QFont font = Font();
+    std::vector<std::packaged_task<PreparedImages()>> tasks;
     int32_t i = std::max(1, m_pageIndex);
     for (int lines = 0; lines < kLinesAhead && i <= last; ++lines) {
-        m_painter.Prepare(lyrics[size_t(i)].LineText, font, m_colors.ForeColor, m_colors.HighlightColor,
-                          m_colors.OutlineColor1, m_theme.LyricsOutlineWidth, m_dpr);
+        if (auto job = m_painter.PrepareJob(lyrics[size_t(i)].LineText, font, m_colors.ForeColor,
+                                            m_colors.HighlightColor, m_colors.OutlineColor1,
+                                            m_theme.LyricsOutlineWidth, m_dpr)) {
+            tasks.emplace_back(std::move(job));
+            m_preparedLines.push_back(tasks.back().get_future());
+        }
         while (i <= last && !lyrics[size_t(i)].LineEnd)
             ++i;
         ++i;
     }
+    if (!tasks.empty())
+        m_preparer = std::async(std::launch::async, [tasks = std::move(tasks)]() mutable {
+            for (auto& task : tasks)
+                task();
+        });
+}
+
+bool KaraokeView::PreparingLines() const
+{
+    return m_preparer.valid() && m_preparer.wait_for(std::chrono::seconds(0)) != std::future_status::ready;
+}
+
+void KaraokeView::AdoptPreparedLines()
+{
+    const auto ready = [](const std::future<PreparedImages>& line) {
+        return line.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
+    };
+    for (auto& line : m_preparedLines)
+        if (ready(line))
+            m_painter.Adopt(line.get());
+    std::erase_if(m_preparedLines, [](const std::future<PreparedImages>& line) { return !line.valid(); });
 }
 
 // ---- Pictures and background ---------------------------------------------------------------------

@@ -11,7 +11,9 @@
 
 #include <QImage>
 #include <functional>
+#include <future>
 #include <optional>
+#include <vector>
 
 // The colours and alignment in force: the song's own values, else the settings.
 struct EffectiveColors {
@@ -51,8 +53,11 @@ public:
     void DecFont();
     void OffsetIn();
     void OffsetOut();
-    // Rasterises the lines the next pages will show; the window runs it when it is idle.
+    // Rasterises the lines the next pages will show, on a worker, one line after the other; a
+    // page takes each line as soon as it is ready. The window runs it after every syllable.
     void PrepareUpcoming();
+    // The worker is still rasterising lines ahead.
+    bool PreparingLines() const;
     // The window's own repaint: the page that stands, the title, or only the background from
     // 8 seconds after the last syllable.
     void Repaint();
@@ -95,6 +100,8 @@ private:
     bool OwnFormat() const;
     QImage ComposeBackground(bool withTimedPicture);
     void EndTransition();
+    // Takes the lines the worker has finished into the painter's cache, waiting for none.
+    void AdoptPreparedLines();
 
     LyricsState& m_lyrics;
     ThemeClass& m_theme;
@@ -129,4 +136,6 @@ private:
     Page m_shownPage;  // what the frame holds
     int32_t m_pageIndex = 0;
     QRect m_lastBlock;
+    std::vector<std::future<PreparedImages>> m_preparedLines;
+    std::future<void> m_preparer;  // waited for when the view goes
 };

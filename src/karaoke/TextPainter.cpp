@@ -116,21 +116,62 @@ QImage TextPainter::Mask(const QString& text, const QFont& font, qreal dpr)
 const QImage& TextPainter::Cached(const QString& key, const std::function<QImage()>& make)
 {
     auto it = m_images.find(key);
-    if (it == m_images.end()) {
-        QImage image = make();
-        m_bytes += image.sizeInBytes();
-        while (m_bytes > kCacheBytes && !m_images.isEmpty()) {
-            auto oldest = m_images.begin();
-            for (auto e = m_images.begin(); e != m_images.end(); ++e)
-                if (e->lastUse < oldest->lastUse)
-                    oldest = e;
-            m_bytes -= oldest->image.sizeInBytes();
-            m_images.erase(oldest);
-        }
-        it = m_images.insert(key, Entry{std::move(image), 0});
-    }
+    if (it == m_images.end())
+        return Keep(key, make());
     it->lastUse = ++m_uses;
     return it->image;
+}
+
+const QImage& TextPainter::Keep(const QString& key, QImage image)
+{
+    if (auto it = m_images.find(key); it != m_images.end()) {
+        m_bytes -= it->image.sizeInBytes();
+        m_images.erase(it);
+    }
+    m_bytes += image.sizeInBytes();
+    while (m_bytes > kCacheBytes && !m_images.isEmpty()) {
+        auto oldest = m_images.begin();
+        for (auto e = m_images.begin(); e != m_images.end(); ++e)
+            if (e->lastUse < oldest->lastUse)
+                oldest = e;
+        m_bytes -= oldest->image.sizeInBytes();
+        m_images.erase(oldest);
+    }
+    auto it = m_images.insert(key, Entry{std::move(image), ++m_uses});
+    return it->image;
+}
+
+std::function<PreparedImages()> TextPainter::PrepareJob(const QString& text, const QFont& font, const QColor& fore,
+                                                        const QColor& highlight, const QColor& rimColour,
+                                                        int16_t outlineWidth, qreal dpr) const
+{
+    if (text.isEmpty())
+        return {};
+    std::vector<std::pair<QString, QColor>> colours;
+    for (const QColor& colour : {fore, highlight})
+        if (QString key = Key("text", text, font, colour, dpr); !m_images.contains(key))
+            colours.emplace_back(std::move(key), colour);
+    const auto range = OutlineOffsets(outlineWidth);
+    QString rimKey = range ? Key("rim", text, font, rimColour, dpr, range->First) : QString();
+    if (m_images.contains(rimKey))
+        rimKey.clear();
+    if (colours.empty() && rimKey.isEmpty())
+        return {};
+    return [=] {
+        const QImage mask = TextImage(text, font, Qt::white, dpr);
+        PreparedImages images{{Key("mask", text, font, Qt::white, dpr), mask}};
+        for (const auto& [key, colour] : colours)
+            images.emplace_back(key, Recoloured(mask, colour));
+        if (!rimKey.isEmpty())
+            images.emplace_back(rimKey, OutlineOf(Recoloured(mask, rimColour), *range));
+        return images;
+    };
+}
+
+void TextPainter::Adopt(PreparedImages images)
+{
+    for (auto& [key, image] : images)
+        Keep(key, std::move(image));
 }
 
 void TextPainter::Prepare(const QString& text, const QFont& font, const QColor& fore, const QColor& highlight,

@@ -8,7 +8,10 @@
 #include <QFont>
 #include <QHash>
 #include <QImage>
+#include <functional>
 #include <optional>
+#include <utility>
+#include <vector>
 
 // The offsets of the rim copies for an outline width setting: 1 gives 0 to 8 (81 copies, the
 // thickest), 4 gives 3 to 5 (9 copies); the text itself stands at offset 4. Nothing for 0 or less.
@@ -27,6 +30,9 @@ QImage Recoloured(QImage image, const QColor& colour);
 QImage OutlineImage(const QString& text, const QFont& font, const QColor& colour, OutlineRange range, qreal dpr);
 QImage OutlineOf(QImage glyphs, OutlineRange range);
 
+// Images of lines made away from the painter, by their cache keys.
+using PreparedImages = std::vector<std::pair<QString, QImage>>;
+
 class TextPainter {
 public:
     // Draws the rim of `text` with its text origin at (x + 4, y + 4); copies left of x 8 and
@@ -42,6 +48,13 @@ public:
     // Makes the images of a line ahead of its page, so that the page is only copies.
     void Prepare(const QString& text, const QFont& font, const QColor& fore, const QColor& highlight,
                  const QColor& rimColour, int16_t outlineWidth, qreal dpr);
+    // The same work as a job that reads nothing of the painter, for a worker thread: it makes
+    // the images the cache lacks now. Nothing when it lacks none.
+    std::function<PreparedImages()> PrepareJob(const QString& text, const QFont& font, const QColor& fore,
+                                               const QColor& highlight, const QColor& rimColour, int16_t outlineWidth,
+                                               qreal dpr) const;
+    // Takes a job's images into the cache.
+    void Adopt(PreparedImages images);
 
 private:
     struct Entry {
@@ -50,6 +63,7 @@ private:
     };
     QImage Mask(const QString& text, const QFont& font, qreal dpr);
     const QImage& Cached(const QString& key, const std::function<QImage()>& make);
+    const QImage& Keep(const QString& key, QImage image);
 
     QHash<QString, Entry> m_images;
     quint64 m_uses = 0;

@@ -5,6 +5,7 @@
 #include "core/Colors.h"
 #include "karaoke/KaraokeView.h"
 
+#include <QThread>
 #include <QPainter>
 #include <gtest/gtest.h>
 
@@ -276,4 +277,27 @@ TEST(Painter, ChangedSettingsReachThePageThatShows)
     t.LyricsFontSize = 48;
     stage.view.ApplySettings();
     EXPECT_GT(Count(stage.view.Frame(), fore), small * 2) << "a larger font";
+}
+
+TEST(Painter, LinesRasterisedAheadOnTheWorkerDrawTheSamePixelsAsLinesDrawnOnTheSpot)
+{
+    const auto song = Song({{{1.0, "Ahead "}, {2.0, "of "}, {3.0, "time"}}, {{5.0, "and "}, {6.0, "beyond"}}});
+    const auto settle = [](Stage& stage) {
+        while (stage.view.PreparingLines())
+            QThread::msleep(1);
+    };
+    Stage ahead(song, {800, 300}, 2.0);
+    ahead.settings.theme.LyricsOutlineWidth = 2;
+    settle(ahead);
+    ahead.view.PrepareUpcoming();  // the rims at the new width, made on the worker
+    settle(ahead);
+    ahead.PlayTo(5.5);
+
+    Stage onTheSpot(song, {800, 300}, 2.0);
+    onTheSpot.settings.theme.LyricsOutlineWidth = 2;
+    onTheSpot.PlayTo(5.5);
+
+    ASSERT_EQ(ahead.lyrics.CurrentLyric, 4);
+    EXPECT_TRUE(ahead.view.Frame() == onTheSpot.view.Frame());
+    EXPECT_GT(Count(ahead.view.Frame(), kRim), 200);
 }
