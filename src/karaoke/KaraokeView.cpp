@@ -3,7 +3,6 @@
 #include "core/Colors.h"
 #include "karaoke/PicturePlacing.h"
 
-#include <QFileInfo>
 #include <QFontMetrics>
 #include <QPainter>
 #include <algorithm>
@@ -43,8 +42,13 @@ int RowX(int clientWidth, int textWidth)
 KaraokeView::KaraokeView(LyricsState& lyrics, ThemeClass& theme, const SongClock& song)
     : m_lyrics(lyrics), m_theme(theme), m_song(song),
       m_timeline(lyrics, *this, song, [&theme] { return theme.LyricsOffset(); }),
+      m_back(lyrics, theme),
       m_fontSize(theme.LyricsFontSize)
 {
+    m_back.TransitionTimer = [this](double intervalMs) {
+        if (TransitionTimer)
+            TransitionTimer(intervalMs);
+    };
     Clock = [] {
         return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now().time_since_epoch()).count();
     };
@@ -79,6 +83,7 @@ void KaraokeView::UpdateColors()
     m_colors.OutlineColor3 = Effective(song.OutlineColor3, m_theme.LyricsOutlineColor3);
     m_colors.OutlineColor4 = Effective(song.OutlineColor4, m_theme.LyricsOutlineColor4);
     m_colors.BackColor = Effective(song.BackColor, m_theme.LyricsBackColor);
+    m_back.SetBackColor(m_colors.BackColor);
     m_colors.Alignment = song.Alignment != -1 ? song.Alignment : m_theme.LyricsAlignment;
 }
 
@@ -89,7 +94,7 @@ void KaraokeView::ApplySettings()
     m_fontSize = m_theme.LyricsFontSize;
     if (m_theme.LyricsFitFont)
         FitLyrics();
-    SetBackground(m_timedPicture.isNull());
+    SetBackground(!m_back.HasTimedPicture());
 }
 
 void KaraokeView::ResizeMe(QSize size, qreal dpr, bool fullScreen)
@@ -100,10 +105,11 @@ void KaraokeView::ResizeMe(QSize size, qreal dpr, bool fullScreen)
     m_frame = QImage(m_size * m_dpr, QImage::Format_ARGB32_Premultiplied);
     m_frame.setDevicePixelRatio(m_dpr);
     m_lastBlock = {};
+    m_back.Resize(m_size, m_dpr);
     m_ready = true;
     if (m_theme.LyricsFitFont)
         FitLyrics();
-    SetBackground(m_timedPicture.isNull());
+    SetBackground(!m_back.HasTimedPicture());
 }
 
 // ---- The timeline's page -----------------------------------------------------------------------
@@ -247,7 +253,7 @@ void KaraokeView::DrawBall(int x, int y, const QString& line)
 // The frame back to the plain background; nothing of a page stands on it.
 void KaraokeView::ResetFrame()
 {
-    m_frame = m_background.copy();
+    m_frame = m_back.Image().copy();
     m_lastBlock = {};
     m_shownPage = {};
 }
@@ -260,7 +266,7 @@ void KaraokeView::RepairLastBlock()
     painter.setCompositionMode(QPainter::CompositionMode_Source);
     const QRectF device(m_lastBlock.x() * m_dpr, m_lastBlock.y() * m_dpr, m_lastBlock.width() * m_dpr,
                         m_lastBlock.height() * m_dpr);
-    painter.drawImage(QRectF(m_lastBlock), m_background, device);
+    painter.drawImage(QRectF(m_lastBlock), m_back.Image(), device);
 }
 
 void KaraokeView::Show(const QRect& rect)
@@ -305,7 +311,7 @@ void KaraokeView::PaintTitle(bool force)
 
 void KaraokeView::Restore()
 {
-    if (m_background.isNull())
+    if (m_back.Image().isNull())
         return;
     ResetFrame();
     m_pageShown = false;
@@ -373,148 +379,36 @@ void KaraokeView::AdoptPreparedLines()
 
 void KaraokeView::SetPicture()
 {
-    const QString& song = m_lyrics.PlayLyrics[0].Picture;
-    QImage picture;
-    if (!song.isEmpty() && QFileInfo(song).isFile())
-        picture.load(song);
-    if (picture.isNull()) {
-        m_basePicture = m_theme.LyricsPicture();
-        m_basePictureName = song.isEmpty() ? m_theme.LyricsPicPath() : song;
-        if (!song.isEmpty())
-            m_basePicture = {};  // a song picture that cannot be shown leaves the back colour
-    } else {
-        m_basePicture = picture;
-        m_basePictureName = song;
-    }
+    m_back.LoadBasePicture();
 }
 
 void KaraokeView::ChangePic(int16_t picture)
 {
-    if (picture < 1 || size_t(picture) >= m_lyrics.PlayPictures.size())
-        return;
-    const QString& file = m_lyrics.PlayPictures[size_t(picture)].File;
-    QImage image;
-    if (!QFileInfo(file).isFile() || !image.load(file)) {
-        DropPicture();
-        return;
-    }
-    m_timedPicture = image;
-    m_timedPictureName = file;
+    m_back.LoadTimedPicture(picture);
 }
 
-// The picture a tick has just loaded comes in through its transition: the record's effect, else
-// the settings' default; "None" or a name not in the table shows it at once.
 void KaraokeView::ShowPicture(int16_t picture)
 {
-    if (!m_ready || m_timedPicture.isNull() || picture < 1 || size_t(picture) >= m_lyrics.PlayPictures.size())
-        return;
-    EndTransition();
-    const PictureItem& item = m_lyrics.PlayPictures[size_t(picture)];
-    const bool own = !item.Effect.isEmpty();
-    const auto effect = FindEffect(own ? item.Effect : m_theme.ImageEffect, own ? item.Detail : m_theme.EffectDetail);
-    const QRect before = m_timedRect;
-    QImage target = ComposeBackground(true);
-    const QRect area = before.united(m_timedRect).intersected(QRect(QPoint(0, 0), m_size));
-    if (!effect || area.isEmpty()) {
-        m_background = std::move(target);
+    if (m_ready && m_back.ShowTimedPicture(picture, Clock()))
         Repaint();
-        return;
-    }
-    const TransitionPace pace = TransitionPace::For(*effect, area.size(), own ? item.Speed : m_theme.EffectSpeed);
-    m_transitionArea = QRect((QPointF(area.topLeft()) * m_dpr).toPoint(), (QSizeF(area.size()) * m_dpr).toSize())
-                           .intersected(m_background.rect());
-    // The areas are worked on pixel for pixel, whatever the screen's ratio.
-    QImage oldArea = m_background.copy(m_transitionArea);
-    QImage newArea = target.copy(m_transitionArea);
-    oldArea.setDevicePixelRatio(1.0);
-    newArea.setDevicePixelRatio(1.0);
-    m_transition.emplace(std::move(oldArea), std::move(newArea), *effect, pace, m_dpr);
-    m_transitionTarget = std::move(target);
-    m_transitionStart = Clock();
-    m_transitionProgress = -1;
-    if (TransitionTimer)
-        TransitionTimer(pace.FrameMs);
-    StepTransition();
 }
 
 void KaraokeView::StepTransition()
 {
-    if (!m_transition)
-        return;
-    const double elapsed = Clock() - m_transitionStart;
-    if (m_transition->Finished(elapsed)) {
-        // The last frame is the new background whole, so rounding leaves no old pixels.
-        m_background = m_transitionTarget;
-        EndTransition();
+    if (m_back.StepTransition(Clock()))
         Repaint();
-        return;
-    }
-    const double progress = m_transition->Pace().ProgressAt(elapsed);
-    if (progress == m_transitionProgress)
-        return;
-    m_transitionProgress = progress;
-    const QImage& frame = m_transition->FrameAt(elapsed);
-    QPainter painter(&m_background);
-    painter.setCompositionMode(QPainter::CompositionMode_Source);
-    const QRectF device(m_transitionArea);
-    painter.drawImage(QRectF(device.topLeft() / m_dpr, device.size() / m_dpr), frame, QRectF(frame.rect()));
-    painter.end();
-    Repaint();
-}
-
-void KaraokeView::EndTransition()
-{
-    if (!m_transition)
-        return;
-    m_transition.reset();
-    m_transitionTarget = {};
-    if (TransitionTimer)
-        TransitionTimer(0);
 }
 
 void KaraokeView::DropPicture()
 {
-    m_timedPicture = {};
-    m_timedPictureName.clear();
-}
-
-QImage KaraokeView::ComposeBackground(bool withTimedPicture)
-{
-    QImage background(m_size * m_dpr, QImage::Format_ARGB32_Premultiplied);
-    background.setDevicePixelRatio(m_dpr);
-    background.fill(m_colors.BackColor);
-    QPainter painter(&background);
-    painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    const QRectF client(QPointF(0, 0), QSizeF(m_size));
-    if (!m_basePicture.isNull()) {
-        switch (m_theme.LyricsPicLayout) {
-        case 0:
-            painter.drawTiledPixmap(client, QPixmap::fromImage(m_basePicture));
-            break;
-        case 1:
-            painter.drawImage(client, m_basePicture);
-            break;
-        default: {
-            const QSizeF size = QSizeF(m_basePicture.size()) / m_basePicture.devicePixelRatio();
-            painter.drawImage(QRectF(client.center() - QPointF(size.width() / 2, size.height() / 2), size), m_basePicture);
-        }
-        }
-    }
-    m_timedRect = {};
-    if (withTimedPicture && !m_timedPicture.isNull()) {
-        m_timedRect = PictureRect(m_lyrics.PlayLyrics[0], m_timedPicture.size(), m_size);
-        painter.drawImage(QRectF(m_timedRect), m_timedPicture);
-        DrawImageBorder(painter, m_timedRect, m_theme.ImageBorder);
-    }
-    return background;
+    m_back.DropTimedPicture();
 }
 
 void KaraokeView::SetBackground(bool useDefault)
 {
     if (!m_ready)
         return;
-    EndTransition();
-    m_background = ComposeBackground(!useDefault);
+    m_back.Compose(!useDefault);
     Repaint();
 }
 
@@ -523,9 +417,7 @@ void KaraokeView::SetBackground(bool useDefault)
 void KaraokeView::ChangeLyrics()
 {
     UpdateColors();
-    const QString& song = m_lyrics.PlayLyrics[0].Picture;
-    const QString wanted = song.isEmpty() ? m_theme.LyricsPicPath() : song;
-    if (wanted != m_basePictureName || m_basePicture.isNull())
+    if (m_back.BasePictureStale())
         SetPicture();
     DropPicture();
     if (const int16_t start = StartPicture(m_lyrics))

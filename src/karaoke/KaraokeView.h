@@ -1,18 +1,17 @@
 #pragma once
-// The karaoke page without a window: the background, the composed frame, the rows of the
-// current page and the title, driven by the timeline. The window shows its frame; swtool renders
+// The karaoke page without a window: the composed frame, the rows of the current page and the
+// title over the background layer, driven by the timeline. The window shows its frame; swtool renders
 // it to files.
 
 #include "core/ThemeClass.h"
+#include "karaoke/BackgroundLayer.h"
 #include "karaoke/KaraokeTimeline.h"
 #include "karaoke/PageLayout.h"
 #include "karaoke/TextPainter.h"
-#include "karaoke/Transitions.h"
 
 #include <QImage>
 #include <functional>
 #include <future>
-#include <optional>
 #include <vector>
 
 // The colours and alignment in force: the song's own values, else the settings.
@@ -63,9 +62,9 @@ public:
     void Repaint();
     // The frame of the running transition that is due now; the last one ends it.
     void StepTransition();
-    bool TransitionRunning() const { return m_transition.has_value(); }
+    bool TransitionRunning() const { return m_back.TransitionRunning(); }
     // Where the timed picture stands, empty without one.
-    QRect TimedPictureRect() const { return m_timedRect; }
+    QRect TimedPictureRect() const { return m_back.TimedPictureRect(); }
 
     int FontSize() const { return m_fontSize; }
     QFont Font() const;
@@ -98,8 +97,6 @@ private:
     void Show(const QRect& rect);
     int FitWidth(const QString& text, int size) const;
     bool OwnFormat() const;
-    QImage ComposeBackground(bool withTimedPicture);
-    void EndTransition();
     // Takes the lines the worker has finished into the painter's cache, waiting for none.
     void AdoptPreparedLines();
 
@@ -109,6 +106,7 @@ private:
     KaraokeTimeline m_timeline;
     PageLayout m_layout;
     TextPainter m_painter;
+    BackgroundLayer m_back;
 
     QSize m_size;
     qreal m_dpr = 1.0;
@@ -120,17 +118,6 @@ private:
     int m_fontSize = 20;
     EffectiveColors m_colors;
 
-    QImage m_basePicture;
-    QString m_basePictureName;
-    QImage m_timedPicture;
-    QString m_timedPictureName;
-    QImage m_background;
-    QRect m_timedRect;  // where the background holds the timed picture
-    std::optional<Transition> m_transition;
-    QImage m_transitionTarget;
-    QRect m_transitionArea;  // in device pixels
-    double m_transitionStart = 0;
-    double m_transitionProgress = -1;
     QImage m_frame;
     Page m_page;
     Page m_shownPage;  // what the frame holds

@@ -5,6 +5,8 @@
 #include "karaoke/KaraokeTimeline.h"
 #include "support/TestSupport.h"
 
+#include <QImage>
+#include <QTemporaryDir>
 #include <initializer_list>
 
 // One syllable per word; each line's last syllable ends the line.
@@ -42,6 +44,16 @@ inline std::vector<LyricItem> NumberedLines(int count)
         lyrics.push_back(item);
     }
     return lyrics;
+}
+
+// A picture of one colour written into the folder.
+inline QString SolidPicture(const QTemporaryDir& dir, const char* name, QSize size, const QColor& colour)
+{
+    QImage image(size, QImage::Format_RGB32);
+    image.fill(colour);
+    const QString path = dir.filePath(QString::fromLatin1(name));
+    image.save(path);
+    return path;
 }
 
 class TestClock final : public SongClock {

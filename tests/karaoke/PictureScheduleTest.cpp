@@ -17,15 +17,6 @@ const QColor kFore(255, 255, 255);
 const QColor kRed(220, 0, 0);
 const QColor kBlue(0, 0, 220);
 
-QString SolidPicture(const QTemporaryDir& dir, const char* name, QSize size, const QColor& colour)
-{
-    QImage image(size, QImage::Format_RGB32);
-    image.fill(colour);
-    const QString path = dir.filePath(QString::fromLatin1(name));
-    image.save(path);
-    return path;
-}
-
 struct PictureStage {
     QTemporaryDir dir;
     TestTheme settings;

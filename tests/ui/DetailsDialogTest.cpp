@@ -12,6 +12,7 @@
 #include "ui/editor/DetailsDialog.h"
 #include "ui/editor/Editor.h"
 #include "ui/editor/PictureDialog.h"
+#include "ui/kit/Pickers.h"
 
 #include <QApplication>
 #include <QButtonGroup>
@@ -237,15 +238,15 @@ TEST_F(DetailsWindow, ThePictureDialogOffersTheTableChecksTheFileAndPreviewsTheT
     before.fill(Qt::red);
     PictureDialog dialog(nullptr, before, *state.Theme, state.Language, dialogs, dir.path());
     dialog.show();
-    EXPECT_EQ(dialog.EffectBox().count(), 24);
-    EXPECT_EQ(dialog.EffectBox().currentText(), "Wipe Blinds") << "a new row starts from the settings";
-    EXPECT_EQ(dialog.DetailBox().currentText(), "Vertical");
-    EXPECT_EQ(dialog.SpeedBox().value(), 10);
-    dialog.EffectBox().setCurrentIndex(0);
-    EXPECT_EQ(dialog.DetailBox().currentText(), "No details");
-    EXPECT_FALSE(dialog.DetailBox().isEnabled());
-    dialog.EffectBox().setCurrentText(QStringLiteral("Custom Checkboard"));
-    EXPECT_EQ(dialog.DetailBox().count(), 4);
+    EXPECT_EQ(dialog.Effect().EffectBox().count(), 24);
+    EXPECT_EQ(dialog.Effect().EffectBox().currentText(), "Wipe Blinds") << "a new row starts from the settings";
+    EXPECT_EQ(dialog.Effect().DetailBox().currentText(), "Vertical");
+    EXPECT_EQ(dialog.Effect().SpeedBox().value(), 10);
+    dialog.Effect().EffectBox().setCurrentIndex(0);
+    EXPECT_EQ(dialog.Effect().DetailBox().currentText(), "No details");
+    EXPECT_FALSE(dialog.Effect().DetailBox().isEnabled());
+    dialog.Effect().EffectBox().setCurrentText(QStringLiteral("Custom Checkboard"));
+    EXPECT_EQ(dialog.Effect().DetailBox().count(), 4);
 
     dialog.Accept();
     dialog.FileBox().setText(QStringLiteral("nothing-here.png"));
@@ -262,8 +263,8 @@ TEST_F(DetailsWindow, ThePictureDialogOffersTheTableChecksTheFileAndPreviewsTheT
 
     dialog.FileBox().setText(QStringLiteral("blue.png"));  // beside the lyrics
     dialog.TimeBox().setValue(42);
-    dialog.DetailBox().setCurrentText(QStringLiteral("Bottom"));
-    dialog.SpeedBox().setValue(10);
+    dialog.Effect().DetailBox().setCurrentText(QStringLiteral("Bottom"));
+    dialog.Effect().SpeedBox().setValue(10);
     dialog.Preview();
     EXPECT_TRUE(dialog.PreviewBox().Running());
     Capture(dialog, QStringLiteral("picture-details"));

@@ -72,7 +72,7 @@ TEST_F(Preferences, ChangesApplyAtOnceAndSurviveARestart)
         dialogs.files.push_back(QStringLiteral("/music/new"));
         Find<PathPicker>(options, "MusicFolder")->findChild<QToolButton*>()->click();
         Find<QDoubleSpinBox>(options, "TimeOffset")->setValue(0.25);
-        Find<QComboBox>(options, "ImageEffect")->setCurrentIndex(1);
+        Find<QComboBox>(options, "Effect")->setCurrentIndex(1);
         EXPECT_FALSE(state.Theme->EffectDetail.isEmpty()) << "a new effect starts from its first detail";
         EXPECT_EQ(applied, 9);
         Find<QPushButton>(options, "OK")->click();

@@ -6,19 +6,17 @@
 #include "lyrics/LyricTime.h"
 #include "ui/kit/Desktop.h"
 #include "ui/kit/Palette.h"
+#include "ui/kit/Pickers.h"
 
-#include <QComboBox>
 #include <QDialogButtonBox>
 #include <QFileInfo>
 #include <QFormLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QImageReader>
-#include <QLabel>
 #include <QLineEdit>
 #include <QPainter>
 #include <QPushButton>
-#include <QSlider>
 #include <QSpinBox>
 #include <QVBoxLayout>
 
@@ -29,8 +27,6 @@ const QString kPicturePatterns = QStringLiteral("*.jpg;*.jpeg;*.png;*.bmp;*.gif"
 const QString kMissingFile = QStringLiteral("Picture file doesn't exist.");
 const QString kNotAPicture = QStringLiteral("Incorrect picture file format.");
 constexpr int kLongestSecond = 35999;  // 9:59:59
-constexpr int kSlowest = 1;
-constexpr int kFastest = 10;
 const QSize kPreviewSize(320, 180);
 constexpr int kTimerMs = 10;
 
@@ -138,31 +134,11 @@ PictureDialog::PictureDialog(const PictureItem* row, const QImage& before, const
     file->addRow(Text("PictureFilename"), fileRow);
     file->addRow(Text("PictureTime"), m_time);
 
-    m_effect = new QComboBox;
-    m_effect->setObjectName(QStringLiteral("Effect"));
-    m_effect->addItem(Text("PictureClearEffect"), QString());
-    for (const EffectRow& effect : EffectTable())
-        m_effect->addItem(effect.Name, effect.Name);
-    m_detail = new QComboBox;
-    m_detail->setObjectName(QStringLiteral("Detail"));
-    m_speed = new QSlider(Qt::Horizontal);
-    m_speed->setObjectName(QStringLiteral("Speed"));
-    m_speed->setRange(kSlowest, kFastest);
-    m_speed->setPageStep(1);
-    m_speed->setTickPosition(QSlider::TicksBelow);
-    m_speedValue = new QLabel;
-    m_speedValue->setMinimumWidth(24);
-    connect(m_speed, &QSlider::valueChanged, this, [this](int value) { m_speedValue->setNum(value); });
-    auto* speedRow = new QHBoxLayout;
-    speedRow->addWidget(m_speed, 1);
-    speedRow->addWidget(m_speedValue);
-    connect(m_effect, &QComboBox::currentIndexChanged, this, [this] { ShowDetails(QString()); });
-
+    m_effect = new EffectPicker({Text("PictureClearEffect"), Text("PictureNoDetails"), Text("PictureTransition"),
+                                 Text("PictureDetails"), Text("PictureSpeed")});
     auto* effectBox = new QGroupBox(Text("PictureEffect"));
-    auto* effectForm = new QFormLayout(effectBox);
-    effectForm->addRow(Text("PictureTransition"), m_effect);
-    effectForm->addRow(Text("PictureDetails"), m_detail);
-    effectForm->addRow(Text("PictureSpeed"), speedRow);
+    auto* effectColumn = new QVBoxLayout(effectBox);
+    effectColumn->addWidget(m_effect);
 
     m_preview = new TransitionPreview;
     auto* previewButton = new QPushButton(Text("PictureBtnPreview"));
@@ -190,10 +166,7 @@ PictureDialog::PictureDialog(const PictureItem* row, const QImage& before, const
     const PictureItem start = row ? *row : PictureItem{QString(), 0, theme.ImageEffect, theme.EffectDetail, theme.EffectSpeed};
     m_file->setText(start.File);
     m_time->setValue(std::clamp(int(start.Time), 0, kLongestSecond));
-    m_effect->setCurrentIndex(std::max(0, m_effect->findData(start.Effect)));
-    ShowDetails(start.Detail);
-    m_speed->setValue(std::clamp(int(start.Speed), kSlowest, kFastest));
-    m_speedValue->setNum(m_speed->value());
+    m_effect->SetChoice(start.Effect, start.Detail, start.Speed);
     m_preview->ShowPicture(m_before);
 }
 
@@ -202,31 +175,15 @@ QString PictureDialog::Text(const char* key) const
     return DisplayText(m_language.GetText(QString::fromLatin1(key)));
 }
 
-void PictureDialog::ShowDetails(const QString& chosen)
-{
-    m_detail->clear();
-    const auto effect = FindEffect(m_effect->currentData().toString(), chosen);
-    if (!effect) {
-        m_detail->addItem(Text("PictureNoDetails"));
-        m_detail->setEnabled(false);
-        m_speed->setEnabled(false);
-        return;
-    }
-    m_detail->addItems(effect->Table().Details);
-    m_detail->setCurrentIndex(effect->Detail);
-    m_detail->setEnabled(true);
-    m_speed->setEnabled(true);
-}
-
 PictureItem PictureDialog::Picture() const
 {
     PictureItem picture;
     picture.File = m_file->text().trimmed();
     picture.Time = m_time->value();
-    picture.Effect = m_effect->currentData().toString();
+    picture.Effect = m_effect->EffectName();
     if (!picture.Effect.isEmpty()) {
-        picture.Detail = m_detail->currentText();
-        picture.Speed = int16_t(m_speed->value());
+        picture.Detail = m_effect->Detail();
+        picture.Speed = int16_t(m_effect->Speed());
     }
     return picture;
 }

@@ -12,10 +12,8 @@
 
 class Dialogs;
 class LanguageTable;
-class QComboBox;
-class QLabel;
+class EffectPicker;
 class QLineEdit;
-class QSlider;
 class QSpinBox;
 class ThemeClass;
 
@@ -59,14 +57,11 @@ public:
 
     QLineEdit& FileBox() { return *m_file; }
     QSpinBox& TimeBox() { return *m_time; }
-    QComboBox& EffectBox() { return *m_effect; }
-    QComboBox& DetailBox() { return *m_detail; }
-    QSlider& SpeedBox() { return *m_speed; }
+    EffectPicker& Effect() { return *m_effect; }
     TransitionPreview& PreviewBox() { return *m_preview; }
 
 private:
     QString Text(const char* key) const;
-    void ShowDetails(const QString& chosen);
 
     const LanguageTable& m_language;
     Dialogs& m_dialogs;
@@ -74,9 +69,6 @@ private:
     QImage m_before;
     QLineEdit* m_file;
     QSpinBox* m_time;
-    QComboBox* m_effect;
-    QComboBox* m_detail;
-    QSlider* m_speed;
-    QLabel* m_speedValue;
+    EffectPicker* m_effect;
     TransitionPreview* m_preview;
 };

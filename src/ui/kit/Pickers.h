@@ -68,3 +68,44 @@ private:
     Picker m_picker;
     QLineEdit* m_edit;
 };
+
+class QComboBox;
+class QLabel;
+class QSlider;
+
+// A timed picture's transition: the effect (or none), its detail and its speed from 1 to 10, in
+// three labelled rows. Without an effect there is no detail and no speed to choose.
+class EffectPicker final : public QWidget {
+    Q_OBJECT
+public:
+    struct Texts {
+        QString noEffect, noDetails, effect, detail, speed;
+    };
+    explicit EffectPicker(const Texts& texts, QWidget* parent = nullptr);
+
+    // Shows a choice; an unknown effect shows none, a speed outside 1 to 10 the nearest end.
+    void SetChoice(const QString& effect, const QString& detail, int speed);
+    // The effect's name, empty for none.
+    QString EffectName() const;
+    // The detail chosen, empty without an effect.
+    QString Detail() const;
+    int Speed() const;
+
+    QComboBox& EffectBox() { return *m_effect; }
+    QComboBox& DetailBox() { return *m_detail; }
+    QSlider& SpeedBox() { return *m_speed; }
+
+signals:
+    // The user changed the effect, its detail or its speed.
+    void Changed();
+
+private:
+    void ShowDetails(const QString& chosen);
+
+    QString m_noDetails;
+    QComboBox* m_effect;
+    QComboBox* m_detail;
+    QSlider* m_speed;
+    QLabel* m_speedValue;
+    bool m_showing = false;
+};

@@ -5,7 +5,7 @@
 #include "core/Dialogs.h"
 #include "core/KeyTable.h"
 #include "core/SettingsStore.h"
-#include "karaoke/Transitions.h"
+#include "karaoke/PicturePlacing.h"
 #include "playback/LatencyClicks.h"
 #include "playback/PlayerState.h"
 #include "ui/kit/Pickers.h"
@@ -24,7 +24,6 @@
 #include <QPainter>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QSlider>
 #include <QSpinBox>
 #include <QTabWidget>
 #include <QTimer>
@@ -130,8 +129,6 @@ void LyricOptions::ShowTab(int tab)
 
 void LyricOptions::Changed()
 {
-    if (m_filling)
-        return;
     if (Applied)
         Applied();
 }
@@ -189,21 +186,38 @@ void LyricOptions::ResetKaraoke()
 
 namespace {
 
-// Short-lived: what it connects holds copies of its callback, never the binder itself.
+using ComboItems = std::vector<std::pair<QString, QVariant>>;
+
+// Short-lived: what it connects holds copies of what it needs, never the binder itself. A setting
+// is written only when the user changes a control, never while the dialog fills them.
 struct Binder {
     std::vector<std::function<void()>>& fillers;
+    const bool& filling;
     std::function<void()> changed;
 
-    QCheckBox* Check(const QString& text, const char* name, bool& field)
+    template <typename Write>
+    auto Writer(Write write) const
+    {
+        return [filling = &filling, changed = changed, write = std::move(write)](const auto&... value) {
+            if (*filling)
+                return;
+            write(value...);
+            changed();
+        };
+    }
+
+    QCheckBox* Check(const QString& text, const char* name, std::function<bool()> get, std::function<void(bool)> set)
     {
         auto* box = new QCheckBox(text);
         box->setObjectName(QLatin1String(name));
-        fillers.push_back([box, &field] { box->setChecked(field); });
-        QObject::connect(box, &QCheckBox::toggled, box, [changed = changed, &field](bool on) {
-            field = on;
-            changed();
-        });
+        fillers.push_back([box, get = std::move(get)] { box->setChecked(get()); });
+        QObject::connect(box, &QCheckBox::toggled, box, Writer(std::move(set)));
         return box;
+    }
+
+    QCheckBox* Check(const QString& text, const char* name, bool& field)
+    {
+        return Check(text, name, [&field] { return field; }, [&field](bool on) { field = on; });
     }
 
     template <typename T>
@@ -213,11 +227,43 @@ struct Binder {
         spin->setObjectName(QLatin1String(name));
         spin->setRange(lowest, highest);
         fillers.push_back([spin, &field] { spin->setValue(int(field)); });
-        QObject::connect(spin, &QSpinBox::valueChanged, spin, [changed = changed, &field](int value) {
-            field = T(value);
-            changed();
-        });
+        QObject::connect(spin, &QSpinBox::valueChanged, spin, Writer([&field](int value) { field = T(value); }));
         return spin;
+    }
+
+    QDoubleSpinBox* Seconds(const char* name, double lowest, double highest, std::function<double()> get,
+                            std::function<void(double)> set)
+    {
+        auto* spin = new QDoubleSpinBox;
+        spin->setObjectName(QLatin1String(name));
+        spin->setRange(lowest, highest);
+        spin->setDecimals(2);
+        spin->setSingleStep(0.01);
+        spin->setSuffix(QStringLiteral(" s"));
+        fillers.push_back([spin, get = std::move(get)] { spin->setValue(get()); });
+        QObject::connect(spin, &QDoubleSpinBox::valueChanged, spin, Writer(std::move(set)));
+        return spin;
+    }
+
+    // A drop-down list of (text, value); a value no item has shows the first item.
+    QComboBox* Combo(const char* name, const ComboItems& items, std::function<QVariant()> get,
+                     std::function<void(QVariant)> set)
+    {
+        auto* combo = new QComboBox;
+        combo->setObjectName(QLatin1String(name));
+        for (const auto& [text, value] : items)
+            combo->addItem(text, value);
+        fillers.push_back([combo, get = std::move(get)] { combo->setCurrentIndex(std::max(0, combo->findData(get()))); });
+        QObject::connect(combo, &QComboBox::currentIndexChanged, combo,
+                         [combo, write = Writer(std::move(set))] { write(combo->currentData()); });
+        return combo;
+    }
+
+    template <typename T>
+    QComboBox* Combo(const char* name, const ComboItems& items, T& field)
+    {
+        return Combo(
+            name, items, [&field] { return QVariant(int(field)); }, [&field](const QVariant& value) { field = T(value.toInt()); });
     }
 
     // Radio buttons of (text, value) in a row or a column; a value no option has checks none.
@@ -244,10 +290,7 @@ struct Binder {
                 button->setChecked(group->id(button) == int(field));
             group->setExclusive(true);
         });
-        QObject::connect(group, &QButtonGroup::idClicked, box, [changed = changed, &field](int value) {
-            field = T(value);
-            changed();
-        });
+        QObject::connect(group, &QButtonGroup::idClicked, box, Writer([&field](int value) { field = T(value); }));
         return box;
     }
 
@@ -256,10 +299,7 @@ struct Binder {
         auto* button = new ColorButton(picker);
         button->setObjectName(QLatin1String(name));
         fillers.push_back([button, &field] { button->SetWin32(field); });
-        QObject::connect(button, &ColorButton::Changed, button, [changed = changed, &field](int32_t colour) {
-            field = colour;
-            changed();
-        });
+        QObject::connect(button, &ColorButton::Changed, button, Writer([&field](int32_t colour) { field = colour; }));
         return button;
     }
 
@@ -268,11 +308,21 @@ struct Binder {
         auto* path = new PathPicker(picker);
         path->setObjectName(QLatin1String(name));
         fillers.push_back([path, &field] { path->SetPath(field); });
-        QObject::connect(path, &PathPicker::Changed, path, [changed = changed, &field](const QString& chosen) {
-            field = chosen;
-            changed();
-        });
+        QObject::connect(path, &PathPicker::Changed, path,
+                         Writer([&field](const QString& chosen) { field = chosen; }));
         return path;
+    }
+
+    EffectPicker* Effect(const EffectPicker::Texts& texts, QString& effect, QString& detail, int16_t& speed)
+    {
+        auto* picker = new EffectPicker(texts);
+        fillers.push_back([picker, &effect, &detail, &speed] { picker->SetChoice(effect, detail, speed); });
+        QObject::connect(picker, &EffectPicker::Changed, picker, Writer([picker, &effect, &detail, &speed] {
+            effect = picker->EffectName();
+            detail = picker->Detail();
+            speed = int16_t(picker->Speed());
+        }));
+        return picker;
     }
 };
 
@@ -283,18 +333,11 @@ struct Binder {
 QWidget* LyricOptions::BuildGeneral()
 {
     ThemeClass& t = *m_state.Theme;
-    Binder bind{m_fillers, [this] { Changed(); }};
+    Binder bind{m_fillers, m_filling, [this] { Changed(); }};
 
     auto* player = new QGroupBox(Text("PlayerFrame"));
     auto* playerForm = new QFormLayout(player);
-    auto* onTop = new QCheckBox(Text("OptOnTop"));
-    onTop->setObjectName(QStringLiteral("OnTop"));
-    m_fillers.push_back([onTop, &t] { onTop->setChecked(t.OnTop()); });
-    connect(onTop, &QCheckBox::toggled, this, [this, &t](bool on) {
-        if (!m_filling)
-            t.SetOnTop(on);
-    });
-    playerForm->addRow(onTop);
+    playerForm->addRow(bind.Check(Text("OptOnTop"), "OnTop", [&t] { return t.OnTop(); }, [&t](bool on) { t.SetOnTop(on); }));
     playerForm->addRow(bind.Check(Text("OptKaraokeAtStart"), "KaraokeAtStart", t.KaraokeWindow));
     playerForm->addRow(bind.Check(Text("OptScrollTitle"), "ScrollTitle", t.Scroll));
     playerForm->addRow(Text("OptMusicFolder"), bind.Path("MusicFolder", t.MusicPath, [this](const QString& now) {
@@ -303,28 +346,25 @@ QWidget* LyricOptions::BuildGeneral()
 
     auto* karaoke = new QGroupBox(Text("KaraokeFrame"));
     auto* karaokeForm = new QFormLayout(karaoke);
-    auto* monitor = new QComboBox;
-    monitor->setObjectName(QStringLiteral("Monitor"));
+    ComboItems monitors;
     for (const MonitorRecord& record : m_state.MonitorList)
-        monitor->addItem(record.name, record.name);
-    m_fillers.push_back([monitor, &t] { monitor->setCurrentIndex(std::max(0, monitor->findData(t.Monitor))); });
-    connect(monitor, &QComboBox::currentIndexChanged, this, [this, monitor, &t] {
-        t.Monitor = monitor->currentData().toString();
-        Changed();
-    });
+        monitors.emplace_back(record.name, record.name);
+    auto* monitor = bind.Combo("Monitor", monitors, [&t] { return QVariant(t.Monitor); },
+                               [&t](const QVariant& name) { t.Monitor = name.toString(); });
     karaokeForm->addRow(Text("Fullscreen"), monitor);
 
     auto* language = new QGroupBox(Text("OptLanguage"));
     auto* languageColumn = new QVBoxLayout(language);
-    auto* choice = new QComboBox;
-    choice->setObjectName(QStringLiteral("Language"));
-    choice->addItem(QStringLiteral("English"), QStringLiteral("en"));
-    choice->addItem(QStringLiteral("Polski"), QStringLiteral("pl"));
-    choice->setCurrentIndex(m_store.RegReadString(QStringLiteral("language")) == u"pl" ? 1 : 0);
-    connect(choice, &QComboBox::currentIndexChanged, this, [this, choice] {
-        m_store.RegWriteString(QStringLiteral("language"), choice->currentData().toString());
-        m_store.Sync();
-    });
+    auto* choice = bind.Combo(
+        "Language", {{QStringLiteral("English"), QStringLiteral("en")}, {QStringLiteral("Polski"), QStringLiteral("pl")}},
+        [this] {
+            return QVariant(m_store.RegReadString(QStringLiteral("language")) == u"pl" ? QStringLiteral("pl")
+                                                                                      : QStringLiteral("en"));
+        },
+        [this](const QVariant& language) {
+            m_store.RegWriteString(QStringLiteral("language"), language.toString());
+            m_store.Sync();
+        });
     languageColumn->addWidget(choice);
     languageColumn->addWidget(Note(Text("OptLanguageNote")));
 
@@ -334,7 +374,7 @@ QWidget* LyricOptions::BuildGeneral()
 QWidget* LyricOptions::BuildKaraoke()
 {
     ThemeClass& t = *m_state.Theme;
-    Binder bind{m_fillers, [this] { Changed(); }};
+    Binder bind{m_fillers, m_filling, [this] { Changed(); }};
 
     auto* text = new QGroupBox(Text("Font"));
     auto* textForm = new QFormLayout(text);
@@ -382,7 +422,7 @@ QWidget* LyricOptions::BuildKaraoke()
 QWidget* LyricOptions::BuildColors()
 {
     ThemeClass& t = *m_state.Theme;
-    Binder bind{m_fillers, [this] { Changed(); }};
+    Binder bind{m_fillers, m_filling, [this] { Changed(); }};
     const ColorButton::Picker picker = [this](const QColor& c) { return m_dialogs.ChooseColor(c); };
     const auto grid = [&](const char* title, std::initializer_list<std::tuple<const char*, const char*, int32_t*>> rows) {
         auto* group = new QGroupBox(Text(title));
@@ -404,7 +444,7 @@ QWidget* LyricOptions::BuildColors()
 QWidget* LyricOptions::BuildPictures()
 {
     ThemeClass& t = *m_state.Theme;
-    Binder bind{m_fillers, [this] { Changed(); }};
+    Binder bind{m_fillers, m_filling, [this] { Changed(); }};
 
     auto* background = new QGroupBox(Text("BackgroundPicture"));
     auto* backgroundForm = new QFormLayout(background);
@@ -449,73 +489,18 @@ QWidget* LyricOptions::BuildPictures()
     imagesForm->addRow(Text("DetailsAlignment"),
                        bind.Options("ImageAlign", t.ImageAlign,
                                     {{Text("DetailsTop"), 1}, {Text("DetailsCenter"), 0}, {Text("DetailsBottom"), 2}}));
-    auto* border = new QComboBox;
-    border->setObjectName(QStringLiteral("ImageBorder"));
-    border->addItems({QStringLiteral("None"), QStringLiteral("Flat"), QStringLiteral("Ring"), QStringLiteral("Sunken"),
-                      QStringLiteral("Raised"), QStringLiteral("Mono")});
-    m_fillers.push_back([border, &t] { border->setCurrentIndex(std::max(0, border->findText(t.ImageBorder))); });
-    connect(border, &QComboBox::currentTextChanged, this, [this, &t](const QString& style) {
-        t.ImageBorder = style;
-        Changed();
-    });
+    ComboItems borders{{QStringLiteral("None"), QStringLiteral("None")}};
+    for (const QString& style : BorderStyles())
+        borders.emplace_back(style, style);
+    auto* border = bind.Combo("ImageBorder", borders, [&t] { return QVariant(t.ImageBorder); },
+                              [&t](const QVariant& style) { t.ImageBorder = style.toString(); });
     imagesForm->addRow(Text("OptBorder"), border);
 
     auto* effects = new QGroupBox(Text("OptEffectDefaults"));
-    auto* effectsForm = new QFormLayout(effects);
-    auto* effect = new QComboBox;
-    effect->setObjectName(QStringLiteral("ImageEffect"));
-    effect->addItem(Text("PictureClearEffect"), QString());
-    for (const EffectRow& row : EffectTable())
-        effect->addItem(row.Name, row.Name);
-    auto* detail = new QComboBox;
-    detail->setObjectName(QStringLiteral("EffectDetail"));
-    const auto showDetails = [this, detail, &t] {
-        detail->clear();
-        const auto found = FindEffect(t.ImageEffect, t.EffectDetail);
-        detail->setEnabled(found.has_value());
-        if (!found) {
-            detail->addItem(Text("PictureNoDetails"));
-            return;
-        }
-        detail->addItems(found->Table().Details);
-        detail->setCurrentIndex(found->Detail);
-    };
-    m_fillers.push_back([effect, showDetails, &t] {
-        effect->setCurrentIndex(std::max(0, effect->findData(t.ImageEffect)));
-        showDetails();
-    });
-    connect(effect, &QComboBox::currentIndexChanged, this, [this, effect, showDetails, &t] {
-        if (m_filling)
-            return;
-        t.ImageEffect = effect->currentData().toString();
-        const auto found = FindEffect(t.ImageEffect, QString());
-        t.EffectDetail = found ? found->Table().Details.value(found->Detail) : QString();
-        m_filling = true;
-        showDetails();
-        m_filling = false;
-        Changed();
-    });
-    connect(detail, &QComboBox::currentTextChanged, this, [this, detail, &t] {
-        if (m_filling || !detail->isEnabled())
-            return;
-        t.EffectDetail = detail->currentText();
-        Changed();
-    });
-    auto* speed = new QSlider(Qt::Horizontal);
-    speed->setObjectName(QStringLiteral("EffectSpeed"));
-    speed->setRange(1, 10);
-    speed->setPageStep(1);
-    speed->setTickPosition(QSlider::TicksBelow);
-    m_fillers.push_back([speed, &t] { speed->setValue(std::clamp(int(t.EffectSpeed), 1, 10)); });
-    connect(speed, &QSlider::valueChanged, this, [this, &t](int value) {
-        if (m_filling)
-            return;
-        t.EffectSpeed = int16_t(value);
-        Changed();
-    });
-    effectsForm->addRow(Text("PictureTransition"), effect);
-    effectsForm->addRow(Text("PictureDetails"), detail);
-    effectsForm->addRow(Text("PictureSpeed"), speed);
+    auto* effectsColumn = new QVBoxLayout(effects);
+    effectsColumn->addWidget(bind.Effect({Text("PictureClearEffect"), Text("PictureNoDetails"), Text("PictureTransition"),
+                                          Text("PictureDetails"), Text("PictureSpeed")},
+                                         t.ImageEffect, t.EffectDetail, t.EffectSpeed));
 
     return Page({background, images, effects});
 }
@@ -523,40 +508,20 @@ QWidget* LyricOptions::BuildPictures()
 QWidget* LyricOptions::BuildSound()
 {
     ThemeClass& t = *m_state.Theme;
-    Binder bind{m_fillers, [this] { Changed(); }};
-    const auto deviceCombo = [this](const char* name, const QStringList& names, auto& field) {
-        auto* combo = new QComboBox;
-        combo->setObjectName(QLatin1String(name));
-        combo->addItem(Text("OptSystemDefault"), 0);
+    Binder bind{m_fillers, m_filling, [this] { Changed(); }};
+    const auto devices = [this](const QStringList& names) {
+        ComboItems items{{Text("OptSystemDefault"), 0}};
         for (int i = 0; i < names.size(); ++i)
-            combo->addItem(names[i], i + 1);
-        m_fillers.push_back([combo, &field] { combo->setCurrentIndex(std::max(0, combo->findData(int(field)))); });
-        connect(combo, &QComboBox::currentIndexChanged, this, [this, combo, &field] {
-            if (m_filling)
-                return;
-            field = std::remove_reference_t<decltype(field)>(combo->currentData().toInt());
-            Changed();
-        });
-        return combo;
+            items.emplace_back(names[i], i + 1);
+        return items;
     };
 
     auto* output = new QGroupBox(Text("AudioDevices"));
     auto* outputForm = new QFormLayout(output);
-    outputForm->addRow(Text("AudioDevice"), deviceCombo("AudioDevice", OutputDeviceNames(), t.AudioDevice));
+    outputForm->addRow(Text("AudioDevice"), bind.Combo("AudioDevice", devices(OutputDeviceNames()), t.AudioDevice));
     outputForm->addRow(Note(Text("OptDeviceNote")));
-    auto* offset = new QDoubleSpinBox;
-    offset->setObjectName(QStringLiteral("TimeOffset"));
-    offset->setRange(-5, 5);
-    offset->setDecimals(2);
-    offset->setSingleStep(0.01);
-    offset->setSuffix(QStringLiteral(" s"));
-    m_fillers.push_back([offset, &t] { offset->setValue(t.LyricsOffset()); });
-    connect(offset, &QDoubleSpinBox::valueChanged, this, [this, &t](double seconds) {
-        if (m_filling)
-            return;
-        t.SetLyricsOffset(seconds);
-        Changed();
-    });
+    auto* offset = bind.Seconds("TimeOffset", -5, 5, [&t] { return t.LyricsOffset(); },
+                                [&t](double seconds) { t.SetLyricsOffset(seconds); });
     auto* test = new QPushButton(Text("OptLatencyTest"));
     test->setObjectName(QStringLiteral("LatencyTest"));
     test->setCheckable(true);
@@ -578,18 +543,11 @@ QWidget* LyricOptions::BuildSound()
 
     auto* recording = new QGroupBox(Text("RecordVoice"));
     auto* recordingForm = new QFormLayout(recording);
-    recordingForm->addRow(Text("RecordDevice"), deviceCombo("RecordDevice", InputDeviceNames(), t.RecordDevice));
-    auto* quality = new QComboBox;
-    quality->setObjectName(QStringLiteral("RecordQuality"));
+    recordingForm->addRow(Text("RecordDevice"), bind.Combo("RecordDevice", devices(InputDeviceNames()), t.RecordDevice));
+    ComboItems rates;
     for (int i = 0; i < 3; ++i)
-        quality->addItem(Text(i == 0 ? "RecordQuality0" : i == 1 ? "RecordQuality1" : "RecordQuality2"), kRecordRates[i]);
-    m_fillers.push_back([quality, &t] { quality->setCurrentIndex(std::max(0, quality->findData(int(t.RecordQuality)))); });
-    connect(quality, &QComboBox::currentIndexChanged, this, [this, quality, &t] {
-        if (m_filling)
-            return;
-        t.RecordQuality = quality->currentData().toInt();
-        Changed();
-    });
+        rates.emplace_back(Text(i == 0 ? "RecordQuality0" : i == 1 ? "RecordQuality1" : "RecordQuality2"), kRecordRates[i]);
+    auto* quality = bind.Combo("RecordQuality", rates, t.RecordQuality);
     recordingForm->addRow(Text("RecordQuality"), quality);
     recordingForm->addRow(Text("OptRecordMode"),
                           bind.Options("RecordMode", t.RecordMode, {{Text("OptMono"), 1}, {Text("OptStereo"), 2}}));
