@@ -19,7 +19,6 @@ constexpr int kBottomClip = 8;
 constexpr double kClearAfterLastSeconds = 8.0;
 constexpr int kLargestFontSize = 1000;
 constexpr int kLinesAhead = 5;
-const QString kOwnFormat = QStringLiteral("Songweaver");
 
 QColor Effective(int32_t song, int32_t setting)
 {
@@ -68,9 +67,9 @@ bool KaraokeView::CanPaint() const
     return m_ready && !m_frame.isNull() && !m_painting;
 }
 
-bool KaraokeView::OwnFormat() const
+bool KaraokeView::LightsLines() const
 {
-    return m_lyrics.PlayLyrics[0].FormatName.startsWith(kOwnFormat);
+    return m_theme.LyricsMode || m_lyrics.PlayLyrics[0].LineTimed;
 }
 
 void KaraokeView::UpdateColors()
@@ -191,7 +190,7 @@ bool KaraokeView::LightNextSyllable()
         return false;
     const QString litBefore = shown.SungText;
     m_shownPage = m_page;
-    if (m_theme.LyricsMode || !OwnFormat())
+    if (LightsLines())
         return true;  // the whole line is lit already
 
     const QFont font = Font();
@@ -217,7 +216,7 @@ void KaraokeView::DrawRow(const PageRow& row, int y, bool current)
                           m_size.height() - kBottomClip);
     const int tx = x + kTextInset;
     const int ty = y + kTextInset;
-    const bool linesMode = m_theme.LyricsMode || !OwnFormat();
+    const bool linesMode = LightsLines();
     if (current && !linesMode) {
         m_painter.DrawText(m_frame, row.Text, font, m_colors.ForeColor, tx, ty);
         m_painter.DrawText(m_frame, row.Text, font, m_colors.HighlightColor, tx, ty,
@@ -236,7 +235,7 @@ void KaraokeView::DrawBall(int x, int y, const QString& line)
     const QFont font = Font();
     const QFontMetrics metrics(font);
     const int th = metrics.boundingRect(line).height();
-    const bool linesMode = m_theme.LyricsMode || !OwnFormat();
+    const bool linesMode = LightsLines();
     const int cx = !linesMode && m_theme.DisplayMode == int16_t(DisplayModes::TwoLines)
                        ? x + 3 + metrics.horizontalAdvance(m_page.SungText) - metrics.horizontalAdvance(m_page.Syllable)
                              + metrics.height() / 4

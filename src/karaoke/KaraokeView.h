@@ -96,7 +96,8 @@ private:
     void RepairLastBlock();
     void Show(const QRect& rect);
     int FitWidth(const QString& text, int size) const;
-    bool OwnFormat() const;
+    // Lines mode, or lyrics timed by whole lines: a line lights at once.
+    bool LightsLines() const;
     // Takes the lines the worker has finished into the painter's cache, waiting for none.
     void AdoptPreparedLines();
 

@@ -24,6 +24,20 @@ int32_t LineStart(const std::vector<LyricItem>& lyrics, int32_t index)
     return i;
 }
 
+// The line's text as its syllables carry it; a line read without one shows its syllables joined.
+QString ShownLineText(const std::vector<LyricItem>& lyrics, int32_t index)
+{
+    if (!lyrics[size_t(index)].LineText.isEmpty())
+        return lyrics[size_t(index)].LineText;
+    QString text;
+    for (int32_t i = LineStart(lyrics, index); i <= LastIndex(lyrics); ++i) {
+        text += lyrics[size_t(i)].Text;
+        if (lyrics[size_t(i)].LineEnd)
+            break;
+    }
+    return text;
+}
+
 QString SungPart(const std::vector<LyricItem>& lyrics, int32_t index)
 {
     QString sung;
@@ -57,17 +71,17 @@ void PageLayout::ClearRows()
 Page PageLayout::Compose(const std::vector<LyricItem>& lyrics, int32_t index, bool jump, int16_t displayMode)
 {
     Page page;
-    const RowLine current{lyrics[size_t(index)].LineText, LineStart(lyrics, index)};
+    const RowLine current{ShownLineText(lyrics, index), LineStart(lyrics, index)};
     RowLine next;
     RowLine afterNext;
     page.LinesLeft = 0;
     if (const int32_t start = NextLineStart(lyrics, index)) {
-        next = {lyrics[size_t(start)].LineText, start};
+        next = {ShownLineText(lyrics, start), start};
         if (displayMode == int16_t(DisplayModes::ThreeLines)) {
             const int32_t following = NextLineStart(lyrics, start);
             page.LinesLeft = following ? 3 : 2;
             if (following)
-                afterNext = {lyrics[size_t(following)].LineText, following};
+                afterNext = {ShownLineText(lyrics, following), following};
         }
     } else {
         page.LinesLeft = 1;
@@ -75,7 +89,9 @@ Page PageLayout::Compose(const std::vector<LyricItem>& lyrics, int32_t index, bo
     page.Syllable = lyrics[size_t(index)].Text;
     page.SungText = index == 1 ? page.Syllable : SungPart(lyrics, index);
 
-    const bool newLine = !jump && index > 1 && lyrics[size_t(index - 1)].LineEnd;
+    // A line with no words (a MIDI file's lead-in) gives its row to the first line sung.
+    const bool newLine =
+        !jump && index > 1 && lyrics[size_t(index - 1)].LineEnd && !ShownLineText(lyrics, index - 1).isEmpty();
     if (displayMode == int16_t(DisplayModes::ThreeLines))
         PlaceThreeLines(current, next, afterNext, page.LinesLeft, newLine);
     else

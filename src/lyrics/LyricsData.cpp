@@ -24,6 +24,7 @@ void ResetLyricsData(LyricsState& lyrics)
     header.Alignment = -1;
     header.Layout = -1;
     header.FormatName.clear();
+    header.LineTimed = false;
 }
 
 namespace {

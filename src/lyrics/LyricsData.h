@@ -28,6 +28,8 @@ struct LyricItem {
     QString Artist;
     QString Title;
     QString FormatName;
+    // Timed by whole lines (tag lyrics), so lit a line at a time; other lyrics light by syllable.
+    bool LineTimed = false;
     int16_t ImageLayout = 1;
     int16_t ImagePosition = 0;
     int16_t ImageCustomX = 320;

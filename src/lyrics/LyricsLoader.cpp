@@ -53,6 +53,7 @@ bool LoadTagLyrics(LyricsState& lyrics, const LyricsEnvironment& env)
         return false;
     ImportTagLyrics(lyrics, tag, env.Font, env.Refit);
     lyrics.PlayLyrics[0].FormatName = QStringLiteral("Lyrics %1.00").arg(tag.LyricsVersion);
+    lyrics.PlayLyrics[0].LineTimed = true;
     return true;
 }
 

@@ -9,11 +9,11 @@
 #include <QTemporaryDir>
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace {
 
 constexpr double kLeadInSeconds = 2.0;
-constexpr double kWordsOffsetSeconds = 0.7;
 constexpr uint8_t kTextEvent = 0x01;
 constexpr uint8_t kLyricEvent = 0x05;
 constexpr int kConverterWaitMs = 60000;
@@ -63,12 +63,21 @@ public:
     void Add(const QString& word, double start)
     {
         const QString trimmed = word.trimmed();
-        if (trimmed.size() == 1 && IsLineMark(trimmed[0]))
+        if (trimmed.isEmpty()) {
+            if (!word.isEmpty())
+                m_lyrics.push_back(Syllable(word, start));
+        } else if (trimmed.size() == 1 && IsLineMark(trimmed[0])) {
             return;
-        if (!trimmed.isEmpty() && IsLineMark(trimmed[0]))
+        } else if (IsLineMark(trimmed[0])) {
+            m_lineEnds = false;
             StartLine(LeftTrimmed(LeftTrimmed(word).mid(1)), start);
-        else if (!word.isEmpty())
-            m_lyrics.push_back(Syllable(word, start));
+        } else if (IsLineMark(trimmed.back())) {
+            // A mark behind a word ends its line: the next word starts one.
+            AddSyllable(trimmed.chopped(1), start);
+            m_lineEnds = true;
+        } else {
+            AddSyllable(word, start);
+        }
     }
 
 private:
@@ -78,6 +87,14 @@ private:
         item.Text = text;
         item.Time = start;
         return item;
+    }
+
+    void AddSyllable(const QString& text, double start)
+    {
+        if (std::exchange(m_lineEnds, false))
+            StartLine(text, start);
+        else
+            m_lyrics.push_back(Syllable(text, start));
     }
 
     void StartLine(const QString& text, double start)
@@ -98,6 +115,7 @@ private:
 
     std::vector<LyricItem>& m_lyrics;
     bool m_firstLineSeen = false;
+    bool m_lineEnds = false;
 };
 
 bool WordsUsable(const std::vector<LyricItem>& lyrics, double duration)
@@ -153,6 +171,26 @@ bool IsLineBreak(QChar c)
     return c == u'\r' || c == u'\n';
 }
 
+// The text of a lyric event without its line breaks; its blanks belong to the syllable.
+QString WithoutLineBreaks(const QString& text)
+{
+    qsizetype from = 0;
+    qsizetype to = text.size();
+    while (from < to && IsLineBreak(text[from]))
+        ++from;
+    while (to > from && IsLineBreak(text[to - 1]))
+        --to;
+    return text.mid(from, to - from);
+}
+
+QString RightTrimmed(const QString& text)
+{
+    qsizetype to = text.size();
+    while (to > 0 && text[to - 1].isSpace())
+        --to;
+    return text.left(to);
+}
+
 // Lyric events as notation programs write them: a line break before (or after) a syllable
 // starts a line, and where syllables end in "-" to join words, the others end a word.
 void CollectLyricEvents(const std::vector<TimedText>& texts, std::vector<LyricItem>& lyrics)
@@ -162,12 +200,15 @@ void CollectLyricEvents(const std::vector<TimedText>& texts, std::vector<LyricIt
     WordsCollector words(lyrics);
     bool lineStarts = true;  // the first syllable opens the first line, and so the lead-in
     for (const TimedText& t : texts) {
-        QString text = t.text;
-        const bool breakBefore = !text.isEmpty() && IsLineBreak(text.front());
-        const bool breakAfter = !text.isEmpty() && IsLineBreak(text.back());
-        text = text.trimmed();
-        if (hyphenated && !text.isEmpty())
-            text = text.endsWith(u'-') ? text.chopped(1) : text + u' ';
+        const bool breakBefore = !t.text.isEmpty() && IsLineBreak(t.text.front());
+        const bool breakAfter = !t.text.isEmpty() && IsLineBreak(t.text.back());
+        QString text = WithoutLineBreaks(t.text);
+        if (text.trimmed().isEmpty())
+            text.clear();
+        else if (hyphenated && RightTrimmed(text).endsWith(u'-'))
+            text = RightTrimmed(text).chopped(1);
+        else if (hyphenated && !text.back().isSpace())
+            text += u' ';
         if (text.isEmpty()) {
             lineStarts = lineStarts || breakBefore || breakAfter;
             continue;
@@ -227,8 +268,7 @@ void FinishWords(std::vector<LyricItem>& songLyrics)
     QString line;
     size_t lineStart = 1;
     for (size_t i = 1; i < songLyrics.size(); ++i) {
-        LyricItem& item = songLyrics[i];
-        item.Time += kWordsOffsetSeconds;
+        const LyricItem& item = songLyrics[i];
         line += item.Text;
         if (!item.LineEnd)
             continue;

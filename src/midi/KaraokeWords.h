@@ -14,7 +14,8 @@ void ResetLyrics(LyricsState& lyrics, std::vector<LyricItem>& songLyrics);
 // timed by the byte reader's delta rule at msPerTick.
 void GetWords(const QByteArray& track, double msPerTick, bool polish, std::vector<LyricItem>& songLyrics);
 
-// The finishing pass: 0.7 s later each, and each line's text on its syllables.
+// The finishing pass: each line's text on its syllables. The times stay: the engine's MIDI
+// clock is the heard time, so the words need no allowance for a synthesiser's latency.
 void FinishWords(std::vector<LyricItem>& songLyrics);
 
 // Under this upper bound the words of a file are too few to be the song's.

@@ -69,7 +69,7 @@ TEST(LyricsImport, ABlockWinsOverMidiWordsAndFewWordsFail)
     ASSERT_EQ(lyrics.EditLyrics.size(), 14u);
     EXPECT_EQ(lyrics.EditLyrics[0].Title, "Old Tune");
     EXPECT_EQ(lyrics.EditLyrics[0].Artist, "The Band");
-    EXPECT_DOUBLE_EQ(lyrics.EditLyrics[2].Time, 1.7);
+    EXPECT_DOUBLE_EQ(lyrics.EditLyrics[2].Time, 1.0);
     EXPECT_DOUBLE_EQ(figures.MidiSegmentLength, 30 * 768.0) << "the last event, 30 quarter notes in";
     EXPECT_DOUBLE_EQ(figures.MidiMsPerTick, 4.0) << "the import overwrites the player's figures";
 

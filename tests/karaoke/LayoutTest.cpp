@@ -23,7 +23,25 @@ QStringList Walk(const std::vector<LyricItem>& song, int16_t mode)
     return pages;
 }
 
+// Words as a karaoke MIDI file gives them: an empty lead-in line first, and a last line whose
+// syllables carry no line text.
+std::vector<LyricItem> MidiWords(int lines)
+{
+    auto song = NumberedLines(lines);
+    LyricItem leadIn;
+    leadIn.LineEnd = true;
+    song.insert(song.begin() + 1, leadIn);
+    song.back().LineText.clear();
+    return song;
+}
+
 } // namespace
+
+TEST(Layout, AMidiSongsFirstSungLineStandsOnTopAndItsLastLineShowsItsSyllables)
+{
+    EXPECT_EQ(Walk(MidiWords(4), 3), (QStringList{"[]/L1/L2", "[L1]/L2/L3", "L4/[L2]/L3", "L4/L2/[L3]", "[L4]//"}));
+    EXPECT_EQ(Walk(MidiWords(2), 1), (QStringList{"[]/L1", "[L1]/L2", "[L2]/"}));
+}
 
 TEST(Layout, ThreeLinesRollDownAndRewriteARowOneLineAfterItWasSung)
 {

@@ -147,15 +147,27 @@ TEST(Painter, OnlyTheFirstOutlineColourReachesTheScreen)
     EXPECT_EQ(Count(stage.view.Frame(), QColor(255, 255, 0)), 0);
 }
 
-TEST(Painter, LinesModeAndForeignLyricsLightTheWholeLine)
+TEST(Painter, LineTimedLyricsLightTheWholeLine)
 {
     auto song = Song({{{1.0, "Whole "}, {2.0, "line"}}});
     song[0].FormatName = QStringLiteral("Lyrics 2.00");
+    song[0].LineTimed = true;
     Stage stage(song);
     stage.PlayTo(1.5);
     const QRect block = stage.view.BlockRect();
     EXPECT_GT(Count(stage.view.Frame(), kHighlight, block), 200);
     EXPECT_EQ(Count(stage.view.Frame(), kFore, block), 0);
+}
+
+TEST(Painter, MidiWordsLightSyllableBySyllable)
+{
+    auto song = Song({{{1.0, "Whole "}, {2.0, "line"}}});
+    song[0].FormatName = QStringLiteral("MIDI lyric events");
+    Stage stage(song);
+    stage.PlayTo(1.5);
+    const QRect block = stage.view.BlockRect();
+    EXPECT_GT(Count(stage.view.Frame(), kHighlight, block), 200);
+    EXPECT_GT(Count(stage.view.Frame(), kFore, block), 100) << "the second syllable is not sung yet";
 }
 
 TEST(Painter, TheBallMarksTheLineLeftOfItsStart)

@@ -42,12 +42,14 @@ TEST_F(LyricsLoaderTest, SongBlockThenSiblingFileThenTagLyrics)
     WriteFileBytes(song, QByteArray(4000, '\xff') + "audio");
     ASSERT_TRUE(LoadLyrics(lyrics, song, env));
     EXPECT_EQ(lyrics.PlayLyrics[0].FormatName, "Lyrics 2.00");
+    EXPECT_TRUE(lyrics.PlayLyrics[0].LineTimed) << "tag lyrics light whole lines";
     EXPECT_EQ(FirstText(), "tag line");
     EXPECT_EQ(lyrics.LyricsTitleText, "Tag Artist|Tag Title");
 
     WriteFileBytes(lrs, Block("#TITLE=From file\r\n[1]lrs line"));
     ASSERT_TRUE(LoadLyrics(lyrics, song, env));
     EXPECT_EQ(lyrics.PlayLyrics[0].FormatName, "Songweaver (*LRS)");
+    EXPECT_FALSE(lyrics.PlayLyrics[0].LineTimed);
     EXPECT_EQ(FirstText(), "lrs line");
     EXPECT_EQ(lyrics.LyricsTitleText, "From file");
 

@@ -453,8 +453,8 @@ TEST(Swtool, LyricsOfAKaraokeFileForThePlayerAndTheImport)
     const ToolRun played = Swtool({"lyrics", kar}, home.path());
     ASSERT_EQ(played.exitCode, 0) << played.err.toStdString();
     EXPECT_TRUE(played.out.startsWith(QStringLiteral("format\tMIDI text events\n")));
-    EXPECT_TRUE(played.out.contains(QStringLiteral("syllable\t1\t1.100\t1\t\t\n")));
-    EXPECT_TRUE(played.out.contains(QStringLiteral("syllable\t2\t3.100\t0\tTwin\tTwinkle, twinkle, little star,\n")));
+    EXPECT_TRUE(played.out.contains(QStringLiteral("syllable\t1\t0.400\t1\t\t\n")));
+    EXPECT_TRUE(played.out.contains(QStringLiteral("syllable\t2\t2.400\t0\tTwin\tTwinkle, twinkle, little star,\n")));
     EXPECT_EQ(played.out.count(QStringLiteral("syllable\t")), 43) << "the lead-in and 42 syllables";
 
     const ToolRun imported = Swtool({"lyrics", "--import", kar}, home.path());
