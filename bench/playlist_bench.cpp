@@ -8,6 +8,7 @@
 #include "playback/PlayerTransport.h"
 #include "ui/player/PlayerWindow.h"
 #include "ui/playlist/UserList.h"
+#include "ui/kit/DesktopDialogs.h"
 #include "ui/kit/Docking.h"
 
 #include <QApplication>
@@ -76,7 +77,8 @@ int main(int argc, char* argv[])
     PlayerWindow player(state, store, docking);
     Windows windows(player);
     PlayerTransport transport(state, windows, state.Songs);
-    UserList list(state, state.Songs, store, docking, transport);
+    DesktopDialogs dialogs;
+    UserList list(state, state.Songs, store, docking, transport, dialogs);
     windows.list = &list;
     list.Show();
 
@@ -116,7 +118,7 @@ int main(int argc, char* argv[])
             rows.push_back({QStringLiteral("Bench Artist - Bench Title"), QStringLiteral("00:03"), song});
     WriteListFile(dir.filePath("Songweaver.ini"), WriteM3U(rows));
     Playlist saved(state.Language);
-    UserList savedWindow(state, saved, store, docking, transport);
+    UserList savedWindow(state, saved, store, docking, transport, dialogs);
     savedWindow.Show();
     clock.restart();
     saved.LoadSavedList(dir.filePath("Songweaver.ini"));

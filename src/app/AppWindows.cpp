@@ -74,7 +74,7 @@ PlaylistForm* AppWindows::UserList()
 PlaylistForm& AppWindows::LoadUserList()
 {
     if (!m_userList) {
-        m_userList = std::make_unique<::UserList>(m_state, m_state.Songs, m_store, m_docking, *m_transport);
+        m_userList = std::make_unique<::UserList>(m_state, m_state.Songs, m_store, m_docking, *m_transport, m_dialogs);
         m_userList->ShowInfo = [this] { m_commands->GetInfo(); };
         m_loaded.push_back(m_userList.get());
     }

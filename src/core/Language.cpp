@@ -56,9 +56,14 @@ QString LanguageTable::GetText(const QString& key) const
 
 QString DialogFilter(const QString& languageText, const QString& patterns)
 {
-    QString description = languageText.section(u'|', 0, 0);
     static const QRegularExpression ownPatterns(QStringLiteral("\\s*\\([^()]*\\)\\s*$"));
+    QString description = languageText.section(u'|', 0, 0);
     description.remove(ownPatterns);
+    QString allFiles = languageText.section(u'|', 2, 2);
+    allFiles.remove(ownPatterns);
+    if (allFiles.trimmed().isEmpty())
+        allFiles = QStringLiteral("All files");
     const QString list = u'(' + patterns.split(u';', Qt::SkipEmptyParts).join(u' ') + u')';
-    return (description.trimmed() + u' ' + list).trimmed();
+    return (description.trimmed() + u' ' + list).trimmed() + QStringLiteral(";;") + allFiles.trimmed() +
+           QStringLiteral(" (*)");
 }

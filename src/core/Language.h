@@ -25,5 +25,6 @@ public:
 };
 
 // A file dialog's filter: the description that a language text holds (up to any "|", without
-// its own pattern list) and the command's patterns ("*.lrs", "*.mp3;*.ogg;"), as Qt lists them.
+// its own pattern list) with the command's patterns ("*.lrs", "*.mp3;*.ogg;"), then the
+// language's "All files" entry, as Qt lists them.
 QString DialogFilter(const QString& languageText, const QString& patterns);

@@ -121,8 +121,7 @@ void PlayerCommands::OpenFileDialog()
 bool PlayerCommands::ChooseAndOpenFiles()
 {
     const QString title = QStringLiteral("SWV: ") + m_state.Language.GetText(QStringLiteral("DialogAddFiles"));
-    const QString filter = m_state.Language.GetText(QStringLiteral("FilterOpenAudio"))
-                           + QStringLiteral(" (*.wav *.mp3 *.mpc *.ape *.ogg *.mid *.midi *.kar)");
+    const QString filter = DialogFilter(m_state.Language.GetRawText(QStringLiteral("FilterOpenAudio")), SongPatterns());
     const QStringList files = m_dialogs.OpenFileNames(title, m_state.Theme->MusicPath, filter);
     if (files.isEmpty())
         return false;

@@ -1,14 +1,12 @@
 #include "playlist/Playlist.h"
 
+#include "tags/MP3Class.h"
+
 #include <QDir>
 #include <QDirIterator>
 #include <QFileInfo>
 #include <QRandomGenerator>
 #include <QTextStream>
-
-namespace {
-const QStringList kAudioSuffixes{"wav", "mp3", "mpc", "ape", "ogg", "mid", "midi", "kar"};
-}
 
 QStringList AudioFilesIn(const QStringList& paths)
 {
@@ -20,7 +18,7 @@ QStringList AudioFilesIn(const QStringList& paths)
             QDirIterator it(path, QDir::Files, QDirIterator::Subdirectories);
             while (it.hasNext()) {
                 const QString file = it.next();
-                if (kAudioSuffixes.contains(QFileInfo(file).suffix().toLower()))
+                if (SongSuffixes().contains(QFileInfo(file).suffix().toLower()))
                     found << file;
             }
             found.sort(Qt::CaseInsensitive);

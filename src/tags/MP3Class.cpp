@@ -18,6 +18,22 @@ bool IsMidiName(const QString& path)
     return extension == u"midi" || extension == u"mid" || extension == u"kar";
 }
 
+const QStringList& SongSuffixes()
+{
+    static const QStringList suffixes{QStringLiteral("mp3"), QStringLiteral("ogg"), QStringLiteral("wav"),
+                                      QStringLiteral("mpc"), QStringLiteral("ape"), QStringLiteral("mid"),
+                                      QStringLiteral("midi"), QStringLiteral("kar")};
+    return suffixes;
+}
+
+QString SongPatterns()
+{
+    QStringList patterns;
+    for (const QString& suffix : SongSuffixes())
+        patterns << QStringLiteral("*.") + suffix;
+    return patterns.join(u';');
+}
+
 QString MP3Class::CutSp(QString& text)
 {
     qsizetype end = text.size();

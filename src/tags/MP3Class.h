@@ -32,6 +32,9 @@ struct ApeTagTexts {
 
 // "mid", "midi" and "kar" files are MIDI whatever they hold; the only use of the extension.
 bool IsMidiName(const QString& path);
+// The suffixes of the songs the program opens, in lower case; a file dialog's "*.mp3;*.ogg;..."
+const QStringList& SongSuffixes();
+QString SongPatterns();
 
 class MP3Class final : public SongTags {
 public:

@@ -93,11 +93,15 @@ TEST(Language, ShippedTablesKeepTheirRowsAndQuirks)
     EXPECT_EQ(polish.GetText(QStringLiteral("Fullscreen")), QString::fromUtf8("Pełny ekran"));
 }
 
-TEST(Language, DialogFiltersTakeTheTextsDescriptionAndTheCommandsPatterns)
+TEST(Language, DialogFiltersTakeTheTextsDescriptionAndTheCommandsPatternsWithAllFilesLast)
 {
-    EXPECT_EQ(DialogFilter("Lyrics files (*.lrs)|*.lrs|All files (*.*)|*.*", "*.lrs"), "Lyrics files (*.lrs)");
+    EXPECT_EQ(DialogFilter("Lyrics files (*.lrs)|*.lrs|All files (*.*)|*.*", "*.lrs"),
+              "Lyrics files (*.lrs);;All files (*)");
     EXPECT_EQ(DialogFilter("Karaoke files (*.kar;*.mid)|*.kar;*.mid", "*.mp3;*.ogg;*.wav;*.kar;*.mid;"),
-              "Karaoke files (*.mp3 *.ogg *.wav *.kar *.mid)");
-    EXPECT_EQ(DialogFilter("Text files", "*.txt"), "Text files (*.txt)");
-    EXPECT_EQ(DialogFilter("", "*.txt"), "(*.txt)");
+              "Karaoke files (*.mp3 *.ogg *.wav *.kar *.mid);;All files (*)");
+    EXPECT_EQ(DialogFilter(QString::fromUtf8("Utwory (*.mp3;*.ogg)|*.mp3;*.ogg|Wszystkie pliki (*.*)|*.*"), "*.mp3"),
+              QString::fromUtf8("Utwory (*.mp3);;Wszystkie pliki (*)"))
+        << "the language's own name for all files";
+    EXPECT_EQ(DialogFilter("Text files", "*.txt"), "Text files (*.txt);;All files (*)");
+    EXPECT_EQ(DialogFilter("", "*.txt"), "(*.txt);;All files (*)");
 }

@@ -313,8 +313,8 @@ TEST_F(EditorWindow, OpenedFilesAreHeldToTheirLimitsWithTheMessageOf600kB)
     editor->Command(QStringLiteral("MenuLyricsOpen"));
     EXPECT_EQ(dialogs.messages, QStringList(3, QStringLiteral("critical: The file cannot be greater than 600 kB.")));
     EXPECT_EQ(dialogs.titles.first(), "SWV: Open lyrics");
-    EXPECT_EQ(dialogs.filters.first(), "Lyrics files (*.lrs)");
-    EXPECT_EQ(dialogs.filters[2], "Text files (*.txt)");
+    EXPECT_EQ(dialogs.filters.first(), "Lyrics files (*.lrs);;All files (*)");
+    EXPECT_EQ(dialogs.filters[2], "Text files (*.txt);;All files (*)");
 
     // A cancelled dialog changes nothing; a damaged block leaves the document as it was.
     editor->Command(QStringLiteral("MenuLyricsOpen"));

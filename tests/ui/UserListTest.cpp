@@ -6,9 +6,12 @@
 #include "playback/PlayerTransport.h"
 #include "support/PlayerSetup.h"
 #include "support/PlaylistRows.h"
+#include "support/ScriptedDialogs.h"
 #include "ui/playlist/UserList.h"
 
 #include <QApplication>
+#include <QFileDialog>
+#include <QListView>
 #include <QMimeData>
 #include <QTemporaryDir>
 #include <QTest>
@@ -33,8 +36,29 @@ protected:
     SessionWindows windows{state, journal};
     Playlist songs{state.Language};
     PlayerTransport transport{state, windows, songs};
-    UserList list{state, songs, windows.store, windows.docking, transport};
+    ScriptedDialogs dialogs;
+    UserList list{state, songs, windows.store, windows.docking, transport, dialogs};
 };
+
+// The files a real file dialog lists in the folder under the filter, once it has read them.
+QStringList ListedFiles(const QString& folder, const QString& filter)
+{
+    QFileDialog dialog(nullptr, QString(), folder, filter);
+    dialog.setOption(QFileDialog::DontUseNativeDialog);
+    dialog.show();
+    auto* view = dialog.findChild<QListView*>(QStringLiteral("listView"));
+    QStringList files;
+    for (int waited = 0; waited < 5000 && view; waited += 50) {
+        QTest::qWait(50);
+        files.clear();
+        for (int row = 0; row < view->model()->rowCount(view->rootIndex()); ++row)
+            files << view->model()->index(row, 0, view->rootIndex()).data().toString();
+        if (!files.isEmpty())
+            break;
+    }
+    files.sort(Qt::CaseInsensitive);
+    return files;
+}
 
 } // namespace
 
@@ -134,4 +158,23 @@ TEST_F(PlaylistWindow, TheMenusPlayPlaysTheSelectedRow)
     EXPECT_EQ(songs.Model().CurrentPlaying(), 1);
     ASSERT_NE(state.Session, nullptr);
     EXPECT_EQ(state.Session->GetState(), SongSession::Running);
+}
+
+TEST_F(PlaylistWindow, AddAndLoadShowEverySongAndListWithAllFilesLast)
+{
+    const QStringList songFiles{"a.mp3", "b.OGG", "c.wav", "d.mpc", "e.ape", "f.mid", "g.midi", "h.KAR"};
+    for (const QString& name : songFiles + QStringList{"notes.txt"})
+        WriteFileBytes(dir.filePath(name), "x");
+
+    dialogs.chosen = {};
+    list.fnAddSong();
+    ASSERT_EQ(dialogs.filters.size(), 1);
+    EXPECT_EQ(ListedFiles(dir.path(), dialogs.filters[0]), songFiles);
+    EXPECT_TRUE(dialogs.filters[0].endsWith(QStringLiteral(";;All files (*)")));
+
+    WriteFileBytes(dir.filePath("party.m3u"), "x");
+    WriteFileBytes(dir.filePath("old.PLS"), "x");
+    list.fnListLoad();
+    ASSERT_EQ(dialogs.filters.size(), 2);
+    EXPECT_EQ(ListedFiles(dir.path(), dialogs.filters[1]), (QStringList{"old.PLS", "party.m3u"}));
 }

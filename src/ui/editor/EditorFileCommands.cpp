@@ -14,6 +14,7 @@
 #include "playback/PlayerState.h"
 #include "playback/PlayerTransport.h"
 #include "tags/LyricsEmbedding.h"
+#include "tags/MP3Class.h"
 #include "ui/editor/Editor.h"
 #include "ui/kit/AboutBoxes.h"
 
@@ -100,7 +101,7 @@ void Editor::MenuSaveAs()
     }
     const QString suggested = m_state.EditorFile.isEmpty() ? QString() : LyricsPathOf(m_state.EditorFile);
     const QString chosen = m_dialogs.SaveFileName(kTitlePrefix + Text("DialogSaveLyrics"), suggested,
-                                                  DialogFilter(QStringLiteral("Lyrics files"), QStringLiteral("*.lrs")));
+                                                  DialogFilter(m_state.Language.GetRawText(QStringLiteral("FilterOpenLyrics")), QStringLiteral("*.lrs")));
     if (chosen.isEmpty())
         return;
     if (!SaveLrsFile(NameWithExtension(chosen, QStringLiteral("lrs")), m_state.Lyrics.EditLyrics,
@@ -147,7 +148,7 @@ void Editor::MenuLyricsImport()
     const QString path = m_dialogs.OpenFileName(
         kTitlePrefix + Text("DialogImportKaraoke"),
         DialogFilter(m_state.Language.GetRawText(QStringLiteral("FilterImportKaraoke")),
-                     QStringLiteral("*.mp3;*.ogg;*.wav;*.kar;*.mid;")));
+                     SongPatterns()));
     if (path.isEmpty())
         return;
     ImportLyrics(m_state.Lyrics, m_state.Midi, m_state.CurrentInfo.get(), path, m_state.Language.IsPolish);

@@ -1,14 +1,15 @@
 #include "ui/playlist/UserList.h"
 
+#include "core/Dialogs.h"
 #include "core/KeyTable.h"
 #include "core/WindowPosition.h"
 #include "playback/PlayerTransport.h"
+#include "tags/MP3Class.h"
 #include "ui/kit/Desktop.h"
 #include "ui/kit/Docking.h"
 #include "ui/kit/Palette.h"
 
 #include <QContextMenuEvent>
-#include <QFileDialog>
 #include <QFileInfo>
 #include <QMenu>
 #include <QMimeData>
@@ -27,8 +28,9 @@ const char* const kFootCaptions[5] = {"Add", "Rem", "Sort", "List", "Info"};
 } // namespace
 
 UserList::UserList(CoreState& state, Playlist& playlist, SettingsStore& store, Docking& docking,
-                   PlayerTransport& transport)
-    : m_state(state), m_playlist(playlist), m_store(store), m_docking(docking), m_transport(transport)
+                   PlayerTransport& transport, Dialogs& dialogs)
+    : m_state(state), m_playlist(playlist), m_store(store), m_docking(docking), m_transport(transport),
+      m_dialogs(dialogs)
 {
     setObjectName(QStringLiteral("UserList"));
     setWindowTitle(QStringLiteral("Songweaver Playlist"));
@@ -106,16 +108,21 @@ void UserList::Unload()
 
 void UserList::fnAddSong()
 {
-    const QStringList files = QFileDialog::getOpenFileNames(
-        this, QStringLiteral("SWV: ") + Text("DialogAddFiles"), m_state.Theme ? m_state.Theme->MusicPath : QString(),
-        Text("FilterOpenAudio") + QStringLiteral(" (*.wav *.mp3 *.ogg *.mid *.midi *.kar)"));
+    const QStringList files = m_dialogs.OpenFileNames(
+        QStringLiteral("SWV: ") + Text("DialogAddFiles"), m_state.Theme ? m_state.Theme->MusicPath : QString(),
+        DialogFilter(m_state.Language.GetRawText(QStringLiteral("FilterOpenAudio")), SongPatterns()));
     m_playlist.AppendFiles(files);
+}
+
+QString UserList::PlaylistFilter(const QString& patterns) const
+{
+    return DialogFilter(m_state.Language.GetRawText(QStringLiteral("FilterPlaylist")), patterns);
 }
 
 void UserList::fnListLoad()
 {
-    const QString path = QFileDialog::getOpenFileName(this, QStringLiteral("SWV: ") + Text("LoadPlaylist"), QString(),
-                                                      Text("FilterPlaylist") + QStringLiteral(" (*.pls *.m3u)"));
+    const QString path =
+        m_dialogs.OpenFileName(QStringLiteral("SWV: ") + Text("LoadPlaylist"), PlaylistFilter(QStringLiteral("*.m3u;*.pls")));
     if (path.isEmpty() || !QFileInfo(path).isFile())
         return;
     hide();
@@ -127,9 +134,8 @@ void UserList::fnListSave()
 {
     if (m_playlist.ListCount() == 0)
         return;
-    const QString path = QFileDialog::getSaveFileName(this, QStringLiteral("SWV: ") + Text("SavePlaylist"),
-                                                      m_playlist.LastSaved(),
-                                                      Text("FilterPlaylist") + QStringLiteral(" (*.m3u)"));
+    const QString path = m_dialogs.SaveFileName(QStringLiteral("SWV: ") + Text("SavePlaylist"), m_playlist.LastSaved(),
+                                                PlaylistFilter(QStringLiteral("*.m3u")));
     if (!path.isEmpty())
         m_playlist.SaveListFile(path);
 }

@@ -12,6 +12,7 @@
 #include <functional>
 #include <map>
 
+class Dialogs;
 class Docking;
 class PlayerTransport;
 class QMenu;
@@ -20,7 +21,8 @@ class SettingsStore;
 class UserList final : public QWidget, public PlaylistForm {
     Q_OBJECT
 public:
-    UserList(CoreState& state, Playlist& playlist, SettingsStore& store, Docking& docking, PlayerTransport& transport);
+    UserList(CoreState& state, Playlist& playlist, SettingsStore& store, Docking& docking, PlayerTransport& transport,
+             Dialogs& dialogs);
     ~UserList() override;
 
     void Show() override;
@@ -59,6 +61,7 @@ protected:
 
 private:
     QString Text(const char* key) const;
+    QString PlaylistFilter(const QString& patterns) const;
     QMenu* MakeMenu(const QString& name, const std::vector<MenuItem>& items);
 
     CoreState& m_state;
@@ -66,6 +69,7 @@ private:
     SettingsStore& m_store;
     Docking& m_docking;
     PlayerTransport& m_transport;
+    Dialogs& m_dialogs;
     FlatList* m_list = nullptr;
     std::map<QString, QMenu*> m_menus;
     QPoint m_dragOffset;
