@@ -89,20 +89,23 @@ void Playlist::LoadSavedList(const QString& path)
     emit rowAdded(m_model.ListCount());
 }
 
-void Playlist::LoadListFile(const QString& path)
+bool Playlist::LoadListFile(const QString& path)
 {
     if (!QFileInfo(path).isFile())
-        return;
+        return false;
     const QStringList lines = ReadListLines(path, m_language.IsPolish);
     const QString folder = QFileInfo(path).absolutePath();
     std::vector<PlaylistRow> rows;
     auto collect = [&rows](const PlaylistRow& row) { rows.push_back(row); };
-    ClearList();
     if (path.right(3).toLower() == u"m3u")
         ReadM3U(lines, folder, {}, collect);
     else
         ReadPls(lines, folder, {}, collect);
+    if (rows.empty())
+        return false;
+    ClearList();
     m_prober.Enqueue(std::move(rows), true);
+    return true;
 }
 
 bool Playlist::SaveListFile(QString path)
@@ -118,7 +121,7 @@ bool Playlist::SaveListFile(QString path)
 void Playlist::SaveAtExit(const QString& path)
 {
     m_prober.Cancel();
-    if (m_model.ListCount() == 0)
+    if (m_model.ListCount() == 0 && !m_emptiedByUser)
         return;
     const QString folder = QFileInfo(path).absolutePath();
     if (!QDir().mkpath(folder) || !WriteListFile(path, WriteM3U(m_model.Rows())))
@@ -145,6 +148,8 @@ bool Playlist::RowCommand(const QString& key)
         m_model.SortRandom([] { return QRandomGenerator::global()->generateDouble(); });
     else
         return false;
+    if (key.startsWith(u"Rem"))
+        m_emptiedByUser = m_model.ListCount() == 0;
     emit changed();
     return true;
 }

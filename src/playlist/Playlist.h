@@ -31,13 +31,15 @@ public:
 
     // The list a run saved at exit: trusted, not probed; files gone missing are dropped.
     void LoadSavedList(const QString& path);
-    // A playlist file by its name: ".m3u" in any case, else PLS. Its songs are read on workers.
-    void LoadListFile(const QString& path);
+    // A playlist file by its name: ".m3u" in any case, else PLS. Its songs replace the list and
+    // are read on workers; a file that names no songs leaves the list alone and gives false.
+    bool LoadListFile(const QString& path);
     // Saves the rows as M3U, paths relative to the file's folder; ".m3u" is added when missing.
     bool SaveListFile(QString path);
     QString LastSaved() const { return m_lastSaved; }
-    // The list at exit, with full paths, into a folder made when missing. An empty list leaves
-    // the saved one as it was; a save that fails says so on stderr.
+    // The list at exit, with full paths, into a folder made when missing. A list the user emptied
+    // is saved empty; one that was never filled leaves the saved one as it was. A save that fails
+    // says so on stderr.
     void SaveAtExit(const QString& path);
 
     // The commands on the rows: "Rem", "RemAll", "SelAll", "Rev", "SelNone", "SortAsc",
@@ -57,6 +59,7 @@ private:
     PlaylistModel m_model;
     SongProber m_prober;
     QString m_lastSaved;
+    bool m_emptiedByUser = false;
 };
 
 // The audio files a list of dropped or chosen paths stands for: files as they are, folders

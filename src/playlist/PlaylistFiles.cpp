@@ -8,7 +8,9 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QSaveFile>
+#include <map>
 
 namespace {
 
@@ -120,23 +122,26 @@ QString WriteM3U(const std::vector<PlaylistRow>& rows, const QString& relativeTo
 
 namespace {
 
-// The walk shared by both readers of "#EXTINF" lists: `finish` completes a row and says
-// whether it is kept. The last line is never an "#EXTINF" line: its path would be missing.
-void ReadExtInfRows(const QStringList& lines, const QString& playlistFolder,
-                    const std::function<bool(PlaylistRow&)>& finish,
-                    const std::function<void(const PlaylistRow&)>& add)
+// The walk shared by both readers of M3U lists: a path line, with the "#EXTINF" line before it
+// when there is one; other "#" lines and blank lines are passed over. `finish` completes a row
+// and says whether it is kept. An "#EXTINF" line as the last line has no path and gives nothing.
+void ReadListRows(const QStringList& lines, const QString& playlistFolder, const std::function<bool(PlaylistRow&)>& finish,
+                  const std::function<void(const PlaylistRow&)>& add)
 {
-    for (qsizetype i = 0; i + 1 < lines.size(); ++i) {
-        if (!lines[i].startsWith(kExtInf))
+    for (qsizetype i = 0; i < lines.size(); ++i) {
+        ExtInf info;
+        if (lines[i].startsWith(kExtInf)) {
+            info = ParseExtInf(lines[i]);
+            if (info.broken || ++i == lines.size())
+                return;
+        } else if (lines[i].trimmed().isEmpty() || lines[i].startsWith(u'#')) {
             continue;
-        const ExtInf info = ParseExtInf(lines[i]);
-        if (info.broken)
-            return;
+        }
         PlaylistRow row;
         row.ItemString = info.text;
         if (info.seconds)
             row.ItemTime = FormatListSeconds(QString::number(*info.seconds));
-        row.ItemPath = ListEntryPath(lines[i + 1], playlistFolder);
+        row.ItemPath = ListEntryPath(lines[i], playlistFolder);
         if (!finish(row))
             continue;
         if (row.ItemString.isEmpty())
@@ -155,29 +160,51 @@ void ReadM3U(const QStringList& lines, const QString& playlistFolder, const Song
             Probe(row, probe);
         return true;
     };
-    ReadExtInfRows(lines, playlistFolder, probeExisting, add);
+    ReadListRows(lines, playlistFolder, probeExisting, add);
 }
 
 void ReadSavedList(const QStringList& lines, const QString& playlistFolder,
                    const std::function<void(const PlaylistRow&)>& add)
 {
     const auto keepExisting = [](PlaylistRow& row) { return QFileInfo(row.ItemPath).isFile(); };
-    ReadExtInfRows(lines, playlistFolder, keepExisting, add);
+    ReadListRows(lines, playlistFolder, keepExisting, add);
 }
 
 void ReadPls(const QStringList& lines, const QString& playlistFolder, const SongProbe& probe,
              const std::function<void(const PlaylistRow&)>& add)
 {
-    for (qsizetype i = 0; i + 2 < lines.size(); ++i) {
-        if (lines[i].left(4).toLower() != u"file" || lines[i + 1].left(5).toLower() != u"title"
-            || lines[i + 2].left(6).toLower() != u"length")
+    struct Entry {
+        QString file, title;
+        std::optional<QString> length;
+    };
+    static const QRegularExpression keyed(QStringLiteral("^\\s*(file|title|length)(\\d{1,9})\\s*=(.*)$"),
+                                          QRegularExpression::CaseInsensitiveOption);
+    std::map<int, Entry> entries;
+    for (const QString& line : lines) {
+        const QRegularExpressionMatch match = keyed.match(line);
+        if (!match.hasMatch())
+            continue;
+        Entry& entry = entries[match.captured(2).toInt()];
+        const QString key = match.captured(1).toLower();
+        if (key == u"file")
+            entry.file = match.captured(3);
+        else if (key == u"title")
+            entry.title = match.captured(3);
+        else
+            entry.length = match.captured(3);
+    }
+    for (const auto& [number, entry] : entries) {
+        if (entry.file.trimmed().isEmpty())
             continue;
         PlaylistRow row;
-        row.ItemPath = ListEntryPath(AfterEquals(lines[i]), playlistFolder);
-        row.ItemString = AfterEquals(lines[i + 1]);
-        row.ItemTime = FormatListSeconds(AfterEquals(lines[i + 2]));
+        row.ItemPath = ListEntryPath(entry.file, playlistFolder);
+        row.ItemString = entry.title;
+        if (entry.length)
+            row.ItemTime = FormatListSeconds(*entry.length);
         if (QFileInfo(row.ItemPath).isFile())
             Probe(row, probe);
+        if (row.ItemString.isEmpty())
+            row.ItemString = BaseNameOf(row.ItemPath);
         add(row);
     }
 }

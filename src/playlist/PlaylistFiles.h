@@ -1,5 +1,5 @@
 #pragma once
-// The playlist's rows and its files: M3U with "#EXTINF" lines (read and written), PLS (read),
+// The playlist's rows and its files: M3U, plain or with "#EXTINF" lines (read and written), PLS (read),
 // and the list saved by itself at exit, an M3U file that is trusted without probing.
 
 #include <QString>
@@ -39,14 +39,15 @@ QString ListEntryPath(const QString& line, const QString& playlistFolder);
 // without one, full paths. Rows with neither time nor text, or without a path, are left out.
 QString WriteM3U(const std::vector<PlaylistRow>& rows, const QString& relativeTo = {});
 
-// The rows of an M3U text; each row is handed to `add` as it is read. The probe replaces time
-// and text of files that exist. Reading stops at a line it cannot parse.
+// The rows of an M3U text: its path lines, each with the "#EXTINF" line before it when there is
+// one; each row is handed to `add` as it is read. The probe replaces time and text of files that
+// exist. Reading stops at an "#EXTINF" line it cannot parse.
 void ReadM3U(const QStringList& lines, const QString& playlistFolder, const SongProbe& probe,
              const std::function<void(const PlaylistRow&)>& add);
 // The auto-saved list: no probing, and files that have gone missing are dropped.
 void ReadSavedList(const QStringList& lines, const QString& playlistFolder,
                    const std::function<void(const PlaylistRow&)>& add);
-// PLS: File/Title/Length triples; entries without all three in that order are passed over.
+// PLS: the FileN entries in the order of N, with their TitleN and LengthN when there are some.
 void ReadPls(const QStringList& lines, const QString& playlistFolder, const SongProbe& probe,
              const std::function<void(const PlaylistRow&)>& add);
 

@@ -70,9 +70,24 @@ TEST(PlaylistFiles, M3UReadingProbesExistingFilesAndTagsWin)
     EXPECT_EQ(rows[2].ItemString, "song") << "no comma: the file's name";
     EXPECT_EQ(rows[2].ItemTime, "03:05");
 
-    EXPECT_TRUE(Read("#EXTM3U\r\nsong.mp3\r\n", dir.path()).empty()) << "no #EXTINF lines: an empty list";
     EXPECT_EQ(Read("#EXTINF:1,a\r\nx.mp3\r\n#EXTINF,b:2\r\ny.mp3\r\n#EXTINF:3,c\r\nz.mp3\r\n", dir.path()).size(), 1u)
         << "a line that cannot be read ends the reading; rows before it stay";
+}
+
+TEST(PlaylistFiles, PlainM3UListsAreTheirPathLines)
+{
+    QTemporaryDir dir;
+    CopyFixture(MediaFixture("id3v1.mp3"), dir.path(), "tagged.mp3");
+    const auto rows = Read("#EXTM3U\r\ntagged.mp3\r\n# a comment\r\n\r\n/music/Other Song.ogg\r\n"
+                           "#EXTINF:185,Titled\r\nsub/titled.mp3\r\n  \r\n",
+                           dir.path());
+    ASSERT_EQ(rows.size(), 3u) << "comments and blank lines are no songs";
+    EXPECT_EQ(rows[0].ItemString, "Artist One - Title One") << "a bare path is probed like any other";
+    EXPECT_EQ(rows[0].ItemPath, dir.filePath("tagged.mp3"));
+    EXPECT_EQ(rows[1].ItemString, "Other Song");
+    EXPECT_EQ(rows[1].ItemTime, "") << "no time is known of a missing file";
+    EXPECT_EQ(rows[2].ItemString, "Titled");
+    EXPECT_EQ(rows[2].ItemTime, "03:05");
 }
 
 TEST(PlaylistFiles, TheSavedListIsTrustedAndLosesMissingFiles)
@@ -88,18 +103,22 @@ TEST(PlaylistFiles, TheSavedListIsTrustedAndLosesMissingFiles)
     EXPECT_EQ(WriteM3U(back), "#EXTM3U\r\n#EXTINF:3600,Long Song\r\n" + song + "\r\n");
 }
 
-TEST(PlaylistFiles, PlsEntriesNeedFileTitleAndLength)
+TEST(PlaylistFiles, PlsEntriesNeedOnlyTheirFile)
 {
     QTemporaryDir dir;
     CopyFixture(MediaFixture("plain.mp3"), dir.path(), "one.mp3");
     const auto rows = Read("[playlist]\r\nFile1=one.mp3\r\nTitle1=First\r\nLength1=61\r\n"
                            "File2=/x/two.mp3\r\nTitle2=Second\r\n"
-                           "File3=C:\\Music\\three.mp3\r\nTitle3=Third\r\nLength3=30\r\nNumberOfEntries=3",
+                           "Length3=30\r\nfile3=C:\\Music\\three.mp3\r\nTitle3=Third\r\n"
+                           "File4=/x/Fourth Song.mp3\r\nTitle9=No file\r\nNumberOfEntries=4\r\nVersion=2",
                            dir.path(), false, true);
-    ASSERT_EQ(rows.size(), 2u) << "the entry without a length is passed over";
+    ASSERT_EQ(rows.size(), 4u) << "a title without its file gives no row";
     EXPECT_EQ(rows[0].ItemString, "First");
     EXPECT_EQ(rows[0].ItemTime, "00:01") << "an existing file is probed";
-    EXPECT_EQ(rows[1].ItemString, "Third");
-    EXPECT_EQ(rows[1].ItemTime, "00:30");
-    EXPECT_EQ(rows[1].ItemPath, "C:/Music/three.mp3");
+    EXPECT_EQ(rows[1].ItemString, "Second");
+    EXPECT_EQ(rows[1].ItemTime, "") << "no length: no time";
+    EXPECT_EQ(rows[2].ItemString, "Third") << "keys in any order and letter case";
+    EXPECT_EQ(rows[2].ItemTime, "00:30");
+    EXPECT_EQ(rows[2].ItemPath, "C:/Music/three.mp3");
+    EXPECT_EQ(rows[3].ItemString, "Fourth Song") << "no title: the file's name";
 }

@@ -44,7 +44,7 @@ TEST_F(Rows, ProbedRowsArriveInTheOrderOfTheFile)
     }
 }
 
-TEST_F(Rows, TheListIsSavedAtExitAndAnEmptyOneKeepsTheOldFile)
+TEST_F(Rows, TheListIsSavedAtExitAndOneTheUserEmptiedIsSavedEmpty)
 {
     const QString song = CopyFixture(MediaFixture("id3v1.mp3"), dir.path(), "kept.mp3");
     // A fresh install: the data folder does not exist yet.
@@ -58,15 +58,34 @@ TEST_F(Rows, TheListIsSavedAtExitAndAnEmptyOneKeepsTheOldFile)
     again.LoadSavedList(ini);
     ASSERT_EQ(again.ListCount(), 1);
     EXPECT_EQ(again.Model().Row(0).ItemString, "Kept") << "trusted, not probed";
-    again.ClearList();
+    Playlist untouched{language};
+    untouched.SaveAtExit(ini);
+    EXPECT_EQ(ReadFileBytes(ini), saved) << "a list that was never filled keeps the old file";
+    again.RowCommand(QStringLiteral("RemAll"));
     again.SaveAtExit(ini);
-    EXPECT_EQ(ReadFileBytes(ini), saved);
+    EXPECT_EQ(ReadFileBytes(ini), "#EXTM3U\r\n") << "the user emptied it: it stays empty after a restart";
+    Playlist restarted{language};
+    restarted.LoadSavedList(ini);
+    EXPECT_EQ(restarted.ListCount(), 0);
 
     // A folder that cannot be made: nothing is written, and the run still ends.
     WriteFileBytes(dir.filePath("blocker"), "a file where a folder should be");
     testing::internal::CaptureStderr();
     songs.SaveAtExit(dir.filePath("blocker/Songweaver.ini"));
     EXPECT_THAT(testing::internal::GetCapturedStderr(), testing::HasSubstr("playlist could not be saved"));
+}
+
+TEST_F(Rows, AListFileWithNoSongsLeavesTheListAlone)
+{
+    songs.AddItem("Mine", "00:01", dir.filePath("mine.mp3"));
+    WriteFileBytes(dir.filePath("empty.m3u"), "#EXTM3U\r\n# nothing here\r\n");
+    WriteFileBytes(dir.filePath("bare.m3u"), "song.mp3\r\n");
+    EXPECT_FALSE(songs.LoadListFile(dir.filePath("empty.m3u")));
+    ASSERT_EQ(songs.ListCount(), 1);
+    EXPECT_EQ(songs.ItemPath(0), dir.filePath("mine.mp3"));
+    EXPECT_TRUE(songs.LoadListFile(dir.filePath("bare.m3u")));
+    ASSERT_TRUE(WaitForProbedRows(songs, 1));
+    EXPECT_EQ(songs.ItemPath(0), dir.filePath("song.mp3")) << "a list with songs replaces the current one";
 }
 
 TEST_F(Rows, SavingAddsTheExtensionAndWritesPathsOfItsFolderBare)

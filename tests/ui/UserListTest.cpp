@@ -178,3 +178,15 @@ TEST_F(PlaylistWindow, AddAndLoadShowEverySongAndListWithAllFilesLast)
     ASSERT_EQ(dialogs.filters.size(), 2);
     EXPECT_EQ(ListedFiles(dir.path(), dialogs.filters[1]), (QStringList{"old.PLS", "party.m3u"}));
 }
+
+TEST_F(PlaylistWindow, AListWithNoSongsSaysSoAndKeepsTheRows)
+{
+    songs.AddItem("Mine", "00:01", dir.filePath("mine.wav"));
+    WriteFileBytes(dir.filePath("empty.pls"), "[playlist]\r\nNumberOfEntries=0\r\n");
+    dialogs.files.push_back(dir.filePath("empty.pls"));
+    list.fnListLoad();
+    EXPECT_EQ(songs.ListCount(), 1);
+    ASSERT_EQ(dialogs.messages.size(), 1);
+    EXPECT_TRUE(dialogs.messages[0].startsWith(QStringLiteral("info: The playlist names no songs:")));
+    EXPECT_TRUE(dialogs.messages[0].endsWith(dir.filePath("empty.pls")));
+}

@@ -10,6 +10,7 @@
 #include "ui/kit/Palette.h"
 
 #include <QContextMenuEvent>
+#include <QDir>
 #include <QFileInfo>
 #include <QMenu>
 #include <QMimeData>
@@ -126,8 +127,10 @@ void UserList::fnListLoad()
     if (path.isEmpty() || !QFileInfo(path).isFile())
         return;
     hide();
-    m_playlist.LoadListFile(path);
+    const bool loaded = m_playlist.LoadListFile(path);
     show();
+    if (!loaded)
+        m_dialogs.Inform(Text("PlaylistNoSongs") + QStringLiteral("\r\n") + QDir::toNativeSeparators(path));
 }
 
 void UserList::fnListSave()
