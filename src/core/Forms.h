@@ -161,6 +161,8 @@ public:
     virtual void SetItemText(int index, const QString& text) = 0;
     // The row drawn as the one playing.
     virtual void SetCurrentPlaying(int index) = 0;
+    // The row drawn as a song whose file is not there.
+    virtual void MarkMissing(int index, bool missing) = 0;
 };
 
 // Song transport as the ticks and the hand-over use it.

@@ -71,7 +71,8 @@ public:
     bool OpenSong(const QString& path, bool autoplay);
     // The font, code page, tags and refit of the current song for a lyrics load.
     LyricsEnvironment LyricsEnvironmentOfSong();
-    // Marks the playlist row as playing, then opens and plays its song.
+    // Marks the playlist row as playing, then opens and plays its song; a song whose file is
+    // not there is named in a message.
     void fnChangeSong(int index);
     // Next and Previous over the playlist.
     void DALEJ() override;
@@ -98,6 +99,8 @@ private:
     bool MayWalkList();
     // Tries the rows from `first` towards `last` (either way); true when one opened.
     bool WalkList(int first, int last);
+    // Opens and plays a row's song, marking the row when its file is not there.
+    bool OpenListedSong(int index);
 
     PlayerState& m_state;
     FormProvider& m_forms;

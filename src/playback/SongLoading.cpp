@@ -9,6 +9,7 @@
 #include "playback/PlayerState.h"
 #include "playback/PlayerTransport.h"
 
+#include <QDir>
 #include <QFileInfo>
 
 QString SongListText(const MP3Class& song)
@@ -38,6 +39,9 @@ bool PlayerTransport::OpenSong(const QString& path, bool autoplay)
             OpenMidiSong(path);
         else
             OpenAudioSong(path, autoplay);
+    } else if (KaraokeForm* lyric = m_forms.Lyric(); m_state.KaraokeOpen && lyric) {
+        // Nothing of the song before stays on the karaoke window.
+        lyric->ClearNewLyrics();
     }
     m_opening = false;
     return exists;
@@ -182,10 +186,20 @@ void PlayerTransport::fnChangeSong(int index)
     // The row is marked before the song is read, also when the read then fails.
     m_state.PlayingIndex = int16_t(index);
     m_list.SetCurrentPlaying(index);
-    if (OpenSong(m_list.ItemPath(index), true)) {
+    if (OpenListedSong(index)) {
         m_state.PlayingIndex = int16_t(index);
         m_list.SetCurrentPlaying(index);
+    } else if (m_messages && !QFileInfo(m_list.ItemPath(index)).isFile()) {
+        m_messages->Critical(m_state.Language.GetText(QStringLiteral("SongMissing")) + QStringLiteral("\r\n") +
+                             QDir::toNativeSeparators(m_list.ItemPath(index)));
     }
+}
+
+bool PlayerTransport::OpenListedSong(int index)
+{
+    const QString path = m_list.ItemPath(index);
+    m_list.MarkMissing(index, !QFileInfo(path).isFile());
+    return OpenSong(path, true);
 }
 
 bool PlayerTransport::WalkList(int first, int last)
@@ -194,7 +208,7 @@ bool PlayerTransport::WalkList(int first, int last)
     for (int index = first; index != last + step; index += step) {
         m_list.SetCurrentPlaying(index);
         m_state.PlayingIndex = int16_t(index);
-        if (OpenSong(m_list.ItemPath(index), true)) {
+        if (OpenListedSong(index)) {
             // Closing the old song cleared the index; the row that opened is the one playing.
             m_state.PlayingIndex = int16_t(index);
             return true;

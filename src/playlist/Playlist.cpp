@@ -81,6 +81,14 @@ void Playlist::SetCurrentPlaying(int index)
     emit changed();
 }
 
+void Playlist::MarkMissing(int index, bool missing)
+{
+    if (index < 0 || index >= m_model.ListCount() || m_model.Missing(index) == missing)
+        return;
+    m_model.SetMissing(index, missing);
+    emit changed();
+}
+
 void Playlist::LoadSavedList(const QString& path)
 {
     ReadSavedList(ReadListLines(path, m_language.IsPolish), QFileInfo(path).absolutePath(),

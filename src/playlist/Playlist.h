@@ -28,6 +28,7 @@ public:
     void SetItemPath(int index, const QString& path) override;
     void SetItemText(int index, const QString& text) override;
     void SetCurrentPlaying(int index) override;
+    void MarkMissing(int index, bool missing) override;
 
     // The list a run saved at exit: trusted, not probed; files gone missing are dropped.
     void LoadSavedList(const QString& path);

@@ -31,6 +31,10 @@ public:
     int CurrentPlaying() const;
     void SetCurrentPlaying(int index);
 
+    // A row whose file was not there when it was asked to play.
+    bool Missing(int index) const { return m_rows[size_t(index)].missing; }
+    void SetMissing(int index, bool missing) { m_rows[size_t(index)].missing = missing; }
+
     // By row text, case-insensitively.
     void SortFlatList(bool ascending);
     // Each row takes position Int(n * random()), drawn again while that position is taken.
@@ -43,6 +47,7 @@ private:
         PlaylistRow row;
         bool selected = false;
         bool playing = false;
+        bool missing = false;
     };
     std::vector<Entry> m_rows;
 };

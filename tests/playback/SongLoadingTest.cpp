@@ -9,7 +9,9 @@
 #include "support/PlayerSetup.h"
 #include "support/ScriptedDialogs.h"
 
+#include <QDir>
 #include <QTemporaryDir>
+#include <set>
 #include <algorithm>
 #include <gtest/gtest.h>
 
@@ -77,6 +79,32 @@ TEST_F(SongLoading, AMissingFileIsQuietAndAnUnplayableOneIsReported)
     EXPECT_EQ(state.Session, nullptr);
     EXPECT_EQ(messages.Shown(), QStringList{"Possible read error or audio device is not present."});
     EXPECT_TRUE(state.CurrentFile.isEmpty());
+}
+
+TEST_F(SongLoading, ADoubleClickedMissingSongIsNamedItsRowMarkedAndTheOldSongLeavesTheScreen)
+{
+    list.paths = {Wav("old.wav"), dir.filePath("gone.wav")};
+    transport.fnChangeSong(0);
+    journal.calls.clear();
+    transport.fnChangeSong(1);
+    EXPECT_EQ(state.Session, nullptr);
+    EXPECT_EQ(messages.Shown(),
+              QStringList{"The song file is missing:\r\n" + QDir::toNativeSeparators(dir.filePath("gone.wav"))});
+    EXPECT_EQ(list.missing, (std::set<int>{1}));
+    EXPECT_TRUE(Lyric().contains("Lyric.ClearNewLyrics")) << "the old song's title and page leave the karaoke window";
+    EXPECT_EQ(windows.player.timeText, "0");
+
+    WriteRampWav(dir.filePath("gone.wav"), 48000);
+    transport.fnChangeSong(1);
+    EXPECT_EQ(state.CurrentFile, dir.filePath("gone.wav"));
+    EXPECT_TRUE(list.missing.empty()) << "a song that is back loses its mark";
+
+    list.paths = {dir.filePath("lost.wav"), Wav("next.wav")};
+    state.PlayingIndex = -1;
+    transport.DALEJ();
+    EXPECT_EQ(state.CurrentFile, dir.filePath("next.wav"));
+    EXPECT_EQ(list.missing, (std::set<int>{0})) << "Next steps over a missing song quietly but marks it";
+    EXPECT_EQ(messages.Shown().size(), 1);
 }
 
 TEST_F(SongLoading, MidiSongsPlayAsSoonAsLoadedPauseSeekToTheirShareAndEnd)

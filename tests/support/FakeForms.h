@@ -6,6 +6,7 @@
 #include "playback/PlayerCommands.h"
 #include "support/TestSupport.h"
 
+#include <set>
 #include <vector>
 
 class FakeForm {
@@ -122,8 +123,16 @@ public:
         playing = index;
         m_journal(QStringLiteral("List.SetCurrentPlaying %1").arg(index));
     }
+    void MarkMissing(int index, bool isMissing) override
+    {
+        if (isMissing)
+            missing.insert(index);
+        else
+            missing.erase(index);
+    }
 
     QStringList paths;
+    std::set<int> missing;
     QStringList texts;
     int selected = -1;
     int playing = -1;

@@ -11,6 +11,7 @@ const QColor kTime(0x8e, 0xa6, 0xf0);
 const QColor kPlaying(0x7d, 0xff, 0xa8);
 const QColor kSelected(0x3b, 0x4a, 0x9c);
 const QColor kStripe(0xff, 0xff, 0xff, 8);
+const QColor kMissing(0x8a, 0x6a, 0x78);
 
 } // namespace
 
@@ -68,12 +69,15 @@ void FlatList::paintEvent(QPaintEvent* event)
         else if (i % 2)
             painter.fillRect(row, kStripe);
         const PlaylistRow& item = m_model.Row(i);
-        painter.setFont(i == playing ? bold : font());
+        const bool missing = m_model.Missing(i);
+        QFont rowFont = i == playing ? bold : font();
+        rowFont.setStrikeOut(missing);
+        painter.setFont(rowFont);
         const QFontMetrics metrics(painter.font());
         const int timeWidth = metrics.horizontalAdvance(item.ItemTime) + 8;
-        painter.setPen(i == playing ? kPlaying : kTime);
+        painter.setPen(missing ? kMissing : i == playing ? kPlaying : kTime);
         painter.drawText(row.adjusted(6, 0, -6, 0), Qt::AlignRight | Qt::AlignVCenter, item.ItemTime);
-        painter.setPen(i == playing ? kPlaying : kText);
+        painter.setPen(missing ? kMissing : i == playing ? kPlaying : kText);
         const QString text = metrics.elidedText(QStringLiteral("%1. %2").arg(i + 1).arg(item.ItemString), Qt::ElideRight,
                                                 width - timeWidth - 12);
         painter.drawText(row.adjusted(6, 0, -timeWidth, 0), Qt::AlignLeft | Qt::AlignVCenter, text);
