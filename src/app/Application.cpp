@@ -155,6 +155,9 @@ void Application::CloseApp()
 {
     if (m_closing)
         return;
+    // Changed lyrics in the editor are asked about; Cancel keeps the program running.
+    if (EditorForm* editor = m_forms.Editor(); m_state.EditorOpen && editor && !editor->CloseByUser())
+        return;
     m_closing = true;
 
     if (m_mixer && m_mixer->LevelCaptureRunning())

@@ -9,6 +9,13 @@
 #include <QStringList>
 #include <optional>
 
+enum class SaveChoice { Save, Discard, Cancel };
+
+// A question about changes that would be lost, with its three buttons in the user's language.
+struct SaveQuestion {
+    QString text, save, discard, cancel;
+};
+
 class Dialogs {
 public:
     virtual ~Dialogs() = default;
@@ -18,6 +25,8 @@ public:
     virtual void Inform(const QString& text) = 0;
     // A question with Yes and No; true for Yes.
     virtual bool AskYesNo(const QString& text) = 0;
+    // Changes that would be lost: Save, Don't save or Cancel.
+    virtual SaveChoice AskSaveChanges(const SaveQuestion& question) = 0;
     // The chosen file or files, empty when the dialog was cancelled.
     virtual QString OpenFileName(const QString& title, const QString& filter) = 0;
     virtual QStringList OpenFileNames(const QString& title, const QString& folder, const QString& filter) = 0;

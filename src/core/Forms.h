@@ -114,6 +114,9 @@ class EditorForm : public Form {
 public:
     // The window comes up: its place, and the lyrics of the song that plays when it has any.
     virtual void Open() = 0;
+    // The window closes as when the user closes it: changed rows are asked about first. False
+    // when the user keeps it open.
+    virtual bool CloseByUser() = 0;
 };
 
 class FormProvider {

@@ -174,3 +174,14 @@ void EditorDocument::RebuildLineTexts()
     for (int r = lineStart; r <= Count(); ++r)
         Entries()[size_t(r)].LineText = line;
 }
+
+void EditorDocument::MarkSaved()
+{
+    m_savedLyrics = m_lyrics.EditLyrics;
+    m_savedPictures = m_lyrics.EditPictures;
+}
+
+bool EditorDocument::Modified() const
+{
+    return m_lyrics.EditLyrics != m_savedLyrics || m_lyrics.EditPictures != m_savedPictures;
+}

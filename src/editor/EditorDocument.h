@@ -53,6 +53,11 @@ public:
     // Each line's text into every entry of the line, line by line up to the last break.
     void RebuildLineTexts();
 
+    // The rows and pictures now are those saved or opened; Modified tells whether they changed
+    // since.
+    void MarkSaved();
+    bool Modified() const;
+
 private:
     std::vector<LyricItem>& Entries() { return m_lyrics.EditLyrics; }
     const std::vector<LyricItem>& Entries() const { return m_lyrics.EditLyrics; }
@@ -60,4 +65,6 @@ private:
 
     LyricsState& m_lyrics;
     std::vector<LyricItem> m_copied;
+    std::vector<LyricItem> m_savedLyrics{1};
+    std::vector<PictureItem> m_savedPictures{1};
 };

@@ -36,6 +36,8 @@ struct LyricItem {
     int16_t ImageCustomY = 240;
     int16_t ImageOffsetX = 0;
     int16_t ImageOffsetY = 0;
+
+    bool operator==(const LyricItem&) const = default;
 };
 
 struct PictureItem {
@@ -44,6 +46,8 @@ struct PictureItem {
     QString Effect;
     QString Detail;
     int16_t Speed = 0;
+
+    bool operator==(const PictureItem&) const = default;
 };
 
 struct PictureOrder {

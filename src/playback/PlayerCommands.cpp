@@ -161,9 +161,9 @@ void PlayerCommands::TogglePlaylist()
 void PlayerCommands::ToggleEditor()
 {
     if (m_state.EditorOpen) {
-        if (EditorForm* editor = m_forms.Editor())
-            editor->Unload();
-        m_state.EditorOpen = false;
+        EditorForm* editor = m_forms.Editor();
+        if (!editor || editor->CloseByUser())
+            m_state.EditorOpen = false;
         return;
     }
     EditorForm& editor = m_forms.LoadEditor();

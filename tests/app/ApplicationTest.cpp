@@ -193,6 +193,21 @@ TEST_F(StartUp, ShutdownReleasesInOrderAndWritesSettingsOnce)
     EXPECT_EQ(ReadFileBytes(PlaylistIniPath(freshData)), "#EXTM3U\r\n#EXTINF:1,Song\r\n/songs/song.mp3\r\n");
 }
 
+TEST_F(StartUp, ChangedLyricsInTheEditorAreAskedAboutBeforeTheProgramEnds)
+{
+    Program p(journal, store, server, data.path());
+    ASSERT_TRUE(p.app.Main(QString()));
+    p.windows.LoadEditor();
+    p.state.EditorOpen = true;
+    p.windows.editor.closes = false;
+    p.app.CloseApp();
+    EXPECT_EQ(p.ended, 0) << "Cancel keeps the program running";
+    EXPECT_TRUE(p.state.Theme) << "nothing was released";
+    p.windows.editor.closes = true;
+    p.app.CloseApp();
+    EXPECT_EQ(p.ended, 1);
+}
+
 TEST_F(StartUp, SecondStartHandsOverAndEnds)
 {
     Program first(journal, store, server, data.path());

@@ -119,7 +119,10 @@ TEST_F(Commands, ButtonFourteenAndCtrlEOpenAndUnloadTheEditorButNotWhileRecordin
     EXPECT_FALSE(state.EditorOpen);
     own.MenuCommand("Editor");
     EXPECT_TRUE(state.EditorOpen);
-    EXPECT_EQ(journal.calls, (QStringList{"Editor.Open", "Editor.Unload", "Editor.Open"}));
+    EXPECT_EQ(journal.calls, (QStringList{"Editor.Open", "Editor.CloseByUser", "Editor.Open"}));
+    fresh.editor.closes = false;
+    own.ButtonAction(PlayerButton::Editor);
+    EXPECT_TRUE(state.EditorOpen) << "the user kept the editor open over changed rows";
 }
 
 TEST_F(Commands, ButtonNineLoadsAndTogglesTheMidiWindowWhileTheMenusControlItemStaysInert)

@@ -173,6 +173,12 @@ public:
     explicit FakeEditor(Journal& j) : FakeForm(j, QStringLiteral("Editor")) {}
     FAKE_FORM_BASICS
     void Open() override { Log(QStringLiteral("Open")); }
+    bool CloseByUser() override
+    {
+        Log(QStringLiteral("CloseByUser"));
+        return closes;
+    }
+    bool closes = true;  // the user's answer about changed rows
 };
 
 // Every window of the program; each is loaded by its Load call, or from the start.

@@ -20,6 +20,11 @@ public:
         questions << text;
         return yes;
     }
+    SaveChoice AskSaveChanges(const SaveQuestion& question) override
+    {
+        questions << question.text;
+        return saveChoice;
+    }
     QString OpenFileName(const QString& title, const QString& filter) override
     {
         titles << title;
@@ -68,6 +73,7 @@ public:
 
     std::deque<QString> files;  // the answers of the single file and folder dialogs
     QStringList chosen;         // the answer of the dialog that opens several files
+    SaveChoice saveChoice = SaveChoice::Cancel;
     int asked = 0;              // how often that dialog was shown
     std::deque<QFont> fonts;
     std::vector<QFont> offeredFonts;

@@ -18,6 +18,7 @@
 #include "ui/editor/TimeSpin.h"
 
 #include <QCheckBox>
+#include <QFileInfo>
 #include <QLineEdit>
 #include <QMenu>
 #include <QPlainTextEdit>
@@ -251,17 +252,17 @@ TEST_F(EditorWindow, OffsetsBreaksCopiesAndPastesWorkOnTheSelectedRows)
     EXPECT_EQ(editor->LyricsBox().toPlainText(), "a \nc d \nb \nc d \nend");
 }
 
-TEST_F(EditorWindow, NewAnsweredNoKeepsTheDocumentAndYesEmptiesIt)
+TEST_F(EditorWindow, NewAsksAboutChangedRowsAndAboutSavedOnesAsBefore)
 {
     OpenEditor();
     Split(QStringLiteral("one two"));
-    dialogs.yes = false;
+    dialogs.saveChoice = SaveChoice::Cancel;
     editor->Command(QStringLiteral("MenuNew"));
-    EXPECT_EQ(dialogs.questions, QStringList{"All data inside editor will be lost.\r\nContinue anyway?"});
-    EXPECT_EQ(editor->Document().Count(), 2);
+    EXPECT_EQ(dialogs.questions, QStringList{"The lyrics have changed.\r\nSave the changes?"});
+    EXPECT_EQ(editor->Document().Count(), 2) << "Cancel keeps the rows";
     EXPECT_EQ(editor->LyricsBox().toPlainText(), "one two");
 
-    dialogs.yes = true;
+    dialogs.saveChoice = SaveChoice::Discard;
     editor->Command(QStringLiteral("MenuNew"));
     EXPECT_EQ(editor->Document().Count(), 0);
     EXPECT_EQ(editor->LyricsBox().toPlainText(), "");
@@ -272,6 +273,51 @@ TEST_F(EditorWindow, NewAnsweredNoKeepsTheDocumentAndYesEmptiesIt)
     editor->Command(QStringLiteral("MenuSaveAs"));
     editor->Command(QStringLiteral("MenuTextSave"));
     EXPECT_EQ(dialogs.messages, QStringList(3, QStringLiteral("info: There is nothing to save.")));
+
+    // Rows as they were saved: the old question, and No keeps them.
+    Split(QStringLiteral("three four"));
+    dialogs.files = {dir.filePath("kept.lrs")};
+    editor->Command(QStringLiteral("MenuSaveAs"));
+    ASSERT_FALSE(editor->Document().Modified());
+    dialogs.yes = false;
+    editor->Command(QStringLiteral("MenuNew"));
+    EXPECT_EQ(dialogs.questions.last(), "All data inside editor will be lost.\r\nContinue anyway?");
+    EXPECT_EQ(editor->Document().Count(), 2);
+}
+
+TEST_F(EditorWindow, ChangedRowsAreNeverLostWithoutTheQuestion)
+{
+    const QString mp3 = CopyFixture(MediaFixture("id3v1.mp3"), dir.path());
+    ASSERT_TRUE(transport.OpenSong(mp3, true));
+    OpenEditor();
+    EXPECT_FALSE(editor->Document().Modified()) << "the song as it was opened";
+    EXPECT_TRUE(editor->close()) << "nothing changed: no question";
+    EXPECT_TRUE(dialogs.questions.isEmpty());
+
+    OpenEditor();
+    Split(QStringLiteral("sing along"));
+    dialogs.saveChoice = SaveChoice::Cancel;
+    EXPECT_FALSE(editor->close());
+    EXPECT_TRUE(state.EditorOpen) << "Cancel keeps the window";
+    editor->Command(QStringLiteral("MenuExit"));
+    EXPECT_TRUE(state.EditorOpen);
+    EXPECT_EQ(dialogs.questions.size(), 2);
+
+    // Another lyrics file: Cancel keeps the rows, Don't save opens it.
+    std::vector<LyricItem> other(2);
+    other[1].Text = QStringLiteral("other");
+    ASSERT_TRUE(SaveLrsFile(dir.filePath("other.lrs"), other, {PictureItem{}}));
+    dialogs.files = {dir.filePath("other.lrs")};
+    editor->Command(QStringLiteral("MenuLyricsOpen"));
+    EXPECT_EQ(editor->Document().Count(), 2);
+    EXPECT_EQ(dialogs.files.size(), 1u) << "no file was asked for";
+
+    // Save writes into the song, then the window closes.
+    dialogs.saveChoice = SaveChoice::Save;
+    EXPECT_TRUE(editor->close());
+    EXPECT_FALSE(state.EditorOpen);
+    EXPECT_TRUE(ReadFileBytes(mp3).contains("#End Songweaver"));
+    EXPECT_TRUE(editor->StatusMessage().contains(QFileInfo(mp3).fileName())) << "the status bar says where";
 }
 
 TEST_F(EditorWindow, OpenedFilesAreHeldToTheirLimitsWithTheMessageOf600kB)

@@ -417,6 +417,11 @@ QMenu* Editor::Menu(const QString& key) const
     return it == m_menus.end() ? nullptr : it->second;
 }
 
+QString Editor::StatusMessage() const
+{
+    return statusBar()->currentMessage();
+}
+
 QString Editor::StatusText() const
 {
     return m_fileLabel->text();
@@ -438,6 +443,7 @@ void Editor::Open()
         m_state.Lyrics.EditLyrics = m_state.Lyrics.PlayLyrics;
         m_state.Lyrics.EditPictures = m_state.Lyrics.PlayPictures;
         m_state.EditorFile = m_state.CurrentFile;
+        m_document.MarkSaved();
     } else if (m_state.SongOpen() && m_document.Count() == 0) {
         m_state.EditorFile = m_state.CurrentFile;
     }
@@ -467,6 +473,10 @@ void Editor::Unload()
 
 void Editor::closeEvent(QCloseEvent* event)
 {
+    if (!ChangesSettled()) {
+        event->ignore();
+        return;
+    }
     Unload();
     m_state.EditorOpen = false;
     event->accept();
@@ -674,10 +684,13 @@ void Editor::ShowCorrect()
 
 void Editor::MenuNew()
 {
-    if (m_document.Count() > 0 && !m_dialogs.AskYesNo(m_state.Language.GetText(QStringLiteral("MsgNew"))))
+    if (m_document.Count() > 0
+        && !(m_document.Modified() ? ChangesSettled()
+                                   : m_dialogs.AskYesNo(m_state.Language.GetText(QStringLiteral("MsgNew")))))
         return;
     m_lyrics->clear();
     m_document.Clear();
+    m_document.MarkSaved();
     m_timing.SetCorrect(0, 0);
     ShowCorrect();
     RowsReplaced(0);

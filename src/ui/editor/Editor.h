@@ -40,6 +40,7 @@ public:
     void SetTopMost(bool flag) override;
     void Unload() override;
     void Open() override;
+    bool CloseByUser() override { return close(); }
 
     // A menu item or button by the key of its caption ("MenuSave", "MenuSplitText", ...).
     void Command(const QString& key);
@@ -74,6 +75,8 @@ public:
     QCheckBox& BreakBox() { return *m_break; }
     QTimer& CorrectTimer() { return m_correctTimer; }
     QString StatusText() const;
+    // What the status bar says for a while, after a save.
+    QString StatusMessage() const;
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -124,8 +127,12 @@ private:
 
     // File and Help menu commands.
     void MenuSave();
-    void SaveIntoSong();
+    bool SaveIntoSong();
     void MenuSaveAs();
+    bool SaveAsLyricsFile();
+    void ShowSaved(const QString& path);
+    // Changed rows are saved, dropped or kept as the user answers; false when the user cancels.
+    bool ChangesSettled();
     void MenuUpdate();
     void MenuFileOpen();
     void MenuLyricsOpen();

@@ -19,6 +19,8 @@
 #include "ui/kit/AboutBoxes.h"
 
 #include <QApplication>
+#include <QStatusBar>
+#include <QDir>
 #include <QCheckBox>
 #include <QPlainTextEdit>
 #include <QSaveFile>
@@ -26,6 +28,7 @@
 namespace {
 
 const QString kTitlePrefix = QStringLiteral("SWV: ");
+constexpr int kSavedMessageMs = 8000;
 
 } // namespace
 
@@ -71,7 +74,29 @@ void Editor::MenuSave()
     m_actionTimer.start();
 }
 
-void Editor::SaveIntoSong()
+bool Editor::ChangesSettled()
+{
+    if (m_document.Count() == 0 || !m_document.Modified())
+        return true;
+    const auto text = [this](const char* key) { return m_state.Language.GetText(QString::fromLatin1(key)); };
+    switch (m_dialogs.AskSaveChanges({text("SaveChanges"), text("ButtonSave"), text("ButtonDontSave"), text("ButtonCancel")})) {
+    case SaveChoice::Save:
+        return m_state.EditorFile.isEmpty() ? SaveAsLyricsFile() : SaveIntoSong();
+    case SaveChoice::Discard:
+        return true;
+    case SaveChoice::Cancel:
+        break;
+    }
+    return false;
+}
+
+void Editor::ShowSaved(const QString& path)
+{
+    m_document.MarkSaved();
+    statusBar()->showMessage(Text("SavedTo") + u' ' + QDir::toNativeSeparators(path), kSavedMessageMs);
+}
+
+bool Editor::SaveIntoSong()
 {
     SaveMP3Host host;
     host.MediaOpen = m_state.Session && !m_state.IsMidi;
@@ -89,8 +114,12 @@ void Editor::SaveIntoSong()
     host.Release = [this](const QString& path, const std::function<void()>& rewrite) {
         m_transport.ReopenAround(path, rewrite);
     };
-    SaveMP3(m_state.EditorFile, m_state.Lyrics.EditLyrics, m_state.Lyrics.EditPictures, host);
+    const SaveMP3Result result = SaveMP3(m_state.EditorFile, m_state.Lyrics.EditLyrics, m_state.Lyrics.EditPictures, host);
     host.WaitCursor(false);
+    if (result != SaveMP3Result::Saved)
+        return false;
+    ShowSaved(m_state.EditorFile);
+    return true;
 }
 
 void Editor::MenuSaveAs()
@@ -99,14 +128,23 @@ void Editor::MenuSaveAs()
         NothingToSave();
         return;
     }
+    SaveAsLyricsFile();
+}
+
+bool Editor::SaveAsLyricsFile()
+{
     const QString suggested = m_state.EditorFile.isEmpty() ? QString() : LyricsPathOf(m_state.EditorFile);
     const QString chosen = m_dialogs.SaveFileName(kTitlePrefix + Text("DialogSaveLyrics"), suggested,
                                                   DialogFilter(m_state.Language.GetRawText(QStringLiteral("FilterOpenLyrics")), QStringLiteral("*.lrs")));
     if (chosen.isEmpty())
-        return;
-    if (!SaveLrsFile(NameWithExtension(chosen, QStringLiteral("lrs")), m_state.Lyrics.EditLyrics,
-                     m_state.Lyrics.EditPictures))
+        return false;
+    const QString path = NameWithExtension(chosen, QStringLiteral("lrs"));
+    if (!SaveLrsFile(path, m_state.Lyrics.EditLyrics, m_state.Lyrics.EditPictures)) {
         m_dialogs.Critical(m_state.Language.GetText(QStringLiteral("ErrorWriteFile")));
+        return false;
+    }
+    ShowSaved(path);
+    return true;
 }
 
 void Editor::MenuUpdate()
@@ -122,18 +160,21 @@ void Editor::MenuUpdate()
 
 void Editor::MenuFileOpen()
 {
-    if (!m_commands.ChooseAndOpenFiles() || !m_state.SongOpen())
+    if (!ChangesSettled() || !m_commands.ChooseAndOpenFiles() || !m_state.SongOpen())
         return;
     EmptyDocument();
     m_state.EditorFile = m_state.CurrentInfo ? m_state.CurrentInfo->Filename() : m_state.CurrentFile;
     m_state.Lyrics.EditLyrics = m_state.Lyrics.PlayLyrics;
     m_state.Lyrics.EditPictures = m_state.Lyrics.PlayPictures;
     m_document.Copy({});  // the rows kept for Paste belong to the old document
+    m_document.MarkSaved();
     FillEditorList();
 }
 
 void Editor::MenuLyricsOpen()
 {
+    if (!ChangesSettled())
+        return;
     const auto chosen = OpenedText("DialogOpenLyrics", "FilterOpenLyrics", QStringLiteral("*.lrs"), kLyricsFileLimit);
     const auto critical = [this](const QString& message) { m_dialogs.Critical(message); };
     if (!chosen || !ParseEditorLyrics(m_state.Lyrics, chosen->text, critical))
@@ -141,10 +182,13 @@ void Editor::MenuLyricsOpen()
     m_state.EditorFile = chosen->path;
     ShowOnDisplay(true);
     FillEditorList();
+    m_document.MarkSaved();
 }
 
 void Editor::MenuLyricsImport()
 {
+    if (!ChangesSettled())
+        return;
     const QString path = m_dialogs.OpenFileName(
         kTitlePrefix + Text("DialogImportKaraoke"),
         DialogFilter(m_state.Language.GetRawText(QStringLiteral("FilterImportKaraoke")),
@@ -155,6 +199,7 @@ void Editor::MenuLyricsImport()
     EmptyDocument();
     ShowOnDisplay(true);
     FillEditorList();
+    m_document.MarkSaved();
 }
 
 void Editor::MenuTextOpen()

@@ -8,6 +8,7 @@
 #include <QFileDialog>
 #include <QFontDialog>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QUrl>
 
 namespace {
@@ -35,6 +36,20 @@ bool DesktopDialogs::AskYesNo(const QString& text)
 {
     return QMessageBox::question(Owner(), kTitle, DisplayText(text), QMessageBox::Yes | QMessageBox::No)
            == QMessageBox::Yes;
+}
+
+SaveChoice DesktopDialogs::AskSaveChanges(const SaveQuestion& question)
+{
+    QMessageBox box(QMessageBox::Warning, kTitle, DisplayText(question.text), QMessageBox::NoButton, Owner());
+    QPushButton* save = box.addButton(question.save, QMessageBox::AcceptRole);
+    QPushButton* discard = box.addButton(question.discard, QMessageBox::DestructiveRole);
+    QPushButton* cancel = box.addButton(question.cancel, QMessageBox::RejectRole);
+    box.setDefaultButton(save);
+    box.setEscapeButton(cancel);
+    box.exec();
+    if (box.clickedButton() == save)
+        return SaveChoice::Save;
+    return box.clickedButton() == discard ? SaveChoice::Discard : SaveChoice::Cancel;
 }
 
 QString DesktopDialogs::OpenFileName(const QString& title, const QString& filter)

@@ -8,6 +8,7 @@ public:
     void Critical(const QString& text) override;
     void Inform(const QString& text) override;
     bool AskYesNo(const QString& text) override;
+    SaveChoice AskSaveChanges(const SaveQuestion& question) override;
     QString OpenFileName(const QString& title, const QString& filter) override;
     QStringList OpenFileNames(const QString& title, const QString& folder, const QString& filter) override;
     QString SaveFileName(const QString& title, const QString& suggested, const QString& filter) override;
