@@ -1,6 +1,7 @@
 #include "editor/EditorFiles.h"
 
 #include "lyrics/LyricsLoader.h"
+#include "lyrics/TagLyrics.h"
 
 #include "core/TextCodec.h"
 
@@ -47,4 +48,15 @@ QString VersionCheckPage(const QString& address, const QString& version)
                           "document.go.submit();\r\n"
                           "</SCRIPT>\r\n")
         .arg(address, version);
+}
+
+void TakeTitleFromTags(LyricItem& header, SongTags& tags)
+{
+    if (!header.Artist.isEmpty() && !header.Title.isEmpty())
+        return;
+    tags.ReadTag();
+    if (header.Artist.isEmpty())
+        header.Artist = tags.Artist();
+    if (header.Title.isEmpty())
+        header.Title = tags.Title();
 }

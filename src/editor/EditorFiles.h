@@ -2,6 +2,8 @@
 // The editor's file commands as rules: the size limits of what it opens, the names it saves
 // under, text files read and written whole, and the version page handed to the browser.
 
+#include "lyrics/LyricsData.h"
+
 #include <QString>
 
 // Bytes; a file larger than its limit is refused with the message of 600 kB, whatever the limit.
@@ -14,6 +16,9 @@ bool FileTooLarge(const QString& path, qint64 limit);
 QString NameWithExtension(const QString& chosen, const QString& extension);
 // The text file the editor offers for its lyrics' file: the same name ending in ".txt".
 QString DefaultTextName(const QString& editorFile);
+
+// The song's artist and title from its tags where the header has none.
+void TakeTitleFromTags(LyricItem& header, SongTags& tags);
 
 // A text file's contents as the editor shows them, decoded as lyrics files are.
 QString ReadTextFile(const QString& path, bool polish);

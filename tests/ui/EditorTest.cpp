@@ -235,8 +235,10 @@ TEST_F(EditorWindow, OffsetsBreaksCopiesAndPastesWorkOnTheSelectedRows)
     Key(Qt::Key_Insert);
     EXPECT_EQ(Cell(1, 1), "");
     EXPECT_EQ(Cell(2, 1), "a ");
+    EXPECT_DOUBLE_EQ(editor->CorrectBox().value(), 0) << "the new row has no time";
     Key(Qt::Key_Delete);
     EXPECT_EQ(Cell(1, 1), "a ");
+    EXPECT_DOUBLE_EQ(editor->CorrectBox().value(), 1) << "the time box shows the row now selected";
     Key(Qt::Key_F12);
     EXPECT_EQ(editor->Document().Count(), 7);
     EXPECT_EQ(editor->List().SelectedRow(), 7);
@@ -401,6 +403,25 @@ TEST_F(EditorWindow, TextAndLyricsFilesAreSavedUnderTheNamesChosen)
     ASSERT_EQ(editor->Document().Count(), 3);
     EXPECT_DOUBLE_EQ(editor->Document().Entry(3).Time, 61.5);
     EXPECT_TRUE(editor->Document().Entry(2).LineEnd);
+}
+
+TEST_F(EditorWindow, ALyricsFileTakesTheSongsArtistAndTitleWhenTheEditorHasNone)
+{
+    const QString mp3 = CopyFixture(MediaFixture("id3v1.mp3"), dir.path());
+    ASSERT_TRUE(transport.OpenSong(mp3, false));
+    OpenEditor();
+    Split(QStringLiteral("la la"));
+    dialogs.files = {dir.filePath("tagged.lrs"), dir.filePath("own.lrs")};
+    editor->Command(QStringLiteral("MenuSaveAs"));
+    const QByteArray tagged = ReadFileBytes(dir.filePath("tagged.lrs"));
+    EXPECT_TRUE(tagged.contains("#ARTIST=Artist One\r\n")) << tagged.toStdString();
+    EXPECT_TRUE(tagged.contains("#TITLE=Title One\r\n"));
+
+    state.Lyrics.EditLyrics[0].Title = QStringLiteral("My Title");
+    editor->Command(QStringLiteral("MenuSaveAs"));
+    const QByteArray own = ReadFileBytes(dir.filePath("own.lrs"));
+    EXPECT_TRUE(own.contains("#TITLE=My Title\r\n")) << "the editor's own title wins";
+    EXPECT_TRUE(own.contains("#ARTIST=Artist One\r\n"));
 }
 
 TEST_F(EditorWindow, SavedIntoTheSongThatPlaysTheLyricsStayBeforeTheTagAndPlayBack)

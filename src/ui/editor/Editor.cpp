@@ -636,7 +636,10 @@ void Editor::RowsReplaced(int selectRow)
 {
     m_model->Reset();
     m_list->SelectRow(std::min(selectRow, m_document.Count()));
-    ShowRowState(m_list->SelectedRow());
+    const int row = m_list->SelectedRow();
+    m_timing.SetCorrect(row >= 1 ? m_document.Entry(row).Time : 0, std::max(row, 0));
+    ShowCorrect();
+    ShowRowState(row);
     MeasureLab();
     ShowOnDisplay(true);
 }

@@ -19,6 +19,7 @@
 #include "ui/kit/AboutBoxes.h"
 
 #include <QApplication>
+#include <QFileInfo>
 #include <QStatusBar>
 #include <QDir>
 #include <QCheckBox>
@@ -139,7 +140,14 @@ bool Editor::SaveAsLyricsFile()
     if (chosen.isEmpty())
         return false;
     const QString path = NameWithExtension(chosen, QStringLiteral("lrs"));
-    if (!SaveLrsFile(path, m_state.Lyrics.EditLyrics, m_state.Lyrics.EditPictures)) {
+    std::vector<LyricItem> lyrics = m_state.Lyrics.EditLyrics;
+    if (!m_state.EditorFile.isEmpty() && QFileInfo(m_state.EditorFile).isFile()) {
+        MP3Class song(m_state.Language.IsPolish);
+        song.SetFilename(m_state.EditorFile);
+        song.ReadFile();
+        TakeTitleFromTags(lyrics[0], song);
+    }
+    if (!SaveLrsFile(path, lyrics, m_state.Lyrics.EditPictures)) {
         m_dialogs.Critical(m_state.Language.GetText(QStringLiteral("ErrorWriteFile")));
         return false;
     }
