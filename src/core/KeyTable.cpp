@@ -7,6 +7,7 @@ namespace {
 constexpr Qt::KeyboardModifiers kNone = Qt::NoModifier;
 constexpr Qt::KeyboardModifiers kCtrl = Qt::ControlModifier;
 constexpr Qt::KeyboardModifiers kAlt = Qt::AltModifier;
+constexpr Qt::KeyboardModifiers kShift = Qt::ShiftModifier;
 constexpr Qt::KeyboardModifiers kKeypad = Qt::KeypadModifier;
 
 using W = KeyWindow;
@@ -48,6 +49,14 @@ constexpr std::array kKeys = {
     KeyBinding{W::Editor, Qt::Key_C, kCtrl, C::CopyRows, "Ctrl+C", nullptr},
     KeyBinding{W::Editor, Qt::Key_V, kCtrl, C::PasteRows, "Ctrl+V", nullptr},
     KeyBinding{W::Editor, Qt::Key_X, kCtrl, C::CutRows, "Ctrl+X", nullptr},
+    KeyBinding{W::Editor, Qt::Key_A, kCtrl, C::SelectAll, "Ctrl+A", nullptr},
+    KeyBinding{W::Editor, Qt::Key_N, kCtrl, C::NewLyrics, "Ctrl+N", "ShortNew"},
+    KeyBinding{W::Editor, Qt::Key_O, kCtrl, C::OpenSong, "Ctrl+O", "ShortOpenSong"},
+    KeyBinding{W::Editor, Qt::Key_L, kCtrl, C::OpenLyrics, "Ctrl+L", "ShortOpenLyrics"},
+    KeyBinding{W::Editor, Qt::Key_S, kCtrl | kShift, C::SaveLyricsAs, "Ctrl+Shift+S", "ShortSaveAs"},
+    KeyBinding{W::Editor, Qt::Key_S, kCtrl, C::SaveLyrics, "Ctrl+S", "ShortSave"},
+    KeyBinding{W::Editor, Qt::Key_P, kCtrl, C::PrintLyrics, "Ctrl+P", "ShortPrint"},
+    KeyBinding{W::Editor, Qt::Key_F1, kNone, C::Help, "F1", "ShortHelp"},
 
     KeyBinding{W::Karaoke, 0, kNone, C::FullScreen, nullptr, "ShortFullscreen"},
 };

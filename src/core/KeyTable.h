@@ -35,6 +35,14 @@ enum class KeyCommand {
     CopyRows,
     PasteRows,
     CutRows,
+    SelectAll,
+    NewLyrics,
+    OpenSong,
+    OpenLyrics,
+    SaveLyrics,
+    SaveLyricsAs,
+    PrintLyrics,
+    Help,
     FullScreen,
 };
 

@@ -537,6 +537,32 @@ TEST_F(EditorWindow, TheMenusStandInTheirPlacesAndTheWindowKeepsItsSize)
     EXPECT_EQ(editor->pos(), QPoint(40, 50));
 }
 
+TEST_F(EditorWindow, TheMenusShowTheirKeysAndTheKeysRunThemAnywhereInTheWindow)
+{
+    OpenEditor();
+    const auto shown = [this](const char* menu, const char* item) {
+        for (QAction* action : editor->Menu(QString::fromLatin1(menu))->actions())
+            if (action->data().toString() == QLatin1String(item))
+                return action->text().section(u'\t', 1);
+        return QString();
+    };
+    EXPECT_EQ(shown("MenuFile", "MenuNew"), "Ctrl+N");
+    EXPECT_EQ(shown("MenuFile", "MenuSave"), "Ctrl+S");
+    EXPECT_EQ(shown("MenuFile", "MenuSaveAs"), "Ctrl+Shift+S");
+    EXPECT_EQ(shown("MenuEdit", "MenuCopy"), "Ctrl+C");
+    EXPECT_EQ(shown("MenuEdit", "MenuDelete"), "Delete");
+    EXPECT_EQ(shown("MenuKaraoke", "MenuAddNew"), "F12");
+    EXPECT_EQ(shown("MenuFile", "MenuUpdate"), "") << "a command without a key shows none";
+
+    Split(QStringLiteral("la la"));
+    dialogs.files = {dir.filePath("keyed.lrs")};
+    QTest::keyClick(&editor->LyricsBox(), Qt::Key_S, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_TRUE(QFileInfo::exists(dir.filePath("keyed.lrs"))) << "Save as from the text box";
+    dialogs.saveChoice = SaveChoice::Discard;
+    QTest::keyClick(&editor->List(), Qt::Key_N, Qt::ControlModifier);
+    EXPECT_EQ(editor->Document().Count(), 0) << "New from the list";
+}
+
 TEST_F(EditorWindow, TheVersionCheckIsAPageThatPostsTheVersionToTheAddressOfTheSettings)
 {
     OpenEditor();

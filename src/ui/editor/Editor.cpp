@@ -33,6 +33,8 @@
 #include <QStatusBar>
 #include <QToolBar>
 #include <QVBoxLayout>
+#include <map>
+#include <set>
 
 namespace {
 
@@ -41,9 +43,6 @@ constexpr QSize kMinimumSize(567, 320);
 constexpr QSize kFirstSize(780, 520);
 // A held correction key repeats about as fast as a keyboard does.
 constexpr int kCorrectIntervalMs = 33;
-// The words of MIDI songs are stamped 0.7 s late on import; a row's seek goes back by as much.
-constexpr double kMidiLeadIn = 0.7;
-
 // The key left of 1: "`" on most layouts, and by its place on the keyboard on any other.
 bool IsCaptureKey(const QKeyEvent* event)
 {
@@ -55,6 +54,49 @@ bool IsCaptureKey(const QKeyEvent* event)
 const KeyBinding* EditorKey(const QKeyEvent* event)
 {
     return FindKey(KeyWindow::Editor, event->key(), event->modifiers());
+}
+
+// The menu commands that have a key, and the key table's command behind each.
+const std::map<QString, KeyCommand>& MenuKeys()
+{
+    static const std::map<QString, KeyCommand> keys = {
+        {QStringLiteral("MenuNew"), KeyCommand::NewLyrics},         {QStringLiteral("MenuFileOpen"), KeyCommand::OpenSong},
+        {QStringLiteral("MenuLyricsOpen"), KeyCommand::OpenLyrics}, {QStringLiteral("MenuSave"), KeyCommand::SaveLyrics},
+        {QStringLiteral("MenuSaveAs"), KeyCommand::SaveLyricsAs},   {QStringLiteral("MenuPrint"), KeyCommand::PrintLyrics},
+        {QStringLiteral("MenuCut"), KeyCommand::CutRows},           {QStringLiteral("MenuCopy"), KeyCommand::CopyRows},
+        {QStringLiteral("MenuPaste"), KeyCommand::PasteRows},       {QStringLiteral("MenuDelete"), KeyCommand::RemoveRows},
+        {QStringLiteral("MenuSelectAll"), KeyCommand::SelectAll},   {QStringLiteral("MenuInsert"), KeyCommand::InsertRow},
+        {QStringLiteral("MenuAddNew"), KeyCommand::AddRow},         {QStringLiteral("MenuTutorial"), KeyCommand::Help},
+    };
+    return keys;
+}
+
+// The menu command a key runs wherever the focus is in the window; empty for keys that only the
+// list of rows answers.
+QString WindowWideMenuCommand(const KeyBinding* binding)
+{
+    static const std::set<KeyCommand> windowWide = {KeyCommand::NewLyrics,   KeyCommand::OpenSong,
+                                                    KeyCommand::OpenLyrics,  KeyCommand::SaveLyrics,
+                                                    KeyCommand::SaveLyricsAs, KeyCommand::PrintLyrics,
+                                                    KeyCommand::SelectAll,   KeyCommand::Help};
+    if (!binding || !windowWide.contains(binding->command))
+        return {};
+    for (const auto& [menu, command] : MenuKeys())
+        if (command == binding->command)
+            return menu;
+    return {};
+}
+
+// The menu item's text with its key, as menus show keys.
+QString WithKeyLabel(const QString& text, const QString& menuCommand)
+{
+    const auto it = MenuKeys().find(menuCommand);
+    if (it == MenuKeys().end())
+        return text;
+    for (const KeyBinding& binding : KeyTable())
+        if (binding.window == KeyWindow::Editor && binding.command == it->second && binding.label)
+            return text + u'\t' + QString::fromLatin1(binding.label);
+    return text;
 }
 
 bool IsCorrectionKey(const KeyBinding* binding)
@@ -373,7 +415,7 @@ void Editor::ApplyLanguage()
     for (auto& [name, menu] : m_menus)
         menu->setTitle(Text(name.toLatin1().constData()));
     for (auto& [key, action] : m_actions)
-        action->setText(Text(key.toLatin1().constData()));
+        action->setText(WithKeyLabel(Text(key.toLatin1().constData()), key));
     if (auto* tools = findChild<QToolBar*>(QStringLiteral("eBTN")))
         for (QAction* action : tools->actions())
             if (!action->isSeparator())
@@ -405,6 +447,11 @@ bool Editor::eventFilter(QObject* watched, QEvent* event)
         if (IsCaptureKey(key)) {
             if (!key->isAutoRepeat())
                 CaptureLine();
+            return true;
+        }
+        if (const QString command = WindowWideMenuCommand(EditorKey(key)); !command.isEmpty()) {
+            if (!key->isAutoRepeat())
+                Command(command);
             return true;
         }
     }
@@ -876,7 +923,7 @@ void Editor::RowChosen()
     ShowRowState(row);
     if (time == 0 || !EditsSongThatPlays())
         return;
-    m_transport.SeekToSeconds(m_state.IsMidi ? std::max(0.0, time - kMidiLeadIn) : time);
+    m_transport.SeekToSeconds(time);
 }
 
 void Editor::DoOff()
