@@ -92,7 +92,10 @@ private:
     void StopVoice();
     void OpenAudioSong(const QString& path, bool autoplay);
     void OpenMidiSong(const QString& path);
-    void ReportUnplayable();
+    // Names the song that cannot play and why: empty, no song the program knows, damaged, or
+    // what keeps its whole kind from playing.
+    void ReportUnplayable(const QString& path);
+    QString UnplayableReason(const QString& path) const;
     void ShowSongLabels();
     void LoadSongLyrics();
     // The playlist for Next and Previous; false when the song stopped or closed instead.

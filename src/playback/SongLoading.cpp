@@ -47,26 +47,40 @@ bool PlayerTransport::OpenSong(const QString& path, bool autoplay)
     return exists;
 }
 
-void PlayerTransport::ReportUnplayable()
+QString PlayerTransport::UnplayableReason(const QString& path) const
 {
+    if (!m_unavailableKind.isEmpty())
+        return m_unavailableKind;
+    const char* reason = "ReasonDamaged";
+    if (QFileInfo(path).size() == 0)
+        reason = "ReasonEmpty";
+    else if (!m_state.CurrentInfo || m_state.CurrentInfo->format().isEmpty())
+        reason = "ReasonUnknown";
+    return m_state.Language.GetText(QString::fromLatin1(reason));
+}
+
+void PlayerTransport::ReportUnplayable(const QString& path)
+{
+    const QString reason = UnplayableReason(path);
     CloseSong();
     if (!m_messages)
         return;
-    // What keeps a whole kind of song from playing is named once; after that such songs are
-    // refused like any other that cannot play.
+    // What keeps a whole kind of song from playing is said once as it is; after that each such
+    // song is named with it.
     if (!m_unavailableKind.isEmpty() && !m_unavailableReported) {
         m_unavailableReported = true;
         m_messages->Critical(m_unavailableKind);
         return;
     }
-    m_messages->Critical(m_state.Language.GetText(QStringLiteral("ErrorAudioRead")));
+    m_messages->Critical(m_state.Language.GetText(QStringLiteral("ErrorSongUnplayable")) + QStringLiteral("\r\n") +
+                         QDir::toNativeSeparators(path) + QStringLiteral("\r\n") + reason);
 }
 
 void PlayerTransport::OpenAudioSong(const QString& path, bool autoplay)
 {
     m_state.IsMidi = false;
     if (!CreateGraph(path)) {
-        ReportUnplayable();
+        ReportUnplayable(path);
         return;
     }
     m_state.CurrentFile = path;
@@ -125,7 +139,7 @@ void PlayerTransport::OpenMidiSong(const QString& path)
         lyric->ClearNewLyrics();
     }
     if (!CreateGraph(path)) {
-        ReportUnplayable();
+        ReportUnplayable(path);
         return;
     }
     m_state.EditorFile = m_state.CurrentInfo->Filename();

@@ -77,8 +77,30 @@ TEST_F(SongLoading, AMissingFileIsQuietAndAnUnplayableOneIsReported)
 
     EXPECT_TRUE(transport.OpenSong(Unplayable("bad.mp3"), true)) << "true: the file exists";
     EXPECT_EQ(state.Session, nullptr);
-    EXPECT_EQ(messages.Shown(), QStringList{"Possible read error or audio device is not present."});
+    EXPECT_EQ(messages.Shown(), QStringList{"This song cannot be played:\r\n" + QDir::toNativeSeparators(dir.filePath("bad.mp3")) +
+                                            "\r\nIts contents are no song that Songweaver plays."});
     EXPECT_TRUE(state.CurrentFile.isEmpty());
+}
+
+TEST_F(SongLoading, AnUnplayableSongIsNamedWithWhatIsWrongWithIt)
+{
+    const auto reason = [this](const QString& path) {
+        transport.OpenSong(path, false);
+        EXPECT_EQ(state.Session, nullptr) << path.toStdString();
+        return messages.Shown().isEmpty() ? QString() : messages.Shown().last().section(QStringLiteral("\r\n"), 1);
+    };
+    WriteFileBytes(dir.filePath("empty.kar"), "");
+    EXPECT_EQ(reason(dir.filePath("empty.kar")),
+              QDir::toNativeSeparators(dir.filePath("empty.kar")) + "\r\nThe file is empty.");
+    WriteFileBytes(dir.filePath("words.mp3"), "These are the words of the song, not its sound.\n");
+    EXPECT_TRUE(reason(dir.filePath("words.mp3")).endsWith("\r\nIts contents are no song that Songweaver plays."));
+    WriteFileBytes(dir.filePath("cut.kar"), QByteArray("MThd\0\0", 6));
+    EXPECT_TRUE(reason(dir.filePath("cut.kar")).endsWith("\r\nThe file seems damaged."));
+
+    LanguageTable polish;
+    polish.LoadTable(true);
+    for (const char* key : {"ErrorSongUnplayable", "ReasonEmpty", "ReasonUnknown", "ReasonDamaged"})
+        EXPECT_FALSE(polish.GetText(QString::fromLatin1(key)).isEmpty()) << key;
 }
 
 TEST_F(SongLoading, ADoubleClickedMissingSongIsNamedItsRowMarkedAndTheOldSongLeavesTheScreen)
@@ -225,7 +247,9 @@ TEST_F(SongLoading, AMissingSoundFontIsNamedOnceAndMidiSongsAreThenRefused)
 
     transport.OpenSong(kar, false);
     ASSERT_EQ(messages.Shown().size(), 2);
-    EXPECT_EQ(messages.Shown()[1], state.Language.GetText(QStringLiteral("ErrorAudioRead")));
+    EXPECT_TRUE(messages.Shown()[1].startsWith("This song cannot be played:\r\n" + QDir::toNativeSeparators(kar) +
+                                               "\r\nMIDI songs cannot be played: "))
+        << "then each such song is named with the same reason";
 
     transport.OpenSong(Wav("audio.wav"), true);
     EXPECT_NE(state.Session, nullptr) << "audio songs play on";
