@@ -23,7 +23,9 @@ constexpr int kHeaderLines = 20;
 enum class Reader { Playing, Editor, Import };
 
 // The header stops the editor's reader where the old program's did.
-struct HeaderRejected {};
+struct HeaderRejected {
+    qsizetype line = 0;  // counted from 0
+};
 
 struct HeaderTarget {
     LyricItem& header;
@@ -146,13 +148,22 @@ void ParseHeader(const QString& text, HeaderTarget& target)
     ResetHeader(target.header);
     const QStringList lines = SplitLines(text);
     const qsizetype last = std::min<qsizetype>(kHeaderLines, lines.size() - 1);
-    for (qsizetype i = 1; i <= last; ++i)
-        if (!lines[i].isEmpty())
+    for (qsizetype i = 1; i <= last; ++i) {
+        if (lines[i].isEmpty())
+            continue;
+        try {
             ApplyHeaderLine(lines[i], target);
+        } catch (HeaderRejected& rejected) {
+            rejected.line = i;
+            throw;
+        }
+    }
 }
 
-// The syllables of the lines from `firstLine` on into the array; false on a piece without "]".
-bool ReadSyllables(const QString& text, std::vector<LyricItem>& lyrics, qsizetype firstLine = 0)
+// The syllables of the lines from `firstLine` on into the array; false on a piece without "]",
+// whose line (counted from 0) goes into `badLine` when one is given.
+bool ReadSyllables(const QString& text, std::vector<LyricItem>& lyrics, qsizetype firstLine = 0,
+                   qsizetype* badLine = nullptr)
 {
     const QStringList lines = SplitLines(text);
     for (qsizetype l = firstLine; l < lines.size(); ++l) {
@@ -167,8 +178,11 @@ bool ReadSyllables(const QString& text, std::vector<LyricItem>& lyrics, qsizetyp
             if (piece.isEmpty())
                 continue;
             const qsizetype close = piece.indexOf(u']');
-            if (close < 0)
+            if (close < 0) {
+                if (badLine)
+                    *badLine = l;
                 return false;
+            }
             LyricItem item;
             item.Time = NumericValue(piece.left(close).replace(u',', u'.'));
             item.Text = piece.mid(close + 1);
@@ -278,25 +292,23 @@ bool ParseLyricsText(LyricsState& lyrics, const QString& text, const QString& ba
     return true;
 }
 
-bool ParseEditorHeader(const QString& text, LyricItem& header, std::vector<PictureItem>& pictures)
-{
-    const QString noFolder;
-    HeaderTarget target{header, pictures, Reader::Editor, noFolder};
-    try {
-        ParseHeader(text, target);
-    } catch (const HeaderRejected&) {
-        return false;
-    }
-    return true;
-}
-
 bool ParseEditorLyrics(LyricsState& lyrics, const QString& text, const std::function<void(const QString&)>& critical)
 {
     std::vector<LyricItem> edit(1);
     std::vector<PictureItem> pictures(1);
-    if (!ParseEditorHeader(text, edit[0], pictures) || !ReadSyllables(text, edit)) {
+    const QString noFolder;
+    HeaderTarget target{edit[0], pictures, Reader::Editor, noFolder};
+    qsizetype badLine = -1;
+    try {
+        ParseHeader(text, target);
+        ReadSyllables(text, edit, 0, &badLine);
+    } catch (const HeaderRejected& rejected) {
+        badLine = rejected.line;
+    }
+    if (badLine >= 0) {
         if (critical)
-            critical(QString::fromLatin1(kInvalidLyricsMessage));
+            critical(QString::fromLatin1(kInvalidLyricsMessage) +
+                     QStringLiteral("\r\nLine %1: %2").arg(badLine + 1).arg(SplitLines(text).value(badLine)));
         return false;
     }
     edit[0].LineEnd = true;

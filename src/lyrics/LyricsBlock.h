@@ -37,12 +37,10 @@ void ParseLyricsHeader(const QString& text, const QString& baseFolder, LyricItem
 bool ParseLyricsText(LyricsState& lyrics, const QString& text, const QString& baseFolder,
                      const QFont& font, const LyricsRefit& refit = {});
 
-// The editor's header reader: paths as they stand; a "#LAYOUT=" line makes it fail.
-bool ParseEditorHeader(const QString& text, LyricItem& header, std::vector<PictureItem>& pictures);
-
 extern const char* const kInvalidLyricsMessage;  // "Lyrics format doesn't seem to be valid."
 
-// The block into EditLyrics and EditPictures; on failure shows the message and changes nothing.
+// The block into EditLyrics and EditPictures, header paths as they stand; a "#LAYOUT=" line or
+// a piece without "]" fails with the message naming its line, and changes nothing.
 bool ParseEditorLyrics(LyricsState& lyrics, const QString& text,
                        const std::function<void(const QString&)>& critical);
 

@@ -19,13 +19,16 @@ Embedded LoadBlockFromSong(LyricsState& lyrics, const QString& songPath, const L
     case BlockRead::None:
         return Embedded::None;
     case BlockRead::TooLarge:
+        lyrics.DamagedLyricsFile = songPath;
         return Embedded::Damaged;
     case BlockRead::Read:
         break;
     }
     const QString block = DecodeText(lyrics.RawLyricsText, env.Polish);
-    if (!ParseLyricsText(lyrics, block, QFileInfo(songPath).absolutePath(), env.Font, env.Refit))
+    if (!ParseLyricsText(lyrics, block, QFileInfo(songPath).absolutePath(), env.Font, env.Refit)) {
+        lyrics.DamagedLyricsFile = songPath;
         return Embedded::Damaged;
+    }
     lyrics.PlayLyrics[0].FormatName = kInternalFormat;
     return Embedded::Loaded;
 }
@@ -37,8 +40,10 @@ bool LoadLrsFile(LyricsState& lyrics, const QString& songPath, const LyricsEnvir
         return false;
     lyrics.RawLyricsText = ReadWholeFile(lrsPath);
     const QString text = DecodeText(lyrics.RawLyricsText, env.Polish);
-    if (!ParseLyricsText(lyrics, text, QFileInfo(songPath).absolutePath(), env.Font, env.Refit))
+    if (!ParseLyricsText(lyrics, text, QFileInfo(songPath).absolutePath(), env.Font, env.Refit)) {
+        lyrics.DamagedLyricsFile = lrsPath;
         return false;
+    }
     lyrics.PlayLyrics[0].FormatName = kLrsFormat;
     return true;
 }
@@ -59,7 +64,9 @@ bool LoadTagLyrics(LyricsState& lyrics, const LyricsEnvironment& env)
 
 bool NoLyrics(LyricsState& lyrics, const LyricsEnvironment& env)
 {
+    const QString damaged = lyrics.DamagedLyricsFile;
     ResetLyricsData(lyrics);
+    lyrics.DamagedLyricsFile = damaged;
     lyrics.LyricsTitleText = MakeLyricsTitle(lyrics, env.Tags);
     return false;
 }

@@ -127,7 +127,12 @@ void PlayerTransport::LoadSongLyrics()
         m_state.Lyrics.PlayLyrics = m_state.Lyrics.EditLyrics;
         m_state.Lyrics.PlayPictures = m_state.Lyrics.EditPictures;
         FinishShownLyrics(m_state.Lyrics, env);
+        return;
     }
+    // The karaoke window says why a song that has lyrics shows none.
+    if (const QString& damaged = m_state.Lyrics.DamagedLyricsFile; !damaged.isEmpty())
+        m_state.Lyrics.LyricsTitleText = m_state.Language.GetText(QStringLiteral("LyricsDamaged")) + u'|' +
+                                         QFileInfo(damaged).fileName();
 }
 
 void PlayerTransport::OpenMidiSong(const QString& path)

@@ -114,12 +114,13 @@ TEST(LyricsBlock, EditorReaderRefusesLayoutAndKeepsPathsAsWritten)
     lyrics.EditLyrics.resize(3);
 
     EXPECT_FALSE(ParseEditorLyrics(lyrics, Crlf({"#Songweaver", "#TITLE=x", "#LAYOUT=1", "[1]a"}), critical));
-    EXPECT_EQ(messages, QStringList{"Lyrics format doesn't seem to be valid."});
+    EXPECT_EQ(messages, QStringList{"Lyrics format doesn't seem to be valid.\r\nLine 3: #LAYOUT=1"});
     EXPECT_EQ(lyrics.EditLyrics.size(), 3u);
     EXPECT_EQ(lyrics.EditLyrics[0].Title, "");
 
-    EXPECT_FALSE(ParseEditorLyrics(lyrics, "oops", critical));
-    EXPECT_EQ(messages.size(), 2);
+    EXPECT_FALSE(ParseEditorLyrics(lyrics, Crlf({"#Songweaver", "[1]a[2]b", "", "[3]c[4d", "[5]e"}), critical));
+    ASSERT_EQ(messages.size(), 2);
+    EXPECT_EQ(messages[1], "Lyrics format doesn't seem to be valid.\r\nLine 4: [3]c[4d") << "the line to mend is named";
 
     ASSERT_TRUE(ParseEditorLyrics(
         lyrics, Crlf({"#Songweaver", "#PICTURE=bg.jpg", "#IMAGE=a.png%4", "[1]a[2]b", "[3]c", "#End Songweaver"}),

@@ -82,6 +82,19 @@ TEST_F(SongLoading, AMissingFileIsQuietAndAnUnplayableOneIsReported)
     EXPECT_TRUE(state.CurrentFile.isEmpty());
 }
 
+TEST_F(SongLoading, ADamagedLyricsFileIsSaidOnTheKaraokeWindow)
+{
+    const QString song = Wav("Damaged.wav");
+    WriteFileBytes(dir.filePath("Damaged.lrs"), "#Songweaver\r\n[1]one [2two\r\n#End Songweaver\r\n");
+    ASSERT_TRUE(transport.OpenSong(song, false));
+    EXPECT_NE(state.Session, nullptr) << "the song plays all the same";
+    EXPECT_EQ(state.Lyrics.LyricsTitleText, "The lyrics file is damaged:|Damaged.lrs");
+    EXPECT_TRUE(Lyric().contains("Lyric.ChangeLyrics"));
+
+    ASSERT_TRUE(transport.OpenSong(Wav("Plain.wav"), false));
+    EXPECT_EQ(state.Lyrics.LyricsTitleText, "Plain") << "the next song shows its own title";
+}
+
 TEST_F(SongLoading, AnUnplayableSongIsNamedWithWhatIsWrongWithIt)
 {
     const auto reason = [this](const QString& path) {

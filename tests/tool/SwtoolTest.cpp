@@ -99,7 +99,8 @@ TEST(Swtool, LyricsPrintsHeaderPicturesAndSyllablesAndWritesThemBack)
 
     const ToolRun editor = Swtool({"lyrics", song, "--editor"}, home.path());
     EXPECT_EQ(editor.exitCode, 1);
-    EXPECT_EQ(editor.err.trimmed().section('\n', -1), "Lyrics format doesn't seem to be valid.");
+    EXPECT_TRUE(editor.err.contains("Lyrics format doesn't seem to be valid.")) << editor.err.toStdString();
+    EXPECT_EQ(editor.err.trimmed().section('\n', -1), "Line 4: #LAYOUT=2") << "the line to mend";
 
     WriteFileBytes(song, "audio#Songweaver\r\nbroken\r\n#End Songweaver\r\n");
     const ToolRun damaged = Swtool({"lyrics", song}, home.path());
@@ -443,7 +444,7 @@ TEST(Swtool, EmbedStoresTheLyricsAsTheEditorsSaveDoes)
 
     const ToolRun notLyrics = Swtool({"embed", mp3, MediaFixture("not-audio.txt")}, home.path());
     EXPECT_EQ(notLyrics.exitCode, 1);
-    EXPECT_TRUE(notLyrics.err.endsWith("Lyrics format doesn't seem to be valid.\n"));
+    EXPECT_TRUE(notLyrics.err.contains("Lyrics format doesn't seem to be valid.\r\nLine 1: "));
 }
 
 TEST(Swtool, LyricsOfAKaraokeFileForThePlayerAndTheImport)

@@ -370,7 +370,7 @@ TEST_F(EditorWindow, OpenedFilesAreHeldToTheirLimitsWithTheMessageOf600kB)
     dialogs.files = {dir.filePath("bad.lrs")};
     dialogs.messages.clear();
     editor->Command(QStringLiteral("MenuLyricsOpen"));
-    EXPECT_EQ(dialogs.messages, QStringList{"critical: Lyrics format doesn't seem to be valid."});
+    EXPECT_EQ(dialogs.messages, QStringList{"critical: Lyrics format doesn't seem to be valid.\r\nLine 2: #LAYOUT=2"});
     EXPECT_EQ(editor->Document().Count(), rows);
     EXPECT_EQ(editor->StatusText(), dir.filePath("limit.lrs"));
 }
