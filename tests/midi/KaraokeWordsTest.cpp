@@ -161,33 +161,39 @@ TEST(KaraokeWords, TheEventParserReadsWhatTheByteReaderCannot)
     EXPECT_EQ(ReadMidiWords(plainFile, figures, MeasureSong(plainFile, figures), kept, false), WordsOrigin::TextBytes);
 }
 
+namespace {
+
+// The finished words of a file whose lyric events are the syllables, a quarter note apart.
+std::vector<LyricItem> LyricEventWords(std::initializer_list<const char*> syllables)
+{
+    TrackBuilder track;
+    for (const char* s : syllables)
+        track.Lyric(250, s);
+    track.End();
+    const QByteArray file = MidiFileOf({Conductor(), track}, kDivision);
+    MidiFigures figures;
+    std::vector<LyricItem> words(1);
+    EXPECT_EQ(ReadMidiWords(file, figures, MeasureSong(file, figures), words, false), WordsOrigin::LyricEvents);
+    FinishWords(words);
+    return words;
+}
+
+} // namespace
+
 TEST(KaraokeWords, LyricEventsKeepTheBlanksTheyCarry)
 {
     // As karaoke files of other programs have them: blanks at either end of an event.
-    TrackBuilder spaced;
-    const char* syllables[] = {"Ay, ", "ay, ", "ay, ", "ay, ", "\rCan", "ta ", "y ", "no ", "llo", "res", " Ma", "ri", "a!"};
-    for (const char* s : syllables)
-        spaced.Lyric(250, s);
-    spaced.End();
-    const QByteArray file = MidiFileOf({Conductor(), spaced}, kDivision);
-    MidiFigures figures;
-    std::vector<LyricItem> words(1);
-    ASSERT_EQ(ReadMidiWords(file, figures, MeasureSong(file, figures), words, false), WordsOrigin::LyricEvents);
-    FinishWords(words);
+    const auto words = LyricEventWords(
+        {"Ay, ", "ay, ", "ay, ", "ay, ", "\rCan", "ta ", "y ", "no ", "llo", "res", " Ma", "ri", "a!"});
+    ASSERT_EQ(words.size(), 15u);
     EXPECT_EQ(words[2].LineText, "Ay, ay, ay, ay, ");
     EXPECT_EQ(words[6].Text, "Can") << "a line starts at its first letter";
     EXPECT_EQ(words[12].Text, " Ma");
 
     // Where "-" joins the syllables of a word, a blank already there is not doubled.
-    TrackBuilder joined;
-    const char* hyphenated[] = {"A-", "ve ", "Ma-", "ri-", "a, ", "gra-", "ti-", "a ", "ple-", "na", "\rDo-", "mi-", "nus"};
-    for (const char* s : hyphenated)
-        joined.Lyric(250, s);
-    joined.End();
-    const QByteArray hymn = MidiFileOf({Conductor(), joined}, kDivision);
-    std::vector<LyricItem> prayer(1);
-    ASSERT_EQ(ReadMidiWords(hymn, figures, MeasureSong(hymn, figures), prayer, false), WordsOrigin::LyricEvents);
-    FinishWords(prayer);
+    const auto prayer = LyricEventWords(
+        {"A-", "ve ", "Ma-", "ri-", "a, ", "gra-", "ti-", "a ", "ple-", "na", "\rDo-", "mi-", "nus"});
+    ASSERT_GT(prayer.size(), 2u);
     EXPECT_EQ(prayer[2].LineText, "Ave Maria, gratia plena ");
 }
 
