@@ -126,8 +126,8 @@ bool MP3Class::SniffFormat(QByteArrayView bytes)
     return !m_format.isEmpty();
 }
 
-// The playlist's title and artist: ID3v2 beats ID3v1, and the APE tag and the Ogg comment are
-// asked only when there is no ID3v2 tag.
+// The playlist's title and artist: ID3v2 beats ID3v1, and the APE tag, the Ogg comment and a
+// WAV file's own tags are asked only when there is no ID3v2 tag in front.
 void MP3Class::TakeTitleAndArtist(QByteArrayView bytes)
 {
     if (Id3v1Fields v1; ReadId3v1(bytes, m_polish, v1)) {
@@ -143,6 +143,8 @@ void MP3Class::TakeTitleAndArtist(QByteArrayView bytes)
     } else if (OggComment ogg; m_format == u"OGG" && ReadOggComment(m_filename, ogg)) {
         m_title = ogg.Title;
         m_artist = ogg.Artist;
+    } else if (m_format == u"WAV") {
+        ReadWavTitle(m_filename, m_title, m_artist);
     }
 }
 

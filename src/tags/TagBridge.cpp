@@ -13,6 +13,7 @@
 #include <taglib/urllinkframe.h>
 #include <taglib/tbytevectorstream.h>
 #include <taglib/vorbisfile.h>
+#include <taglib/wavfile.h>
 #include <taglib/xiphcomment.h>
 
 QString TagLibVersion()
@@ -213,5 +214,22 @@ bool ReadOggComment(const QString& path, OggComment& comment)
     comment.Track = FieldText(*tag, "TRACKNUMBER");
     comment.Performer = FieldText(*tag, "PERFORMER");
     comment.Description = FieldText(*tag, "DESCRIPTION");
+    return true;
+}
+
+bool ReadWavTitle(const QString& path, QString& title, QString& artist)
+{
+    TagLib::RIFF::WAV::File file(QFile::encodeName(path).constData(), false);
+    if (!file.isValid())
+        return false;
+    const TagLib::Tag* tag = nullptr;
+    if (file.hasID3v2Tag())
+        tag = file.ID3v2Tag();
+    else if (file.hasInfoTag())
+        tag = file.InfoTag();
+    if (!tag)
+        return false;
+    title = ToQString(tag->title());
+    artist = ToQString(tag->artist());
     return true;
 }

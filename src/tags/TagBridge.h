@@ -21,6 +21,8 @@ struct OggComment {
     QString Title, Artist, Album, Date, Genre, Comment, Track, Performer, Description;
 };
 bool ReadOggComment(const QString& path, OggComment& comment);
+// A WAV file's title and artist: its ID3v2 chunk, else its RIFF INFO list.
+bool ReadWavTitle(const QString& path, QString& title, QString& artist);
 
 // A file's first ID3v2 tag (empty when it has none) written anew from the fields, or removed
 // when there are none. Frames the fields do not name stay, and so does the version of a tag

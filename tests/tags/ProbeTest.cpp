@@ -3,6 +3,9 @@
 
 #include "support/TestSupport.h"
 #include "tags/MP3Class.h"
+#include "tags/TagBridge.h"
+
+#include <QtEndian>
 
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
@@ -20,6 +23,26 @@ std::unique_ptr<Probed> Probe(const QString& path)
     probed->song.SetFilename(path);
     probed->recognised = probed->song.ReadFile();
     return probed;
+}
+
+QByteArray Chunk(const char* id, const QByteArray& body)
+{
+    QByteArray chunk(id, 4);
+    chunk += QByteArray(4, '\0');
+    qToLittleEndian<quint32>(quint32(body.size()), chunk.data() + 4);
+    chunk += body;
+    if (body.size() % 2)
+        chunk += '\0';
+    return chunk;
+}
+
+// A short WAV song with the chunks behind its sound, as tagging programs add them.
+QString WavWithChunks(const QString& path, const QByteArray& chunks)
+{
+    QByteArray bytes = ReadFileBytes(WriteRampWav(path, 4800)) + chunks;
+    qToLittleEndian<quint32>(quint32(bytes.size() - 8), bytes.data() + 4);
+    WriteFileBytes(path, bytes);
+    return path;
 }
 
 } // namespace
@@ -127,6 +150,29 @@ TEST(Probe, TitleAndArtistForTheListPreferId3v2OverApe)
     EXPECT_EQ(ogg->song.Title(), "Ogg Title");
     auto oggWithApe = Probe(MediaFixture("ogg-ape.ogg"));
     EXPECT_EQ(oggWithApe->song.Title(), "Ape Title");
+}
+
+TEST(Probe, WavSongsGiveTheTitleAndArtistOfTheirOwnTags)
+{
+    QTemporaryDir dir;
+    const QByteArray info = Chunk("LIST", "INFO" + Chunk("INAM", QByteArray("Info Title\0", 11)) +
+                                              Chunk("IART", QByteArray("Info Artist\0", 12)));
+    auto riff = Probe(WavWithChunks(dir.filePath("info.wav"), info));
+    EXPECT_TRUE(riff->recognised);
+    EXPECT_EQ(riff->song.Title(), "Info Title");
+    EXPECT_EQ(riff->song.Artist(), "Info Artist");
+
+    Id3v2Fields fields;
+    fields.Title = QStringLiteral("Chunk Title");
+    fields.Artist = QStringLiteral("Chunk Artist");
+    const auto tag = WriteId3v2({}, &fields);
+    ASSERT_TRUE(tag);
+    auto id3 = Probe(WavWithChunks(dir.filePath("id3.wav"), info + Chunk("id3 ", *tag)));
+    EXPECT_EQ(id3->song.Title(), "Chunk Title") << "the ID3v2 chunk beats RIFF INFO";
+    EXPECT_EQ(id3->song.Artist(), "Chunk Artist");
+
+    auto bare = Probe(WriteRampWav(dir.filePath("bare.wav"), 4800));
+    EXPECT_EQ(bare->song.Title(), "") << "no tags: the playlist shows the file's name";
 }
 
 TEST(Probe, TrailingBlanksAreCutFromTheStoredFieldForGood)
