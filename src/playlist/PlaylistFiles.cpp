@@ -52,12 +52,6 @@ ExtInf ParseExtInf(const QString& line)
     return info;
 }
 
-QString AfterEquals(const QString& line)
-{
-    const qsizetype equals = line.indexOf(u'=');
-    return equals < 0 ? QString() : line.mid(equals + 1);
-}
-
 void Probe(PlaylistRow& row, const SongProbe& probe)
 {
     if (!probe)
