@@ -54,3 +54,5 @@ int Fail(const QString& message);
 
 // The block text the editor would open: a ".lrs" file whole, else the block inside the song.
 QString EditorText(const QString& path, bool polish);
+// A lyrics file by its name, as the player takes it for one.
+bool IsLrsFile(const QString& path);

@@ -42,11 +42,6 @@ bool ReadOptions(QStringList args, LyricsOptions& options)
     return !options.file.isEmpty() && !(options.editor && options.import);
 }
 
-bool IsLrsFile(const QString& path)
-{
-    return path.endsWith(QLatin1String(".lrs"), Qt::CaseInsensitive);
-}
-
 void PrintHeader(QTextStream& out, const LyricItem& h)
 {
     const std::pair<const char*, QString> fields[] = {
@@ -96,6 +91,11 @@ int Fail(const QString& message)
 {
     QTextStream(stderr) << message << '\n';
     return 1;
+}
+
+bool IsLrsFile(const QString& path)
+{
+    return path.endsWith(QLatin1String(".lrs"), Qt::CaseInsensitive);
 }
 
 QString EditorText(const QString& path, bool polish)

@@ -1,6 +1,7 @@
 // swtool print: the printed lyrics as the editor's Print dialog makes them.
 
 #include "app/SwtoolCommands.h"
+#include "editor/LyricsImport.h"
 #include "lyrics/LyricsBlock.h"
 #include "print/LyricsDocument.h"
 #include "print/PrintSettings.h"
@@ -46,9 +47,15 @@ int PrintPages(const QStringList& args)
 
     PlayerReading reading(options.lyrics);
     LyricsState lyrics;
-    if (!ParseEditorLyrics(lyrics, EditorText(options.lyrics, reading.language.IsPolish),
-                           [](const QString& message) { Fail(message); }))
-        return 1;
+    // A song prints the words the editor takes up from it: its block, else a MIDI file's words.
+    if (IsLrsFile(options.lyrics)) {
+        if (!ParseEditorLyrics(lyrics, EditorText(options.lyrics, reading.language.IsPolish),
+                               [](const QString& message) { Fail(message); }))
+            return 1;
+    } else if (MidiFigures figures;
+               !ImportLyrics(lyrics, figures, &reading.song, options.lyrics, reading.language.IsPolish)) {
+        return Fail(QStringLiteral("No lyrics in %1").arg(options.lyrics));
+    }
 
     const QString html = BuildDocument(lyrics.EditLyrics, PrintSettings::Load(reading.store));
     if (options.html.isEmpty() && options.pdf.isEmpty()) {

@@ -533,3 +533,17 @@ TEST(Swtool, PrintWritesThePageAndItsPdfWithTheSavedSettings)
     EXPECT_EQ(Swtool({"print", home.filePath("missing.lrs")}, home.path()).exitCode, 1);
     EXPECT_EQ(Swtool({"print"}, home.path()).exitCode, 2);
 }
+
+TEST(Swtool, PrintOfAKaraokeSongShowsItsWordsAsTheEditorTakesThemUp)
+{
+    QTemporaryDir home;
+    const ToolRun page = Swtool({"print", SourcePath("resources/demo/twinkle.kar")}, home.path());
+    ASSERT_EQ(page.exitCode, 0) << page.err.toStdString();
+    EXPECT_TRUE(page.out.contains("Twinkle, twinkle, little star,<br>")) << page.out.toStdString();
+    EXPECT_TRUE(page.out.contains("How I wonder what you are!<br>")) << "the last line too";
+
+    const QString tune = home.filePath("tune.kar");
+    WriteFileBytes(tune, "MThd\0\0");
+    const ToolRun damaged = Swtool({"print", tune}, home.path());
+    EXPECT_EQ(damaged.exitCode, 1) << "no words: no blank page";
+}
