@@ -9,7 +9,10 @@
 #include "support/ScriptedDialogs.h"
 #include "ui/playlist/UserList.h"
 
+#include <QAction>
 #include <QApplication>
+#include <QDir>
+#include <QMenu>
 #include <QFileDialog>
 #include <QListView>
 #include <QMimeData>
@@ -189,4 +192,29 @@ TEST_F(PlaylistWindow, AListWithNoSongsSaysSoAndKeepsTheRows)
     ASSERT_EQ(dialogs.messages.size(), 1);
     EXPECT_TRUE(dialogs.messages[0].startsWith(QStringLiteral("info: The playlist names no songs:")));
     EXPECT_TRUE(dialogs.messages[0].endsWith(dir.filePath("empty.pls")));
+}
+
+TEST_F(PlaylistWindow, AddFolderAddsItsSongsAndThoseOfItsFoldersFromTheButtonAndTheMenu)
+{
+    QDir(dir.path()).mkpath(QStringLiteral("album/disc 2"));
+    WriteRampWav(dir.filePath("album/b.wav"), 4800);
+    WriteRampWav(dir.filePath("album/disc 2/a.wav"), 4800);
+    WriteFileBytes(dir.filePath("album/cover.txt"), "not a song");
+    QStringList offered;
+    for (QAction* action : list.Menu(QStringLiteral("Bt1"))->actions())
+        offered << action->data().toString();
+    EXPECT_EQ(offered, (QStringList{"AddSongs", "AddFolder"})) << "the Add button's menu";
+    QStringList context;
+    for (QAction* action : list.Menu(QStringLiteral("MNU"))->actions())
+        context << action->data().toString();
+    EXPECT_TRUE(context.contains("AddFolder"));
+
+    dialogs.files = {dir.filePath("album")};
+    list.Command(QStringLiteral("AddFolder"));
+    ASSERT_TRUE(WaitForProbedRows(songs, 2));
+    EXPECT_EQ(songs.ListCount(), 2) << "the text file is no song";
+    EXPECT_EQ(songs.ItemPath(0), dir.filePath("album/b.wav"));
+    EXPECT_EQ(songs.ItemPath(1), dir.filePath("album/disc 2/a.wav"));
+    list.Command(QStringLiteral("AddFolder"));
+    EXPECT_EQ(songs.ListCount(), 2) << "a cancelled choice adds nothing";
 }

@@ -48,9 +48,11 @@ UserList::UserList(CoreState& state, Playlist& playlist, SettingsStore& store, D
     auto* grip = new QSizeGrip(this);
     grip->setObjectName(QStringLiteral("grip"));
 
+    MakeMenu(QStringLiteral("Bt1"), {{"AddSongs", "AddSongs"}, {"AddFolder", "AddFolder"}});
     MakeMenu(QStringLiteral("Bt4"), {{"SortAsc", "SortAsc"}, {"SortDesc", "SortDesc"}, {"SortRandom", "SortRandom"}});
     MakeMenu(QStringLiteral("Bt5"), {{"ListSave", "SavePlaylist"}, {"ListLoad", "LoadPlaylist"}});
-    MakeMenu(QStringLiteral("MNU"), {{"Play", "Play"}, {"Info", "FileInfo"}, {nullptr, nullptr}, {"Rem", "Remove"},
+    MakeMenu(QStringLiteral("MNU"), {{"Play", "Play"}, {"Info", "FileInfo"}, {nullptr, nullptr}, {"AddSongs", "AddSongs"},
+                                     {"AddFolder", "AddFolder"}, {nullptr, nullptr}, {"Rem", "Remove"},
                                      {"RemAll", "RemoveAll"}, {nullptr, nullptr}, {"SelAll", "SelectAll"},
                                      {"Rev", "SelectReverse"}, {"SelNone", "SelectNone"}, {nullptr, nullptr},
                                      {"SortAsc", "SortAsc"}, {"SortDesc", "SortDesc"}, {"SortRandom", "SortRandom"},
@@ -115,6 +117,14 @@ void UserList::fnAddSong()
     m_playlist.AppendFiles(files);
 }
 
+void UserList::fnAddFolder()
+{
+    const QString folder =
+        m_dialogs.ChooseFolder(QStringLiteral("SWV: ") + Text("AddFolder"), m_state.Theme ? m_state.Theme->MusicPath : QString());
+    if (!folder.isEmpty())
+        m_playlist.AppendFiles({folder});
+}
+
 QString UserList::PlaylistFilter(const QString& patterns) const
 {
     return DialogFilter(m_state.Language.GetRawText(QStringLiteral("FilterPlaylist")), patterns);
@@ -159,6 +169,10 @@ void UserList::Command(const QString& key)
         fnListSave();
     } else if (key == u"ListLoad") {
         fnListLoad();
+    } else if (key == u"AddSongs") {
+        fnAddSong();
+    } else if (key == u"AddFolder") {
+        fnAddFolder();
     } else if (key == u"Info" && ShowInfo) {
         ShowInfo();
     }
@@ -247,7 +261,7 @@ void UserList::mousePressEvent(QMouseEvent* event)
         if (!FootButton(i).contains(at))
             continue;
         switch (i) {
-        case 0: fnAddSong(); break;
+        case 0: Menu(QStringLiteral("Bt1"))->popup(mapToGlobal(FootButton(i).topLeft())); break;
         case 1: Command(QStringLiteral("Rem")); break;
         case 2: Menu(QStringLiteral("Bt4"))->popup(mapToGlobal(FootButton(i).topLeft())); break;
         case 3: Menu(QStringLiteral("Bt5"))->popup(mapToGlobal(FootButton(i).topLeft())); break;

@@ -35,6 +35,8 @@ public:
 
     // The dialogs of the window's commands.
     void fnAddSong();
+    // The songs of a folder and of the folders in it, as dropping the folder adds them.
+    void fnAddFolder();
     void fnListLoad();
     void fnListSave();
 
