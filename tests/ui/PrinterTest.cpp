@@ -4,9 +4,12 @@
 #include "core/Language.h"
 #include "core/Shell.h"
 #include "lyrics/LyricsData.h"
+#include "playback/PlayerState.h"
 #include "print/PrintSettings.h"
 #include "support/ScriptedDialogs.h"
 #include "support/TestSupport.h"
+#include "ui/kit/Palette.h"
+#include "ui/options/LyricOptions.h"
 #include "ui/print/Printer.h"
 
 #include <QApplication>
@@ -122,4 +125,18 @@ TEST_F(PrintDialog, PreviewLaysOutTheWrittenPageOnItsSheets)
     EXPECT_TRUE(bytes.contains("Twinkle twinkle<br>\r\nlittle star<br>\r\n"));
     EXPECT_EQ(printer.PreparePage(QStringLiteral("SWVLyrics")), QString::fromLatin1(bytes));
     EXPECT_TRUE(QFile::exists(GetTempFolder() + QStringLiteral("SWVLyrics.htm"))) << "printing writes its own page";
+}
+
+TEST_F(PrintDialog, ThePrintAndPreferencesDialogsWearTheProgramsColours)
+{
+    Printer printer(lyrics, store, language, dialogs);
+    EXPECT_EQ(printer.palette().color(QPalette::Window), ControlsPalette().color(QPalette::Window));
+    EXPECT_EQ(printer.palette().color(QPalette::ButtonText), ControlsPalette().color(QPalette::ButtonText));
+
+    PlayerState state;
+    state.Language.LoadTable(false);
+    state.Theme = std::make_unique<ThemeClass>(store, ThemeEnvironment{}, state.MonitorList);
+    LyricOptions options(state, store, dialogs);
+    EXPECT_EQ(options.palette().color(QPalette::Window), ControlsPalette().color(QPalette::Window));
+    EXPECT_EQ(options.palette().color(QPalette::Text), ControlsPalette().color(QPalette::Text));
 }

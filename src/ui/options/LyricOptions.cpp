@@ -8,6 +8,7 @@
 #include "karaoke/PicturePlacing.h"
 #include "playback/LatencyClicks.h"
 #include "playback/PlayerState.h"
+#include "ui/kit/Palette.h"
 #include "ui/kit/Pickers.h"
 
 #include <QButtonGroup>
@@ -97,6 +98,7 @@ LyricOptions::LyricOptions(PlayerState& state, SettingsStore& store, Dialogs& di
 {
     setObjectName(QStringLiteral("LyricOptions"));
     setWindowTitle(Text("PreferncesCaption"));
+    setPalette(ControlsPalette());
     m_tabs->addTab(BuildGeneral(), Text("TabGeneral"));
     m_tabs->addTab(BuildKaraoke(), Text("KaraokeFrame"));
     m_tabs->addTab(BuildColors(), Text("TabColors"));

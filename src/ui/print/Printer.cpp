@@ -4,6 +4,7 @@
 #include "core/Language.h"
 #include "print/LyricsDocument.h"
 #include "print/PrintedPages.h"
+#include "ui/kit/Palette.h"
 #include "ui/kit/Pickers.h"
 
 #include <QButtonGroup>
@@ -37,6 +38,7 @@ Printer::Printer(const std::vector<LyricItem>& lyrics, SettingsStore& store, con
 {
     setObjectName(QStringLiteral("Printer"));
     setWindowTitle(Text("PrintCaption"));
+    setPalette(ControlsPalette());
     m_printer.setDocName(QStringLiteral("SWVLyrics"));
     m_printer.setPageSize(QPageSize(QPageSize::A4));
 
