@@ -4,6 +4,7 @@
 #include "core/SettingsStore.h"
 
 #include <QStringList>
+#include <algorithm>
 
 namespace {
 
@@ -85,4 +86,23 @@ QPoint DefaultControlsPlace(const QRect& player, const QSize& size)
     if (player.top() - size.height() >= 0)
         return QPoint(player.left(), player.top() - size.height());
     return QPoint(player.left() + player.width(), player.top());
+}
+
+QRect PlaceBeside(const QRect& player, const QSize& size, const QRect& screen)
+{
+    const int w = size.width();
+    const int h = size.height();
+    const int besideTop = std::clamp(player.bottom() + 1 - h, screen.top(), std::max(screen.top(), screen.bottom() + 1 - h));
+    const int stackedLeft =
+        std::clamp(player.center().x() - w / 2, screen.left(), std::max(screen.left(), screen.right() + 1 - w));
+    const QRect candidates[] = {
+        QRect(QPoint(player.left() - w, besideTop), size),
+        QRect(QPoint(player.right() + 1, besideTop), size),
+        QRect(QPoint(stackedLeft, player.top() - h), size),
+        QRect(QPoint(stackedLeft, player.bottom() + 1), size),
+    };
+    for (const QRect& place : candidates)
+        if (screen.contains(place) && !place.intersects(player))
+            return place;
+    return QRect(screen.topLeft(), size);
 }

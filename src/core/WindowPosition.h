@@ -31,3 +31,6 @@ QPoint DefaultPlaylistPlace(const QRect& player);
 // Where the MIDI window goes the first time it opens: right above the main window, or beside it
 // when the main window stands at the top of the screen.
 QPoint DefaultControlsPlace(const QRect& player, const QSize& size);
+// Where a window opens the first time: beside the main window (left, right, above, then below)
+// where it fits whole on the screen without covering it; else at the screen's top left.
+QRect PlaceBeside(const QRect& player, const QSize& size, const QRect& screen);

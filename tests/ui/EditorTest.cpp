@@ -19,9 +19,11 @@
 
 #include <QCheckBox>
 #include <QFileInfo>
+#include <QGuiApplication>
 #include <QLineEdit>
 #include <QMenu>
 #include <QPlainTextEdit>
+#include <QScreen>
 #include <QTemporaryDir>
 #include <QTest>
 #include <deque>
@@ -561,6 +563,15 @@ TEST_F(EditorWindow, TheMenusShowTheirKeysAndTheKeysRunThemAnywhereInTheWindow)
     dialogs.saveChoice = SaveChoice::Discard;
     QTest::keyClick(&editor->List(), Qt::Key_N, Qt::ControlModifier);
     EXPECT_EQ(editor->Document().Count(), 0) << "New from the list";
+}
+
+TEST_F(EditorWindow, AFirstOpeningStandsBesideThePlayerNotOverIt)
+{
+    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+    windows.player.move(screen.right() - windows.player.width(), screen.bottom() - windows.player.height());
+    OpenEditor();
+    EXPECT_FALSE(editor->frameGeometry().intersects(windows.player.geometry()));
+    EXPECT_TRUE(screen.contains(editor->frameGeometry()));
 }
 
 TEST_F(EditorWindow, TheVersionCheckIsAPageThatPostsTheVersionToTheAddressOfTheSettings)

@@ -478,11 +478,9 @@ QString Editor::StatusText() const
 
 void Editor::Open()
 {
-    if (const auto saved = ReadWindowPosition(m_store, QStringLiteral("editor position"))) {
+    const auto saved = ReadWindowPosition(m_store, QStringLiteral("editor position"));
+    if (saved)
         setGeometry(*saved);
-    } else if (const QScreen* screen = QGuiApplication::primaryScreen()) {
-        move(screen->availableGeometry().center() - rect().center());
-    }
     ApplyLanguage();
     // The lyrics of the song that plays come into the editor; an empty editor takes up the song
     // even without them, so that its first taps show on the karaoke window.
@@ -497,6 +495,9 @@ void Editor::Open()
     FillEditorList();
     MeasureLab();
     Show();
+    // The first time, beside the player; the frame is known only once the window shows.
+    if (const QScreen* screen = QGuiApplication::primaryScreen(); !saved && screen)
+        move(PlaceBeside(m_forms.Player().Geometry(), frameGeometry().size(), screen->availableGeometry()).topLeft());
 }
 
 void Editor::Show()
