@@ -3,6 +3,7 @@
 #include "core/SettingsStore.h"
 #include "core/TextCodec.h"
 
+#include <QDir>
 #include <QFile>
 #include <QRegularExpression>
 
@@ -66,4 +67,9 @@ QString DialogFilter(const QString& languageText, const QString& patterns)
     const QString list = u'(' + patterns.split(u';', Qt::SkipEmptyParts).join(u' ') + u')';
     return (description.trimmed() + u' ' + list).trimmed() + QStringLiteral(";;") + allFiles.trimmed() +
            QStringLiteral(" (*)");
+}
+
+QString MessageNamingFile(const QString& text, const QString& path)
+{
+    return text + kCrLf + QDir::toNativeSeparators(path);
 }

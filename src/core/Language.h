@@ -28,3 +28,6 @@ public:
 // its own pattern list) with the command's patterns ("*.lrs", "*.mp3;*.ogg;"), then the
 // language's "All files" entry, as Qt lists them.
 QString DialogFilter(const QString& languageText, const QString& patterns);
+
+// A message that names a file on a line of its own under the text, as the desktop shows paths.
+QString MessageNamingFile(const QString& text, const QString& path);

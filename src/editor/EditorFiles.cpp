@@ -50,11 +50,8 @@ QString VersionCheckPage(const QString& address, const QString& version)
         .arg(address, version);
 }
 
-void TakeTitleFromTags(LyricItem& header, SongTags& tags)
+void TakeTitleFromTags(LyricItem& header, const SongTags& tags)
 {
-    if (!header.Artist.isEmpty() && !header.Title.isEmpty())
-        return;
-    tags.ReadTag();
     if (header.Artist.isEmpty())
         header.Artist = tags.Artist();
     if (header.Title.isEmpty())

@@ -17,8 +17,8 @@ QString NameWithExtension(const QString& chosen, const QString& extension);
 // The text file the editor offers for its lyrics' file: the same name ending in ".txt".
 QString DefaultTextName(const QString& editorFile);
 
-// The song's artist and title from its tags where the header has none.
-void TakeTitleFromTags(LyricItem& header, SongTags& tags);
+// The song's artist and title, as its tags were read, where the header has none.
+void TakeTitleFromTags(LyricItem& header, const SongTags& tags);
 
 // A text file's contents as the editor shows them, decoded as lyrics files are.
 QString ReadTextFile(const QString& path, bool polish);

@@ -11,7 +11,6 @@ void ResetLyricsData(LyricsState& lyrics)
     lyrics.PlayPictures.resize(1);
     lyrics.PlayLyrics.resize(1);
     lyrics.LyricsTitleText.clear();
-    lyrics.DamagedLyricsFile.clear();
 
     LyricItem& header = lyrics.PlayLyrics[0];
     header.Picture.clear();

@@ -65,7 +65,8 @@ struct LyricsState {
     int32_t CurrentLyric = 0;
     QString LongestLine;
     QString LyricsTitleText;
-    // The lyrics file or song whose lyrics could not be read, empty when none was damaged.
+    // The lyrics file or song whose lyrics the last LoadLyrics could not read; empty when none
+    // was damaged.
     QString DamagedLyricsFile;
     QByteArray RawLyricsText;  // the bytes of the last block or lyrics file read
 };

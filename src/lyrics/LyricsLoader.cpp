@@ -64,9 +64,7 @@ bool LoadTagLyrics(LyricsState& lyrics, const LyricsEnvironment& env)
 
 bool NoLyrics(LyricsState& lyrics, const LyricsEnvironment& env)
 {
-    const QString damaged = lyrics.DamagedLyricsFile;
     ResetLyricsData(lyrics);
-    lyrics.DamagedLyricsFile = damaged;
     lyrics.LyricsTitleText = MakeLyricsTitle(lyrics, env.Tags);
     return false;
 }
@@ -89,6 +87,7 @@ QByteArray ReadWholeFile(const QString& path)
 bool LoadLyrics(LyricsState& lyrics, const QString& songPath, const LyricsEnvironment& env)
 {
     ResetLyricsData(lyrics);
+    lyrics.DamagedLyricsFile.clear();
     // A song without lyrics of its own must not show the previous song's artist and title.
     lyrics.PlayLyrics[0] = LyricItem{};
 

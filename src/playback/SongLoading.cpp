@@ -9,7 +9,6 @@
 #include "playback/PlayerState.h"
 #include "playback/PlayerTransport.h"
 
-#include <QDir>
 #include <QFileInfo>
 
 QString SongListText(const MP3Class& song)
@@ -72,8 +71,8 @@ void PlayerTransport::ReportUnplayable(const QString& path)
         m_messages->Critical(m_unavailableKind);
         return;
     }
-    m_messages->Critical(m_state.Language.GetText(QStringLiteral("ErrorSongUnplayable")) + QStringLiteral("\r\n") +
-                         QDir::toNativeSeparators(path) + QStringLiteral("\r\n") + reason);
+    m_messages->Critical(MessageNamingFile(m_state.Language.GetText(QStringLiteral("ErrorSongUnplayable")), path) +
+                         QStringLiteral("\r\n") + reason);
 }
 
 void PlayerTransport::OpenAudioSong(const QString& path, bool autoplay)
@@ -209,8 +208,8 @@ void PlayerTransport::fnChangeSong(int index)
         m_state.PlayingIndex = int16_t(index);
         m_list.SetCurrentPlaying(index);
     } else if (m_messages && !QFileInfo(m_list.ItemPath(index)).isFile()) {
-        m_messages->Critical(m_state.Language.GetText(QStringLiteral("SongMissing")) + QStringLiteral("\r\n") +
-                             QDir::toNativeSeparators(m_list.ItemPath(index)));
+        m_messages->Critical(
+            MessageNamingFile(m_state.Language.GetText(QStringLiteral("SongMissing")), m_list.ItemPath(index)));
     }
 }
 

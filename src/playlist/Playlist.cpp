@@ -156,7 +156,7 @@ bool Playlist::RowCommand(const QString& key)
         m_model.SortRandom([] { return QRandomGenerator::global()->generateDouble(); });
     else
         return false;
-    if (key.startsWith(u"Rem"))
+    if (key == u"Rem" || key == u"RemAll")
         m_emptiedByUser = m_model.ListCount() == 0;
     emit changed();
     return true;

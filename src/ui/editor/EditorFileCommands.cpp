@@ -141,7 +141,8 @@ bool Editor::SaveAsLyricsFile()
         return false;
     const QString path = NameWithExtension(chosen, QStringLiteral("lrs"));
     std::vector<LyricItem> lyrics = m_state.Lyrics.EditLyrics;
-    if (!m_state.EditorFile.isEmpty() && QFileInfo(m_state.EditorFile).isFile()) {
+    const bool untitled = lyrics[0].Artist.isEmpty() || lyrics[0].Title.isEmpty();
+    if (untitled && !m_state.EditorFile.isEmpty() && QFileInfo(m_state.EditorFile).isFile()) {
         MP3Class song(m_state.Language.IsPolish);
         song.SetFilename(m_state.EditorFile);
         song.ReadFile();

@@ -10,7 +10,6 @@
 #include "ui/kit/Palette.h"
 
 #include <QContextMenuEvent>
-#include <QDir>
 #include <QFileInfo>
 #include <QMenu>
 #include <QMimeData>
@@ -140,7 +139,7 @@ void UserList::fnListLoad()
     const bool loaded = m_playlist.LoadListFile(path);
     show();
     if (!loaded)
-        m_dialogs.Inform(Text("PlaylistNoSongs") + QStringLiteral("\r\n") + QDir::toNativeSeparators(path));
+        m_dialogs.Inform(MessageNamingFile(Text("PlaylistNoSongs"), path));
 }
 
 void UserList::fnListSave()
