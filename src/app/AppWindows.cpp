@@ -4,6 +4,7 @@
 #include "core/Dialogs.h"
 #include "core/SiteAddresses.h"
 #include "core/WindowPosition.h"
+#include "ui/kit/Desktop.h"
 #include "playback/PlayerCommands.h"
 #include "playback/PlayerTransport.h"
 #include "ui/editor/Editor.h"
@@ -55,6 +56,7 @@ KaraokeForm& AppWindows::LoadLyric()
 {
     if (!m_lyric) {
         m_lyric = std::make_unique<LyricWindow>(m_state, m_state.Lyrics, m_store, m_state.Clock);
+        m_lyric->OpenBeside(ShownToolsArea());
         m_lyric->PlayerCommand = [this](const QString& key) {
             if (m_commands)
                 m_commands->MenuCommand(key);
@@ -64,6 +66,12 @@ KaraokeForm& AppWindows::LoadLyric()
             LyricLoaded(*m_lyric);
     }
     return *m_lyric;
+}
+
+QRect AppWindows::ShownToolsArea()
+{
+    const QRect player = Player().Geometry();
+    return m_userList && m_state.PlaylistOpen ? player | m_userList->Geometry() : player;
 }
 
 PlaylistForm* AppWindows::UserList()
@@ -100,10 +108,9 @@ ControlsForm& AppWindows::LoadMidiEq()
         m_midiEq = std::make_unique<::MidiEq>(m_state, m_store, m_docking);
         if (m_equalizer && m_voice)
             m_midiEq->AttachVoice(*m_equalizer, *m_voice);
-        if (const auto saved = ReadWindowPosition(m_store, QStringLiteral("eq position")))
-            m_midiEq->move(saved->topLeft());
-        else
-            m_midiEq->move(DefaultControlsPlace(Player().Geometry(), m_midiEq->size()));
+        const auto saved = ReadWindowPosition(m_store, QStringLiteral("eq position"));
+        const QPoint place = saved ? saved->topLeft() : DefaultControlsPlace(Player().Geometry(), m_midiEq->size());
+        PlaceOnScreen(*m_midiEq, QRect(place, m_midiEq->size()));
         m_loaded.push_back(m_midiEq.get());
     }
     return *m_midiEq;

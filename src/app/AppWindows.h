@@ -3,6 +3,7 @@
 // the wiring of their events to the commands and the transport.
 
 #include "core/Forms.h"
+#include "ui/kit/Desktop.h"
 #include "ui/kit/Docking.h"
 
 #include <functional>
@@ -56,8 +57,12 @@ public:
     LyricOptions* Preferences() { return m_options.get(); }
 
 private:
+    // The part of the screen the player and, when open, the playlist cover.
+    QRect ShownToolsArea();
+
     AppState& m_state;
     SettingsStore& m_store;
+    ScreenKeeper m_screenKeeper;
     Docking m_docking;
     std::unique_ptr<PlayerWindow> m_player;
     std::unique_ptr<LyricWindow> m_lyric;

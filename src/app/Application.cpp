@@ -87,22 +87,28 @@ bool Application::LoadPlayer()
 void Application::RestoreWindowPositions()
 {
     PlayerForm& player = m_forms.Player();
-    if (const auto saved = ReadPlayerPosition(m_platform.store)) {
-        player.MoveTo(saved->geometry.topLeft());
-        m_state.PlaylistOpen = saved->playlistOpen;
-        m_state.ControlsOpen = saved->controlsOpen;
+    const auto savedPlayer = ReadPlayerPosition(m_platform.store);
+    if (savedPlayer) {
+        player.MoveTo(savedPlayer->geometry.topLeft());
+        m_state.PlaylistOpen = savedPlayer->playlistOpen;
+        m_state.ControlsOpen = savedPlayer->controlsOpen;
     } else {
-        player.MoveTo(DefaultPlayerPlace(player.ScreenGeometry(), player.Geometry().size()));
         m_state.PlaylistOpen = true;
     }
 
     if (m_state.ControlsOpen)
         m_forms.LoadMidiEq();
     PlaylistForm& list = m_forms.LoadUserList();
-    if (const auto saved = ReadWindowPosition(m_platform.store, QStringLiteral("userlist position")))
+    if (const auto saved = ReadWindowPosition(m_platform.store, QStringLiteral("userlist position"))) {
         list.SetGeometry(*saved);
-    else
+    } else if (savedPlayer) {
         list.MoveTo(DefaultPlaylistPlace(player.Geometry()));
+    } else {
+        const FirstRunPlaces places =
+            ArrangeFirstRun(player.ScreenGeometry(), player.Geometry().size(), list.Geometry().size());
+        player.MoveTo(places.player.topLeft());
+        list.SetGeometry(places.playlist);
+    }
 }
 
 void Application::ShowToolWindows()

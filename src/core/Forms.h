@@ -80,6 +80,8 @@ public:
 
 class PlaylistForm : public Form {
 public:
+    // Logical pixels.
+    virtual QRect Geometry() const = 0;
     virtual void SetGeometry(const QRect& geometry) = 0;
     virtual void MoveTo(QPoint topLeft) = 0;
 };

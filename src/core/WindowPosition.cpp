@@ -106,3 +106,86 @@ QRect PlaceBeside(const QRect& player, const QSize& size, const QRect& screen)
             return place;
     return QRect(screen.topLeft(), size);
 }
+
+QRect KeepOnScreen(const QRect& window, const QRect& screen)
+{
+    const QSize size = window.size().boundedTo(screen.size());
+    const int left = std::clamp(window.left(), screen.left(), screen.right() + 1 - size.width());
+    const int top = std::clamp(window.top(), screen.top(), screen.bottom() + 1 - size.height());
+    return QRect(QPoint(left, top), size);
+}
+
+namespace {
+
+// A playlist shorter than this shows too few rows to be of use; the screen gives way first.
+constexpr int kShortestFirstPlaylist = 120;
+
+QSize KaraokeSizeIn(const QSize& room)
+{
+    const double scale = std::min({1.0, double(room.width()) / kKaraokeFirstSize.width(),
+                                   double(room.height()) / kKaraokeFirstSize.height()});
+    return QSize(int(kKaraokeFirstSize.width() * scale), int(kKaraokeFirstSize.height() * scale));
+}
+
+int Area(const QSize& size) { return size.width() * size.height(); }
+
+// Narrower than this, the karaoke window would show only a few letters a line.
+constexpr int kSmallestKaraokeWidth = 160;
+
+// The karaoke window's largest place beside `taken` that leaves it uncovered; an empty rectangle
+// when no part of the screen beside it has a useful size.
+QRect KaraokeRoom(const QRect& screen, const QRect& taken)
+{
+    const QRect inside = taken & screen;
+    if (inside.isEmpty())
+        return QRect(screen.topLeft(), KaraokeSizeIn(screen.size()));
+    const QRect rooms[] = {
+        QRect(QPoint(screen.left(), screen.top()), QPoint(screen.right(), inside.top() - 1)),
+        QRect(QPoint(screen.left(), screen.top()), QPoint(inside.left() - 1, screen.bottom())),
+        QRect(QPoint(inside.right() + 1, screen.top()), QPoint(screen.right(), screen.bottom())),
+        QRect(QPoint(screen.left(), inside.bottom() + 1), QPoint(screen.right(), screen.bottom())),
+    };
+    QRect best;
+    for (const QRect& room : rooms) {
+        if (room.isEmpty())
+            continue;
+        const QSize size = KaraokeSizeIn(room.size());
+        if (Area(size) <= Area(best.size()))
+            continue;
+        best = QRect(QPoint(room.left() + (room.width() - size.width()) / 2,
+                            room.top() + (room.height() - size.height()) / 2),
+                     size);
+    }
+    return best.width() < kSmallestKaraokeWidth ? QRect() : best;
+}
+
+} // namespace
+
+QRect PlaceKaraoke(const QRect& screen, const QRect& taken)
+{
+    const QRect room = KaraokeRoom(screen, taken);
+    return room.isEmpty() ? KeepOnScreen(QRect(screen.topLeft(), kKaraokeFirstSize), screen) : room;
+}
+
+FirstRunPlaces ArrangeFirstRun(const QRect& screen, const QSize& player, const QSize& playlist)
+{
+    const int listHeight =
+        std::min(playlist.height(), std::max(screen.height() - player.height(), kShortestFirstPlaylist));
+    const QSize column(std::max(player.width(), playlist.width()), player.height() + listHeight);
+    const QPoint centred = DefaultPlayerPlace(screen, player);
+    const int top = std::clamp(centred.y(), screen.top(), std::max(screen.top(), screen.bottom() + 1 - column.height()));
+    const int lefts[] = {std::clamp(centred.x(), screen.left(), std::max(screen.left(), screen.right() + 1 - column.width())),
+                         screen.right() + 1 - column.width(), screen.left()};
+
+    int chosenLeft = lefts[0];
+    int room = -1;
+    for (const int left : lefts) {
+        const int karaoke = Area(KaraokeRoom(screen, QRect(QPoint(left, top), column)).size());
+        if (karaoke > room) {
+            room = karaoke;
+            chosenLeft = left;
+        }
+    }
+    return {KeepOnScreen(QRect(QPoint(chosenLeft, top), player), screen),
+            KeepOnScreen(QRect(QPoint(chosenLeft, top + player.height()), QSize(playlist.width(), listHeight)), screen)};
+}

@@ -34,3 +34,20 @@ QPoint DefaultControlsPlace(const QRect& player, const QSize& size);
 // Where a window opens the first time: beside the main window (left, right, above, then below)
 // where it fits whole on the screen without covering it; else at the screen's top left.
 QRect PlaceBeside(const QRect& player, const QSize& size, const QRect& screen);
+
+// A window whole on the screen: cut to the screen's size when larger, moved in by the least.
+QRect KeepOnScreen(const QRect& window, const QRect& screen);
+
+// The first run: the player over the playlist, both whole on the screen, the playlist made shorter
+// when the screen is low, and the pair placed where the karaoke window keeps the most room.
+struct FirstRunPlaces {
+    QRect player;
+    QRect playlist;
+};
+FirstRunPlaces ArrangeFirstRun(const QRect& screen, const QSize& player, const QSize& playlist);
+
+// The karaoke window's size when nothing is in its way.
+constexpr QSize kKaraokeFirstSize(800, 450);
+// Where the karaoke window opens the first time: in the largest part of the screen beside the
+// windows `taken` covers, in its own proportions, as large as fits up to kKaraokeFirstSize.
+QRect PlaceKaraoke(const QRect& screen, const QRect& taken);

@@ -78,6 +78,7 @@ class FakePlaylistWindow final : public PlaylistForm, FakeForm {
 public:
     explicit FakePlaylistWindow(Journal& j) : FakeForm(j, QStringLiteral("UserList")) {}
     FAKE_FORM_BASICS
+    QRect Geometry() const override { return geometry; }
     void SetGeometry(const QRect& g) override
     {
         geometry = g;
@@ -88,7 +89,7 @@ public:
         geometry.moveTopLeft(p);
         Log(QStringLiteral("MoveTo %1,%2").arg(p.x()).arg(p.y()));
     }
-    QRect geometry;
+    QRect geometry{0, 0, 360, 300};
 };
 
 class FakeSongList final : public SongList {

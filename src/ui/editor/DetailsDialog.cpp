@@ -43,7 +43,7 @@ constexpr std::pair<const char*, int> kTextPlaces[] = {{"DetailsTextTop", 1}, {"
 constexpr std::pair<const char*, int> kPicturePlaces[] = {{"DetailsTop", 1}, {"DetailsCenter", 0},
                                                           {"DetailsBottom", 2}};
 const QSize kPreviewSize(192, 108);
-const QSize kMinimumSize(640, 520);
+const QSize kOpeningSize(640, 520);
 
 // Sets the option of a value, or none for a value no option has.
 void CheckOption(QButtonGroup* group, int id)
@@ -74,7 +74,7 @@ DetailsDialog::DetailsDialog(LyricsState& lyrics, const ThemeClass& theme, const
     setWindowTitle(Text("DetailsCaption"));
     setPalette(ControlsPalette());
     setModal(true);
-    setMinimumSize(kMinimumSize);
+    resize(kOpeningSize);
 
     EditPicture = [this](const PictureItem* row, const QImage& before) -> std::optional<PictureItem> {
         PictureDialog dialog(row, before, m_theme, m_language, m_dialogs, m_baseFolder, this);
@@ -85,8 +85,8 @@ DetailsDialog::DetailsDialog(LyricsState& lyrics, const ThemeClass& theme, const
 
     m_tabs = new QTabWidget;
     m_tabs->setObjectName(QStringLiteral("TB"));
-    m_tabs->addTab(BuildGeneralTab(), Text("DetailsGeneral"));
-    m_tabs->addTab(BuildImagesTab(), Text("DetailsImages"));
+    m_tabs->addTab(ScrollingPage(BuildGeneralTab()), Text("DetailsGeneral"));
+    m_tabs->addTab(ScrollingPage(BuildImagesTab()), Text("DetailsImages"));
 
     auto* clear = new QPushButton(Text("ButtonClear"));
     clear->setObjectName(QStringLiteral("bClear"));

@@ -28,7 +28,6 @@
 #include <QPainterPath>
 #include <QPlainTextEdit>
 #include <QPushButton>
-#include <QScreen>
 #include <QSplitter>
 #include <QStatusBar>
 #include <QToolBar>
@@ -480,7 +479,7 @@ void Editor::Open()
 {
     const auto saved = ReadWindowPosition(m_store, QStringLiteral("editor position"));
     if (saved)
-        setGeometry(*saved);
+        PlaceOnScreen(*this, *saved);
     ApplyLanguage();
     // The lyrics of the song that plays come into the editor; an empty editor takes up the song
     // even without them, so that its first taps show on the karaoke window.
@@ -496,8 +495,11 @@ void Editor::Open()
     MeasureLab();
     Show();
     // The first time, beside the player; the frame is known only once the window shows.
-    if (const QScreen* screen = QGuiApplication::primaryScreen(); !saved && screen)
-        move(PlaceBeside(m_forms.Player().Geometry(), frameGeometry().size(), screen->availableGeometry()).topLeft());
+    if (!saved) {
+        const QRect player = m_forms.Player().Geometry();
+        move(PlaceBeside(player, frameGeometry().size(), AvailableScreenAt(player)).topLeft());
+        PlaceOnScreen(*this, geometry());
+    }
 }
 
 void Editor::Show()

@@ -156,10 +156,14 @@ PictureDialog::PictureDialog(const PictureItem* row, const QImage& before, const
     connect(ok, &QPushButton::clicked, this, &PictureDialog::Accept);
     connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
 
+    auto* body = new QWidget;
+    auto* bodyLayout = new QVBoxLayout(body);
+    bodyLayout->setContentsMargins(0, 0, 0, 0);
+    bodyLayout->addLayout(file);
+    bodyLayout->addWidget(effectBox);
+    bodyLayout->addWidget(previewBox);
     auto* layout = new QVBoxLayout(this);
-    layout->addLayout(file);
-    layout->addWidget(effectBox);
-    layout->addWidget(previewBox);
+    layout->addWidget(ScrollingPage(body));
     layout->addWidget(buttons);
 
     // A new row starts from the settings' effect; speeds outside the slider's range come to it.

@@ -19,7 +19,6 @@ constexpr int kLastTimerMs = 8000;
 // A transition's frames are due by its own pace, but never more often than the lyrics' tick:
 // a late timer skips to the frame of its moment, so the run keeps its length.
 constexpr double kShortestFrameMs = 10.0;
-const QSize kDefaultSize(800, 450);
 
 const std::vector<MenuItem> kMenu = {
     {"Fullscreen", "Fullscreen"}, {"FitLyrics", "FitText"}, {nullptr, nullptr},
@@ -60,10 +59,12 @@ LyricWindow::LyricWindow(CoreState& state, LyricsState& lyrics, SettingsStore& s
         m_transitionTimer.start(int(std::max(kShortestFrameMs, intervalMs)));
     };
 
-    if (const auto saved = ReadWindowPosition(m_store, kPositionKey))
-        setGeometry(*saved);
+    const auto saved = ReadWindowPosition(m_store, kPositionKey);
+    m_placed = saved.has_value();
+    if (saved)
+        PlaceOnScreen(*this, *saved);
     else
-        resize(kDefaultSize);
+        resize(kKaraokeFirstSize);
     m_framedGeometry = geometry();
 }
 
@@ -72,9 +73,31 @@ LyricWindow::~LyricWindow() = default;
 void LyricWindow::Show()
 {
     show();
+    // The frame is known once the window shows: the first place is measured again with it.
+    PlaceBesideWithFrame();
     Rebuild();
     if (windowHandle())
         connect(windowHandle(), &QWindow::screenChanged, this, &LyricWindow::Rebuild, Qt::UniqueConnection);
+}
+
+void LyricWindow::OpenBeside(const QRect& taken)
+{
+    if (m_placed)
+        return;
+    m_besideArea = taken;
+    setGeometry(PlaceKaraoke(AvailableScreenAt(taken), taken));
+    m_framedGeometry = geometry();
+    m_placed = true;
+}
+
+void LyricWindow::PlaceBesideWithFrame()
+{
+    if (!m_besideArea)
+        return;
+    const QRect framed = PlaceKaraoke(AvailableScreenAt(*m_besideArea), *m_besideArea);
+    setGeometry(framed.marginsRemoved(FrameMargins(*this)));
+    m_framedGeometry = geometry();
+    m_besideArea.reset();
 }
 
 void LyricWindow::Hide()

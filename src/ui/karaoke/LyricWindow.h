@@ -9,6 +9,7 @@
 #include <QTimer>
 #include <QWidget>
 #include <functional>
+#include <optional>
 
 class SettingsStore;
 
@@ -19,6 +20,9 @@ public:
     ~LyricWindow() override;
 
     void Show() override;
+    // Where the window goes when it has no place of its own yet: beside the windows `taken`
+    // covers, whole on their screen.
+    void OpenBeside(const QRect& taken);
     void Hide() override;
     void Minimize() override { showMinimized(); }
     void SetTopMost(bool flag) override;
@@ -55,6 +59,7 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
+    void PlaceBesideWithFrame();
     void Rebuild();
     QScreen* ChosenScreen() const;
 
@@ -65,4 +70,7 @@ private:
     QTimer m_lastTimer;
     QTimer m_transitionTimer;
     QRect m_framedGeometry;
+    bool m_placed = false;
+    // The windows the first place stands beside, until the window has shown with its frame.
+    std::optional<QRect> m_besideArea;
 };

@@ -8,6 +8,7 @@
 #include "karaoke/PicturePlacing.h"
 #include "playback/LatencyClicks.h"
 #include "playback/PlayerState.h"
+#include "ui/kit/Desktop.h"
 #include "ui/kit/Palette.h"
 #include "ui/kit/Pickers.h"
 
@@ -99,12 +100,12 @@ LyricOptions::LyricOptions(PlayerState& state, SettingsStore& store, Dialogs& di
     setObjectName(QStringLiteral("LyricOptions"));
     setWindowTitle(Text("PreferncesCaption"));
     setPalette(ControlsPalette());
-    m_tabs->addTab(BuildGeneral(), Text("TabGeneral"));
-    m_tabs->addTab(BuildKaraoke(), Text("KaraokeFrame"));
-    m_tabs->addTab(BuildColors(), Text("TabColors"));
-    m_tabs->addTab(BuildPictures(), Text("TabPicture"));
-    m_tabs->addTab(BuildSound(), Text("TabAudio"));
-    m_tabs->addTab(BuildKeyboard(), Text("TabShortcuts"));
+    m_tabs->addTab(ScrollingPage(BuildGeneral()), Text("TabGeneral"));
+    m_tabs->addTab(ScrollingPage(BuildKaraoke()), Text("KaraokeFrame"));
+    m_tabs->addTab(ScrollingPage(BuildColors()), Text("TabColors"));
+    m_tabs->addTab(ScrollingPage(BuildPictures()), Text("TabPicture"));
+    m_tabs->addTab(ScrollingPage(BuildSound()), Text("TabAudio"));
+    m_tabs->addTab(ScrollingPage(BuildKeyboard()), Text("TabShortcuts"));
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(m_tabs);
     layout->addWidget(BuildButtons());

@@ -340,7 +340,7 @@ QRect PlayerWindow::ScreenGeometry() const
     return s ? s->availableGeometry() : QRect(0, 0, 1280, 800);
 }
 
-void PlayerWindow::MoveTo(QPoint topLeft) { move(topLeft); }
+void PlayerWindow::MoveTo(QPoint topLeft) { PlaceOnScreen(*this, QRect(topLeft, size())); }
 
 void PlayerWindow::SetTimeText(const QString& text)
 {

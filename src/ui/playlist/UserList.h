@@ -5,6 +5,7 @@
 #include "core/CoreState.h"
 #include "core/Forms.h"
 #include "playlist/Playlist.h"
+#include "ui/kit/Desktop.h"
 #include "ui/kit/KeyedMenu.h"
 #include "ui/playlist/FlatList.h"
 
@@ -30,8 +31,9 @@ public:
     void Minimize() override { showMinimized(); }
     void SetTopMost(bool flag) override;
     void Unload() override;
-    void SetGeometry(const QRect& geometry) override { setGeometry(geometry); }
-    void MoveTo(QPoint topLeft) override { move(topLeft); }
+    QRect Geometry() const override { return geometry(); }
+    void SetGeometry(const QRect& geometry) override { PlaceOnScreen(*this, geometry); }
+    void MoveTo(QPoint topLeft) override { PlaceOnScreen(*this, QRect(topLeft, size())); }
 
     // The dialogs of the window's commands.
     void fnAddSong();
