@@ -77,6 +77,7 @@ bool Application::LoadPlayer()
     m_state.SkinName = QStringLiteral("Default");
     player.ApplySkin();
     RestoreWindowPositions();
+    m_state.Recent.Read(m_platform.store);
     player.BuildMenus();
     ResetLyricsData(m_state.Lyrics);
     player.SetTimeText(QStringLiteral("00:00"));
@@ -187,6 +188,7 @@ void Application::CloseApp()
     // The rows outlive their window: they are saved also when it was never shown.
     m_state.Songs.SaveAtExit(PlaylistIniPath(m_platform.dataFolder));
 
+    m_state.Recent.Write(m_platform.store);
     m_state.Theme->Save();
     m_state.Theme.reset();
     m_platform.endProcess();

@@ -4,6 +4,7 @@
 
 #include "core/Language.h"
 #include "core/Monitors.h"
+#include "core/RecentFiles.h"
 #include "core/ThemeClass.h"
 
 #include <QString>
@@ -30,4 +31,5 @@ struct CoreState {
     int16_t HoverButton = 0;
     int16_t PreferencesTab = 0;
     QString SkinName;
+    RecentFiles Recent;
 };

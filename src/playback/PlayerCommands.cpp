@@ -118,6 +118,22 @@ void PlayerCommands::OpenFileDialog()
         ChooseAndOpenFiles();
 }
 
+void PlayerCommands::OpenRecent(const QString& number)
+{
+    bool ok = false;
+    const int index = number.toInt(&ok);
+    const QStringList& paths = m_state.Recent.Paths();
+    if (!ok || m_state.Recording || m_state.EditorOpen || index < 0 || index >= paths.size())
+        return;
+    const QString path = paths[index];
+    if (!QFileInfo(path).isFile()) {
+        m_state.Recent.Remove(path);
+        m_dialogs.Critical(MessageNamingFile(m_state.Language.GetText(QStringLiteral("SongMissing")), path));
+        return;
+    }
+    m_transport.OpenFiles({path});
+}
+
 bool PlayerCommands::ChooseAndOpenFiles()
 {
     const QString title = QStringLiteral("SWV: ") + m_state.Language.GetText(QStringLiteral("DialogAddFiles"));
@@ -219,6 +235,10 @@ void PlayerCommands::MenuCommand(const QString& key)
         m_forms.Player().SetTimeStyle(QStringLiteral("CURRENT"));
     else if (key == u"Elapsed")
         m_forms.Player().SetTimeStyle(QStringLiteral("ELAPSED"));
+    else if (key == u"RecentClear")
+        m_state.Recent.Clear();
+    else if (key.startsWith(u"Recent"))
+        OpenRecent(key.mid(6));
     else if (key == u"Exit" && CloseApp)
         CloseApp();
     else if (key == u"TrayRestore" || key == u"TrayExit")

@@ -174,6 +174,7 @@ void PlayerTransport::OpenFromCommandLine(const QString& commandLine)
     const QString path = CommandLineSongPath(commandLine);
     if (!OpenSong(path, false) || !m_state.CurrentInfo)
         return;
+    m_state.Recent.Add(m_state.CurrentFile);
     m_list.ClearList();
     m_list.AddItem(SongListText(*m_state.CurrentInfo), FormatTime(m_state.CurrentInfo->Length()), path);
     m_state.PlayingIndex = 0;
@@ -194,6 +195,8 @@ void PlayerTransport::OpenFiles(const QStringList& files)
     m_list.AddItem(SongListText(first), FormatTime(std::max(0.0, first.Length())), files.first());
     // The first song plays while the others are still being read.
     fnChangeSong(0);
+    if (m_state.CurrentFile == files.first())
+        m_state.Recent.Add(files.first());
     m_list.AppendFiles(files.mid(1));
 }
 

@@ -152,3 +152,45 @@ TEST_F(Commands, TheOpenDialogIsRefusedWhileEditingAndItsFilesBecomeThePlaylist)
     EXPECT_EQ(list.playing, 0) << "the first row is marked as it starts";
     EXPECT_EQ(state.Theme->MusicPath, "/nowhere");
 }
+
+TEST_F(Commands, SongsOpenedByNameComeBackFromTheRecentFilesAndAMissingOneIsNamedAndDropped)
+{
+    StartManualEngine(state);
+    const QString wav = MediaFixture("pcm16-stereo.wav");
+    const QString ogg = MediaFixture("comments.ogg");
+    dialogs.chosen = {wav, ogg};
+    commands.OpenFileDialog();
+    EXPECT_EQ(state.Recent.Paths(), QStringList{wav}) << "the song that played, not every file chosen";
+
+    transport.OpenFromCommandLine(ogg);
+    EXPECT_EQ(state.Recent.Paths(), QStringList({ogg, wav}));
+
+    commands.MenuCommand("Recent1");
+    EXPECT_EQ(state.CurrentFile, wav);
+    EXPECT_EQ(list.paths, QStringList{wav}) << "a recent song becomes the playlist, as the Open dialog's do";
+    EXPECT_EQ(state.Recent.Paths(), QStringList({wav, ogg}));
+
+    dialogs.chosen = {MediaFixture("not-audio.txt")};
+    commands.OpenFileDialog();
+    EXPECT_EQ(state.Recent.Paths(), QStringList({wav, ogg})) << "a file that did not open is not listed";
+
+    state.Recent.Add(QStringLiteral("/nowhere/gone.kar"));
+    dialogs.messages.clear();
+    commands.MenuCommand("Recent0");
+    ASSERT_EQ(dialogs.messages.size(), 1);
+    EXPECT_TRUE(dialogs.messages[0].contains("/nowhere/gone.kar")) << dialogs.messages[0].toStdString();
+    EXPECT_EQ(state.Recent.Paths(), QStringList({wav, ogg})) << "gone from the list";
+
+    commands.MenuCommand("Recent0");
+    ASSERT_EQ(state.CurrentFile, wav);
+    state.EditorOpen = true;
+    commands.MenuCommand("Recent1");
+    EXPECT_EQ(state.CurrentFile, wav) << "refused while editing, as the Open dialog is";
+    state.EditorOpen = false;
+    commands.MenuCommand("Recent9");
+    commands.MenuCommand("RecentX");
+    EXPECT_EQ(state.CurrentFile, wav);
+
+    commands.MenuCommand("RecentClear");
+    EXPECT_TRUE(state.Recent.Paths().isEmpty());
+}

@@ -144,7 +144,7 @@ TEST_F(MainWindow, MenusCarryTheirKeysAndControlStaysInert)
     for (QAction* action : main->actions())
         if (!action->isSeparator())
             keys << (action->menu() ? action->menu()->objectName() : action->data().toString());
-    EXPECT_EQ(keys, (QStringList{"About", "Open", "Info", "List", "Control", "Karaoke", "Editor", "Microphone", "Record",
+    EXPECT_EQ(keys, (QStringList{"About", "Open", "Recent", "Info", "List", "Control", "Karaoke", "Editor", "Microphone", "Record",
                                  "Voice", "Options", "Player", "HelpMe", "Keyboard", "Exit"}));
     QStringList tray;
     for (QAction* action : windows.player.Menu("TrayMenu")->actions())
@@ -173,4 +173,29 @@ TEST_F(MainWindow, TheTrayHidesTheWindowsAndBringsThemBack)
     EXPECT_FALSE(state.InTray);
     EXPECT_TRUE(windows.player.isVisible());
     EXPECT_TRUE(journal.calls.contains("Lyric.Show"));
+}
+
+TEST_F(MainWindow, TheRecentFilesMenuNumbersTheSongsAsTheyAreWhenItOpens)
+{
+    QMenu* recent = windows.player.Menu("Recent");
+    ASSERT_NE(recent, nullptr);
+    emit recent->aboutToShow();
+    ASSERT_EQ(recent->actions().size(), 1);
+    EXPECT_FALSE(recent->actions()[0]->isEnabled()) << "nothing to clear";
+
+    for (int i = 10; i >= 0; --i)
+        state.Recent.Add(QStringLiteral("/missing/Rock & Roll %1.kar").arg(i));
+    emit recent->aboutToShow();
+    const QList<QAction*> actions = recent->actions();
+    ASSERT_EQ(actions.size(), RecentFiles::kKept + 2);
+    EXPECT_EQ(actions[0]->text(), "&1 Rock && Roll 0.kar");
+    EXPECT_EQ(actions[0]->toolTip(), "/missing/Rock & Roll 0.kar");
+    EXPECT_EQ(actions[9]->text(), "1&0 Rock && Roll 9.kar");
+    EXPECT_TRUE(actions[10]->isSeparator());
+
+    actions[1]->trigger();
+    ASSERT_EQ(dialogs.messages.size(), 1) << "the missing song is named";
+    EXPECT_TRUE(dialogs.messages[0].contains("Rock & Roll 1.kar"));
+    actions[11]->trigger();
+    EXPECT_TRUE(state.Recent.Paths().isEmpty());
 }

@@ -5,6 +5,7 @@
 #include "ui/kit/Desktop.h"
 #include "ui/kit/Docking.h"
 
+#include <QFileInfo>
 #include <QCloseEvent>
 #include <QFontMetrics>
 #include <QIcon>
@@ -103,13 +104,36 @@ void PlayerWindow::BuildMenus()
                                          {"Elapsed", "TimeElapsed"}});
     MakeMenu(QStringLiteral("Player"),
              {{"Previous", "Previous"}, {"Play", "Play"}, {"Pause", "Pause"}, {"Stop", "Stop"}, {"Next", "Next"}});
+    QMenu* recent = MakeMenu(QStringLiteral("Recent"), {});
+    connect(recent, &QMenu::aboutToShow, this, [this, recent] { FillRecentMenu(*recent); });
     MakeMenu(QStringLiteral("Main"),
-             {{"About", "About"}, {nullptr, nullptr}, {"Open", "FileOpen"}, {"Info", "FileInfo"}, {nullptr, nullptr},
+             {{"About", "About"}, {nullptr, nullptr}, {"Open", "FileOpen"}, {"Recent", "RecentFiles"}, {"Info", "FileInfo"},
+              {nullptr, nullptr},
               {"List", "UserList"}, {"Control", "Controls"}, {"Karaoke", "KaraokeWindow"}, {"Editor", "Editor"},
               {nullptr, nullptr}, {"Microphone", "SwitchMicrophone"}, {"Record", "Record"}, {"Voice", "YourVoice"},
               {nullptr, nullptr}, {"Options", "Options"}, {"Player", "Playback"}, {nullptr, nullptr},
               {"HelpMe", "MnuHelp"}, {"Keyboard", "Keyboard"}, {nullptr, nullptr}, {"Exit", "Exit"}});
     MakeMenu(QStringLiteral("TrayMenu"), {{"TrayRestore", "Restore"}, {"TrayExit", "Exit"}});
+}
+
+void PlayerWindow::FillRecentMenu(QMenu& menu)
+{
+    menu.clear();
+    const QStringList& paths = m_state.Recent.Paths();
+    for (int i = 0; i < paths.size(); ++i) {
+        // "&1" to "&9", then "1&0": each file has its key.
+        const QString number = i < 9 ? QStringLiteral("&%1").arg(i + 1) : QStringLiteral("1&0");
+        QAction* action = menu.addAction(number + u' ' + QFileInfo(paths[i]).fileName().replace(u'&', QStringLiteral("&&")));
+        action->setToolTip(paths[i]);
+        const QString key = QStringLiteral("Recent%1").arg(i);
+        connect(action, &QAction::triggered, this, [this, key] { emit menuCommand(key); });
+    }
+    menu.setToolTipsVisible(true);
+    if (!paths.isEmpty())
+        menu.addSeparator();
+    QAction* clear = menu.addAction(Text("RecentClear"));
+    clear->setEnabled(!paths.isEmpty());
+    connect(clear, &QAction::triggered, this, [this] { emit menuCommand(QStringLiteral("RecentClear")); });
 }
 
 QMenu* PlayerWindow::Menu(const QString& name) const

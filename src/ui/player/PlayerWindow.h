@@ -87,6 +87,8 @@ private:
     void PaintSlider(QPainter& painter, const QRect& well, double value);
     double SliderValueAt(const QRect& well, int x) const;
     QMenu* MakeMenu(const QString& name, const std::vector<MenuItem>& items);
+    // The recent songs, numbered, as they are when the menu opens.
+    void FillRecentMenu(QMenu& menu);
 
     CoreState& m_state;
     SettingsStore& m_store;
