@@ -57,6 +57,7 @@ KaraokeForm& AppWindows::LoadLyric()
     if (!m_lyric) {
         m_lyric = std::make_unique<LyricWindow>(m_state, m_state.Lyrics, m_store, m_state.Clock);
         m_lyric->OpenBeside(ShownToolsArea());
+        m_lyric->Midi = &m_state.Midi;
         m_lyric->PlayerCommand = [this](const QString& key) {
             if (m_commands)
                 m_commands->MenuCommand(key);
@@ -106,6 +107,10 @@ ControlsForm& AppWindows::LoadMidiEq()
 {
     if (!m_midiEq) {
         m_midiEq = std::make_unique<::MidiEq>(m_state, m_store, m_docking);
+        m_midiEq->PlayerCommand = [this](const QString& key) {
+            if (m_commands)
+                m_commands->MenuCommand(key);
+        };
         if (m_equalizer && m_voice)
             m_midiEq->AttachVoice(*m_equalizer, *m_voice);
         const auto saved = ReadWindowPosition(m_store, QStringLiteral("eq position"));

@@ -9,6 +9,7 @@
 #include <QTemporaryDir>
 #include <algorithm>
 #include <cmath>
+#include <optional>
 #include <utility>
 
 namespace {
@@ -16,6 +17,7 @@ namespace {
 constexpr double kLeadInSeconds = 2.0;
 constexpr uint8_t kTextEvent = 0x01;
 constexpr uint8_t kLyricEvent = 0x05;
+constexpr uint8_t kTrackName = 0x03;
 constexpr int kConverterWaitMs = 60000;
 
 double RoundedSeconds(double milliseconds)
@@ -237,6 +239,97 @@ QByteArray WordsFileBytes(const QString& song)
     return ReadWholeFile(AcceptConvertedFile(output, song));
 }
 
+// The words of one track, and which of its events gave them.
+struct TrackWords {
+    std::vector<LyricItem> words;
+    WordsOrigin origin = WordsOrigin::TextEvents;
+};
+
+// A track's text events where they make usable words, else its lyric events.
+std::optional<TrackWords> ReadTrackWords(const MidiTrack& track, double msPerTick, double songEnd, bool polish,
+                                         const LyricItem& header)
+{
+    std::vector<LyricItem> texts(1, header);
+    CollectTextEvents(EventTexts(track, kTextEvent, msPerTick, polish), texts);
+    if (WordsUsable(texts, songEnd))
+        return TrackWords{std::move(texts), WordsOrigin::TextEvents};
+    std::vector<LyricItem> lyrics(1, header);
+    CollectLyricEvents(EventTexts(track, kLyricEvent, msPerTick, polish), lyrics);
+    if (WordsUsable(lyrics, songEnd))
+        return TrackWords{std::move(lyrics), WordsOrigin::LyricEvents};
+    return std::nullopt;
+}
+
+QString TrackName(const MidiTrack& track, bool polish)
+{
+    const auto name = std::find_if(track.Events.begin(), track.Events.end(), [](const MidiEvent& e) {
+        return e.Status == 0xFF && e.MetaType == kTrackName;
+    });
+    return name == track.Events.end() ? QString() : DecodeText(name->Data, polish).trimmed();
+}
+
+QStringList SyllableTexts(const std::vector<LyricItem>& words)
+{
+    QStringList texts;
+    for (size_t i = 1; i < words.size(); ++i)
+        texts << words[i].Text;
+    return texts;
+}
+
+struct Verse {
+    WordsTrack track;
+    TrackWords read;
+};
+
+std::vector<Verse> ReadVerses(const MidiFile& file, double msPerTick, double songEnd, bool polish)
+{
+    std::vector<Verse> verses;
+    for (size_t i = 0; i < file.Tracks.size(); ++i) {
+        auto read = ReadTrackWords(file.Tracks[i], msPerTick, songEnd, polish, LyricItem{});
+        if (!read)
+            continue;
+        const QStringList texts = SyllableTexts(read->words);
+        const bool repeated = std::any_of(verses.begin(), verses.end(),
+                                          [&texts](const Verse& v) { return SyllableTexts(v.read.words) == texts; });
+        if (!repeated)
+            verses.push_back({WordsTrack{int(i), TrackName(file.Tracks[i], polish)}, std::move(*read)});
+    }
+    return verses;
+}
+
+// The song's verses into figures, and the words of the chosen one in place of those read first.
+// Without a choice (or with a track that is no verse), the verse shown is the one whose words
+// were read first.
+WordsOrigin ChooseVerse(const QByteArray& bytes, MidiFigures& figures, int chosen, bool polish,
+                        std::vector<LyricItem>& songLyrics, WordsOrigin origin)
+{
+    figures.Verses.clear();
+    figures.Verse = -1;
+    const auto parsed = ParseMidiFile(bytes);
+    if (!parsed)
+        return origin;
+    std::vector<Verse> verses = ReadVerses(*parsed, figures.MidiMsPerTick, figures.MidiDuration, polish);
+    if (verses.size() < 2)
+        return origin;
+    for (const Verse& verse : verses)
+        figures.Verses.push_back(verse.track);
+    const auto chosenVerse =
+        std::find_if(verses.begin(), verses.end(), [chosen](const Verse& v) { return v.track.Track == chosen; });
+    if (chosenVerse != verses.end()) {
+        const LyricItem header = songLyrics[0];
+        songLyrics = std::move(chosenVerse->read.words);
+        songLyrics[0] = header;
+        figures.Verse = chosen;
+        return chosenVerse->read.origin;
+    }
+    const QStringList shown = SyllableTexts(songLyrics);
+    const auto shownVerse = std::find_if(verses.begin(), verses.end(),
+                                         [&shown](const Verse& v) { return SyllableTexts(v.read.words) == shown; });
+    if (shownVerse != verses.end())
+        figures.Verse = shownVerse->track.Track;
+    return origin;
+}
+
 } // namespace
 
 void ResetLyrics(LyricsState& lyrics, std::vector<LyricItem>& songLyrics)
@@ -328,15 +421,20 @@ double MeasureSong(const QByteArray& file, MidiFigures& figures)
     return StoreSongLength(parsed ? MeasureMidiSong(*parsed) : MidiSongMeasure{}, figures);
 }
 
-bool LoadMidiLyrics(LyricsState& lyrics, MidiFigures& figures, const QString& songPath, const LyricsEnvironment& env)
+bool LoadMidiLyrics(LyricsState& lyrics, MidiFigures& figures, const QString& songPath, const LyricsEnvironment& env,
+                    int verse)
 {
+    figures.Verses.clear();
+    figures.Verse = -1;
     if (LoadEmbeddedLyrics(lyrics, songPath, env)) {
         lyrics.LyricsTitleText = MakeLyricsTitle(lyrics, env.Tags);
         return true;
     }
     std::vector<LyricItem> songLyrics;
     ResetLyrics(lyrics, songLyrics);
-    const WordsOrigin origin = ReadMidiWords(WordsFileBytes(songPath), figures, figures.MidiDuration, songLyrics, env.Polish);
+    const QByteArray bytes = WordsFileBytes(songPath);
+    WordsOrigin origin = ReadMidiWords(bytes, figures, figures.MidiDuration, songLyrics, env.Polish);
+    origin = ChooseVerse(bytes, figures, verse, env.Polish, songLyrics, origin);
     FinishWords(songLyrics);
 
     lyrics.PlayLyrics = std::move(songLyrics);

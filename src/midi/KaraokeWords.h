@@ -40,5 +40,8 @@ double StoreSongLength(const MidiSongMeasure& measure, MidiFigures& figures);
 
 // The lyrics the player shows for a MIDI song: the block inside it when its sibling ".lrs"
 // exists, else its words, finished, with the artist and title of its tags. False without any.
+// The song's verses go into figures (each track whose own text or lyric events make usable
+// words, a track repeating the words of one before it left out; none for fewer than two);
+// `verse` names the track of the verse to show, -1 the words as the file gives them first.
 bool LoadMidiLyrics(LyricsState& lyrics, MidiFigures& figures, const QString& songPath,
-                    const LyricsEnvironment& env);
+                    const LyricsEnvironment& env, int verse = -1);

@@ -24,6 +24,12 @@ struct ChannelRecord {
 
 // What the readings of MIDI files leave for the player. It lives as long as the player: a file
 // without a tempo event keeps the figures of the song before, and the program starts with 0.
+// A track with words of its own: one verse of a file that has a words track per verse.
+struct WordsTrack {
+    int Track = 0;  // its place in the file, from 0
+    QString Name;   // its track name, empty when it has none
+};
+
 struct MidiFigures {
     double MidiTempoMicros = 0;      // microseconds per quarter note, of the first tempo event
     float MidiBpm = 0;               // two decimals
@@ -34,6 +40,9 @@ struct MidiFigures {
     int BeatsPerMeasure = 4;       // the time signature a little way into the song
     int Beat = 4;
     std::array<ChannelRecord, 16> ChannelTable;
+    // The verses of the song, none when it has fewer than two, and the track of the one shown.
+    std::vector<WordsTrack> Verses;
+    int Verse = -1;
 };
 
 // The number the old reader made of bytes: each written as hexadecimal without a leading zero,

@@ -118,6 +118,14 @@ void PlayerCommands::OpenFileDialog()
         ChooseAndOpenFiles();
 }
 
+void PlayerCommands::ShowVerse(const QString& track)
+{
+    bool ok = false;
+    const int number = track.toInt(&ok);
+    if (ok)
+        m_transport.ShowVerse(number);
+}
+
 void PlayerCommands::OpenRecent(const QString& number)
 {
     bool ok = false;
@@ -235,6 +243,8 @@ void PlayerCommands::MenuCommand(const QString& key)
         m_forms.Player().SetTimeStyle(QStringLiteral("CURRENT"));
     else if (key == u"Elapsed")
         m_forms.Player().SetTimeStyle(QStringLiteral("ELAPSED"));
+    else if (key.startsWith(u"Verse"))
+        ShowVerse(key.mid(5));
     else if (key == u"RecentClear")
         m_state.Recent.Clear();
     else if (key.startsWith(u"Recent"))

@@ -80,6 +80,8 @@ public:
     void OpenFromCommandLine(const QString& commandLine) override;
     // The files chosen in the open dialog become the playlist; the first plays at once.
     void OpenFiles(const QStringList& files);
+    // The words of another verse of the MIDI song that plays, by its track, from where it is.
+    void ShowVerse(int track);
 
 private:
     PlayerForm& Player() { return m_forms.Player(); }

@@ -162,6 +162,22 @@ void PlayerTransport::OpenMidiSong(const QString& path)
                               QString());
 }
 
+void PlayerTransport::ShowVerse(int track)
+{
+    if (!m_state.IsMidi || !m_state.SongOpen() || track == m_state.Midi.Verse)
+        return;
+    // Only the words change: the song's figures, with the user's channel settings, stay.
+    MidiFigures kept = m_state.Midi;
+    LoadMidiLyrics(m_state.Lyrics, m_state.Midi, m_state.CurrentFile, LyricsEnvironmentOfSong(), track);
+    kept.Verses = m_state.Midi.Verses;
+    kept.Verse = m_state.Midi.Verse;
+    m_state.Midi = kept;
+    if (KaraokeForm* lyric = m_forms.Lyric(); m_state.KaraokeOpen && lyric) {
+        lyric->ChangeLyrics();
+        lyric->GetLastPos();
+    }
+}
+
 void PlayerTransport::ShowSongLabels()
 {
     const MP3Class& info = *m_state.CurrentInfo;

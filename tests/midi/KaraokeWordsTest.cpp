@@ -234,3 +234,61 @@ TEST(KaraokeWords, AMidiSongShowsTheBlockInsideItOnlyBesideALyricsFile)
     EXPECT_EQ(lyrics.PlayLyrics[0].FormatName, "Songweaver (internal)") << "the song's own block, not the file beside";
     EXPECT_EQ(lyrics.PlayLyrics[1].Text, "Inside");
 }
+
+TEST(KaraokeWords, EachVerseOfAFileWithAWordsTrackPerVerseCanBeShown)
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("verses.kar"));
+    WriteFileBytes(path, VersesMidiFile({{"Verse one", "sun"}, {nullptr, "moon"}, {"Verse one again", "sun"}, {"Verse 3", "star"}}));
+    LyricsState lyrics;
+    MidiFigures figures;
+    MeasureSong(ReadFileBytes(path), figures);
+    const LyricsEnvironment env;
+
+    ASSERT_TRUE(LoadMidiLyrics(lyrics, figures, path, env));
+    ASSERT_EQ(figures.Verses.size(), 3u) << "a track repeating an earlier verse is not one of its own";
+    EXPECT_EQ(figures.Verses[0].Track, 1);
+    EXPECT_EQ(figures.Verses[0].Name, "Verse one");
+    EXPECT_EQ(figures.Verses[1].Track, 2);
+    EXPECT_TRUE(figures.Verses[1].Name.isEmpty());
+    EXPECT_EQ(figures.Verses[2].Track, 4);
+    EXPECT_EQ(figures.Verse, 1) << "the words read first are the first verse's";
+    EXPECT_EQ(lyrics.PlayLyrics[2].Text, "sun0 ");
+
+    ASSERT_TRUE(LoadMidiLyrics(lyrics, figures, path, env, 4));
+    EXPECT_EQ(figures.Verse, 4);
+    EXPECT_EQ(lyrics.PlayLyrics[2].Text, "star0 ");
+    EXPECT_EQ(lyrics.PlayLyrics[2].LineText, "star0 star1 star2 star3 ");
+    EXPECT_EQ(lyrics.PlayLyrics[0].FormatName, "MIDI lyric events");
+    EXPECT_DOUBLE_EQ(lyrics.PlayLyrics[2].Time, 1.0) << "the same times as the first verse";
+    EXPECT_EQ(figures.Verses.size(), 3u);
+
+    ASSERT_TRUE(LoadMidiLyrics(lyrics, figures, path, env, 3)) << "a track that is no verse of its own";
+    EXPECT_EQ(figures.Verse, 1);
+    EXPECT_EQ(lyrics.PlayLyrics[2].Text, "sun0 ");
+
+    const QString single = dir.filePath(QStringLiteral("single.kar"));
+    WriteFileBytes(single, VersesMidiFile({{"Words", "one"}}));
+    ASSERT_TRUE(LoadMidiLyrics(lyrics, figures, single, env, 1));
+    EXPECT_TRUE(figures.Verses.empty()) << "one verse offers no choice";
+    EXPECT_EQ(figures.Verse, -1);
+}
+
+TEST(KaraokeWords, ACutOrDamagedVersesFileGivesWhatItCanWithoutHarm)
+{
+    QTemporaryDir dir;
+    const QByteArray whole = VersesMidiFile({{"A", "sun"}, {"B", "moon"}, {"C", "star"}});
+    const QString path = dir.filePath(QStringLiteral("cut.kar"));
+    for (qsizetype length = 0; length <= whole.size(); length += 7) {
+        QByteArray bytes = whole.left(length);
+        if (length % 2)
+            bytes[length / 2] = char(0xFF);
+        WriteFileBytes(path, bytes);
+        LyricsState lyrics;
+        MidiFigures figures;
+        MeasureSong(bytes, figures);
+        LoadMidiLyrics(lyrics, figures, path, LyricsEnvironment{}, 2);
+        EXPECT_TRUE(figures.Verses.empty() || figures.Verses.size() >= 2);
+        EXPECT_GE(lyrics.PlayLyrics.size(), 1u);
+    }
+}

@@ -1,8 +1,10 @@
 #include "ui/karaoke/LyricWindow.h"
 
 #include "core/WindowPosition.h"
+#include "midi/MidiBytes.h"
 #include "ui/kit/Desktop.h"
 #include "ui/kit/KeyedMenu.h"
+#include "ui/kit/VerseMenu.h"
 
 #include <QContextMenuEvent>
 #include <algorithm>
@@ -236,12 +238,25 @@ void LyricWindow::RunCommand(const QString& key)
         PlayerCommand(key);
 }
 
-void LyricWindow::contextMenuEvent(QContextMenuEvent* event)
+QMenu* LyricWindow::BuildMenu()
 {
-    const std::unique_ptr<QMenu> menu(BuildKeyedMenu(
+    QMenu* menu = BuildKeyedMenu(
         this, QStringLiteral("Lyric"), kMenu,
         {[this](const char* key) { return DisplayText(m_state.Language.GetText(QString::fromLatin1(key))); },
-         [this](const QString& key) { RunCommand(key); }, {}}));
+         [this](const QString& key) { RunCommand(key); }, {}});
+    if (Midi && !Midi->Verses.empty()) {
+        auto* verses = new QMenu(m_state.Language.GetText(QStringLiteral("Verse")), menu);
+        verses->setObjectName(QStringLiteral("Verses"));
+        FillVerseMenu(*verses, *Midi, m_state.Language, [this](const QString& key) { RunCommand(key); });
+        // Beside the commands of what the window shows, before those of the player.
+        menu->insertMenu(menu->actions().value(2), verses);
+    }
+    return menu;
+}
+
+void LyricWindow::contextMenuEvent(QContextMenuEvent* event)
+{
+    const std::unique_ptr<QMenu> menu(BuildMenu());
     menu->exec(event->globalPos());
 }
 

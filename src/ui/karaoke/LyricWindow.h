@@ -11,7 +11,9 @@
 #include <functional>
 #include <optional>
 
+class QMenu;
 class SettingsStore;
+struct MidiFigures;
 
 class LyricWindow final : public QWidget, public KaraokeForm {
     Q_OBJECT
@@ -44,6 +46,10 @@ public:
     void RunCommand(const QString& key);
     // The transport commands of the menu: "Previous", "Play", "Pause", "Stop", "Next", "Options".
     std::function<void(const QString& key)> PlayerCommand;
+    // The MIDI song's figures, whose verses the menu offers; none before the player gives them.
+    const MidiFigures* Midi = nullptr;
+    // The window's menu as a right click shows it; the caller owns it.
+    QMenu* BuildMenu();
 
 signals:
     void closedByUser();

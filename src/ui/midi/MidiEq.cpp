@@ -8,14 +8,17 @@
 #include "playback/VoiceCommands.h"
 #include "ui/kit/Desktop.h"
 #include "ui/kit/Docking.h"
+#include "ui/kit/VerseMenu.h"
 #include "ui/midi/MidiEqLayout.h"
 #include "voice/Equalizer.h"
 
 #include <QCloseEvent>
+#include <QMenu>
 #include <QMouseEvent>
 #include <QWheelEvent>
 #include <algorithm>
 #include <cmath>
+#include <memory>
 
 using namespace MidiEqLayout;
 
@@ -197,6 +200,16 @@ void MidiEq::ChangeMidi(const QString&, int)
     ResetKnobs();
 }
 
+QMenu* MidiEq::BuildVerseMenu()
+{
+    auto* menu = new QMenu(this);
+    FillVerseMenu(*menu, m_state.Midi, m_state.Language, [this](const QString& key) {
+        if (PlayerCommand)
+            PlayerCommand(key);
+    });
+    return menu;
+}
+
 // ---- The controls -------------------------------------------------------------------------------
 
 void MidiEq::MoveVolume(int channel, int value)
@@ -293,6 +306,8 @@ MidiEq::Hit MidiEq::HitAt(QPointF at) const
         return {Part::Tempo};
     if (m_face == Face::Equaliser)
         return EqualiserHitAt(at);
+    if (!m_state.Midi.Verses.empty() && kVerseBox.contains(at))
+        return {Part::Verse};
     for (int channel = 0; channel < kChannels; ++channel) {
         if (!StripBox(channel).contains(at))
             continue;
@@ -343,6 +358,12 @@ void MidiEq::mousePressEvent(QMouseEvent* event)
     case Part::Microphone:
         PressMicrophone();
         return;
+    case Part::Verse: {
+        const std::unique_ptr<QMenu> menu(BuildVerseMenu());
+        menu->exec(mapToGlobal(kVerseBox.bottomLeft().toPoint()));
+        update();
+        return;
+    }
     case Part::Bass:
         m_dragStartValue = m_equalizer->Bass();
         break;

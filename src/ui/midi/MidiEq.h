@@ -7,6 +7,7 @@
 
 #include <QTimer>
 #include <QWidget>
+#include <functional>
 #include <array>
 
 class Docking;
@@ -15,6 +16,7 @@ class SettingsStore;
 class VoiceCommands;
 struct PlayerState;
 
+class QMenu;
 class MidiEq final : public QWidget, public ControlsForm {
     Q_OBJECT
 public:
@@ -54,6 +56,10 @@ public:
     void MoveVoiceVolume(int value);
     void PressMicrophone();
     void Switch();
+    // The verses of the song, to choose the one the karaoke window shows; built when opened.
+    QMenu* BuildVerseMenu();
+    // Where the player's commands go ("Verse<track>").
+    std::function<void(const QString& key)> PlayerCommand;
     // Lit pixels of the microphone's level bar.
     int LevelPixels() const { return m_levelPixels; }
 
@@ -79,7 +85,8 @@ protected:
 
 private:
     enum class Part {
-        None, Window, Switcher, Close, Mute, Volume, Pan, Tone, Tempo, SongBalance, Bass, Treble, Microphone, VoiceFader
+        None, Window, Switcher, Close, Mute, Volume, Pan, Tone, Tempo, SongBalance, Bass, Treble, Microphone, VoiceFader,
+        Verse
     };
     struct Hit {
         Part part = Part::None;

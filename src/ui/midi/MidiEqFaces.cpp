@@ -6,6 +6,7 @@
 #include "midi/MidiBytes.h"
 #include "midi/MidiKnobs.h"
 #include "playback/PlayerState.h"
+#include "ui/kit/VerseMenu.h"
 #include "ui/kit/Palette.h"
 #include "ui/midi/MidiEqLayout.h"
 #include "voice/Equalizer.h"
@@ -146,6 +147,11 @@ void MidiEq::PaintStrips(QPainter& painter) const
         text = used > 0 ? QStringLiteral("%1 of 16 channels in use").arg(used) : QStringLiteral("No MIDI song");
     }
     painter.drawText(kStripDisplay.adjusted(7, 0, -7, 0), Qt::AlignLeft | Qt::AlignVCenter, text);
+    if (m_hoverChannel < 0 && !m_state.Midi.Verses.empty()) {
+        painter.setPen(Palette::ButtonText);
+        painter.drawText(kVerseBox.adjusted(0, 0, -7, 0), Qt::AlignRight | Qt::AlignVCenter,
+                         ShownVerseName(m_state.Midi, m_state.Language) + QStringLiteral(" \u25BE"));
+    }
 }
 
 void MidiEq::PaintStrip(QPainter& painter, int channel) const

@@ -20,6 +20,8 @@ constexpr QPointF kClose{342, 11};
 // The left face: 16 strips, 15 pixels each, and the display naming the strip under the mouse.
 constexpr QRectF kStripWell{8, 24, 248, 132};
 constexpr QRectF kStripDisplay{8, 159, 248, 14};
+// In the display's right end, when the song has verses: the one shown, to choose another.
+constexpr QRectF kVerseBox{170, 159, 86, 14};
 constexpr double kStripLeft = 12;
 constexpr double kStripWidth = 15;
 constexpr double kMuteY = 44;
