@@ -138,6 +138,12 @@ void RenderSpeed(const char* label, const QString& song, const QDir& dir)
     auto speed = [seconds](double cpu) { return cpu > 0 ? QString::number(seconds / cpu, 'f', 1) : QString("n/a"); };
     std::printf("render %-8s (%5.1f s of song): Songweaver %s s per CPU second, fluidsynth -F %s, timidity %s\n",
                 label, seconds, qPrintable(speed(ourCpu)), qPrintable(speed(fluid)), qPrintable(speed(timidity)));
+    float peak = 0;
+    for (const float s : ours.frames)
+        peak = std::max(peak, std::fabs(s));
+    const auto fullScale = std::count_if(ours.frames.begin(), ours.frames.end(), [](float s) { return std::fabs(s) >= 0.999f; });
+    std::printf("       %-8s at the top of the volume slider: peak %.2f dBFS, %lld samples at full scale\n", label,
+                20 * std::log10(std::max(peak, 1e-9f)), static_cast<long long>(fullScale));
 }
 
 // Plays the song on the manual device, rendered as fast as the caller asks.

@@ -25,13 +25,20 @@ std::pair<float, float> SidesOf(float gain, int balance)
             gain * (balance < 0 ? GainOfHundredthsDb(balance) : 1.0f)};
 }
 
+// A decibel under full scale, so the master's tone controls have a little room; the release
+// is long enough not to pump with the beat of a drum track.
+constexpr float kSynthCeiling = 0.891f;
+constexpr double kSynthRelease = 0.15;
+
 } // namespace
 
 AudioEngine::AudioEngine(std::unique_ptr<AudioDevice> device)
     : m_device(std::move(device)),
       m_scratch(size_t(kScratchFrames) * 2),
+      m_synthBus(size_t(kScratchFrames) * 2),
       m_inputScratch(size_t(kScratchFrames) * 2),
-      m_captureRing(size_t(kCaptureSeconds) * size_t(m_device->SampleRate()) * 2)
+      m_captureRing(size_t(kCaptureSeconds) * size_t(m_device->SampleRate()) * 2),
+      m_synthLimiter(kSynthCeiling, kSynthRelease, m_device->SampleRate())
 {
 }
 
@@ -148,6 +155,8 @@ void AudioEngine::MixChunk(float* out, int frames, const BufferTiming& timing) n
 void AudioEngine::MixSources(float* out, int frames, const BufferTiming& timing) noexcept
 {
     const float step = 1.0f / float(frames);
+    float* synthBus = m_synthBus.data();
+    bool synthPlayed = false;
     for (Slot& slot : m_slots) {
         AudioSource* source = slot.source.load();
         if (!source)
@@ -165,14 +174,25 @@ void AudioEngine::MixSources(float* out, int frames, const BufferTiming& timing)
             slot.gainRight = right;
         }
         // Level changes ramp over the buffer, so a fader move does not click.
+        const bool synth = source->LineBus == AudioSource::Bus::Synth;
+        if (synth && !synthPlayed) {
+            std::fill(synthBus, synthBus + size_t(frames) * 2, 0.0f);
+            synthPlayed = true;
+        }
+        float* into = synth ? synthBus : out;
         for (int i = 0; i < frames; ++i) {
             const float t = (i + 1) * step;
-            out[2 * i] += m_scratch[2 * i] * (slot.gainLeft + (left - slot.gainLeft) * t);
-            out[2 * i + 1] += m_scratch[2 * i + 1] * (slot.gainRight + (right - slot.gainRight) * t);
+            into[2 * i] += m_scratch[2 * i] * (slot.gainLeft + (left - slot.gainLeft) * t);
+            into[2 * i + 1] += m_scratch[2 * i + 1] * (slot.gainRight + (right - slot.gainRight) * t);
         }
         slot.gainLeft = left;
         slot.gainRight = right;
     }
+    if (!synthPlayed)
+        return;
+    m_synthLimiter.Process(synthBus, frames);
+    for (int i = 0; i < frames * 2; ++i)
+        out[i] += synthBus[i];
 }
 
 void AudioEngine::TakeInput(float* out, const float* input, int frames, double capturedAt) noexcept

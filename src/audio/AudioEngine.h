@@ -7,6 +7,7 @@
 // lock and allocates nothing.
 
 #include "audio/AudioSource.h"
+#include "audio/PeakLimiter.h"
 #include "audio/SampleRing.h"
 #include "audio/Shelving.h"
 
@@ -113,6 +114,7 @@ private:
     std::array<Slot, kMaxSources> m_slots;
     std::vector<std::shared_ptr<AudioSource>> m_owned;  // interface thread only
     std::vector<float> m_scratch;
+    std::vector<float> m_synthBus;
     std::vector<float> m_inputScratch;
     std::atomic<int> m_masterVolume{0};
     std::atomic<bool> m_masterMute{false};
@@ -136,6 +138,8 @@ private:
 
     // Real-time thread only.
     Ramp m_master{1, 1};
+    // A loud MIDI song at the top of the slider meets this before the master, never the clip.
+    PeakLimiter m_synthLimiter;
     Ramp m_monitor;
     float m_inputGain = 1;
     ShelfFilter m_bassFilter{ShelfFilter::Low, kBassCornerHz};

@@ -65,8 +65,9 @@ std::shared_ptr<SynthSource> SynthSource::Create(const std::string& soundFont, i
     }
     fluid_settings_setnum(synth->settings.get(), "synth.sample-rate", sampleRate);
     fluid_settings_setint(synth->settings.get(), "synth.threadsafe-api", 0);
-    // Twice FluidSynth's default: a General MIDI song then peaks near where a mastered
-    // recording does once the volume slider's MIDI lift is on it.
+    // Twice FluidSynth's default: with the volume slider's MIDI lift on it, a General MIDI song
+    // peaks a few decibels under a mastered recording, and the engine's limiter holds the
+    // loudest under full scale.
     fluid_settings_setnum(synth->settings.get(), "synth.gain", kSynthGain);
     synth->synth.reset(new_fluid_synth(synth->settings.get()));
     if (!synth->synth) {

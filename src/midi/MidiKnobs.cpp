@@ -44,7 +44,7 @@ int MediaBalanceOfKnob(int value)
 
 int MidiVolumeOfSlider(double value)
 {
-    return int(std::lround(std::clamp(value, 0.0, 1.0) * 100 * 42 - 3000));
+    return int(std::lround(std::clamp(value, 0.0, 1.0) * 100 * 39 - 3000));
 }
 
 QString BalanceText(int value, int centre)

@@ -31,7 +31,8 @@ int SongPanOfBalance(int value);
 int MediaBalanceOfKnob(int value);
 
 // The level of a MIDI song for the volume slider (0 to 1), hundredths of a decibel: the slider in
-// percent times 42, less 3000, so the top of the slider lifts the synthesiser by 12 dB.
+// percent times 39, less 3000, so the top of the slider lifts the synthesiser by 9 dB. That
+// leaves loud songs a little headroom; the engine's limiter takes the rest.
 int MidiVolumeOfSlider(double value);
 
 // A balance for people: "C" at the centre, else "L" or "R" and the share of the way out in percent.

@@ -3,6 +3,7 @@
 #include "audio/AudioEngine.h"
 #include "audio/ManualDevice.h"
 #include "midi/MidiBytes.h"
+#include "midi/MidiKnobs.h"
 #include "midi/MidiPlayer.h"
 
 #include <algorithm>
@@ -35,6 +36,7 @@ MidiRendering RenderMidiSong(const QString& path, const MidiRenderOptions& optio
         result.error = player.ErrorText();
         return result;
     }
+    player.put_Volume(MidiVolumeOfSlider(options.slider));
     player.SetTranspose(options.semitones);
     player.put_Rate(NearestMasterTempo(options.tempo));
     for (int channel : options.mutedChannels)

@@ -13,6 +13,7 @@ struct MidiRenderOptions {
     int semitones = 0;   // as the key knob gives them: even, -12 to 12
     double tempo = 1;    // the master tempo, in the knob's fifteenths
     std::vector<int> mutedChannels;  // 0 to 15
+    double slider = 1;  // the volume slider, 0 to 1: at its top, as the player starts
 };
 
 struct MidiRendering {

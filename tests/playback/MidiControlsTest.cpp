@@ -112,12 +112,12 @@ TEST_F(MidiControls, TheWholeSongBalancePansEveryChannelAndStaysForTheNextSong)
 TEST_F(MidiControls, TheVolumeSliderFollowsTheMidiLawAndTheLabelShowsTheTimeSignature)
 {
     EXPECT_EQ(MidiVolumeOfSlider(0.0), -3000);
-    EXPECT_EQ(MidiVolumeOfSlider(0.5), -900);
-    EXPECT_EQ(MidiVolumeOfSlider(1.0), 1200);
+    EXPECT_EQ(MidiVolumeOfSlider(0.5), -1050);
+    EXPECT_EQ(MidiVolumeOfSlider(1.0), 900);
     windows.player.volume = 0.5;
     transport.VolumeMoved(0.5);
-    EXPECT_EQ(state.Session->get_Volume(), -900);
-    EXPECT_EQ(transport.GetVolume(), -900);
+    EXPECT_EQ(state.Session->get_Volume(), -1050);
+    EXPECT_EQ(transport.GetVolume(), -1050);
     EXPECT_EQ(windows.player.bitrate, "Tempo: 4/4") << "a file without a time signature is in 4/4";
     EXPECT_EQ(windows.player.sampleRate, "");
 
