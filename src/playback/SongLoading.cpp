@@ -176,6 +176,8 @@ void PlayerTransport::ShowVerse(int track)
         lyric->ChangeLyrics();
         lyric->GetLastPos();
     }
+    if (ControlsForm* midi = m_forms.MidiEq())
+        midi->ShowVerse();
 }
 
 void PlayerTransport::ShowSongLabels()

@@ -3,6 +3,7 @@
 
 #include "audio/SynthSource.h"
 #include "lyrics/LyricsBlock.h"
+#include "midi/MidiBuilder.h"
 #include "playback/PlayerState.h"
 #include "playback/PlayerTransport.h"
 #include "support/FakeForms.h"
@@ -294,4 +295,30 @@ TEST_F(SongLoading, TwoMidiSongsInARowShareOneSynthesiserAndTheSecondPlaysFromIt
     const auto otherRate = keeper.Take({}, 44100, error);
     ASSERT_TRUE(otherRate) << error;
     EXPECT_NE(otherRate.get(), kept);
+}
+
+TEST_F(SongLoading, AnotherVerseChangesOnlyTheWordsWhichGoOnFromWhereTheSongIs)
+{
+    const QString song = dir.filePath("verses.kar");
+    WriteFileBytes(song, VersesMidiFile({{"One", "sun"}, {"Two", "moon"}}));
+    transport.OpenSong(song, false);
+    ASSERT_EQ(state.Midi.Verses.size(), 2u);
+    state.Midi.ChannelTable[0].Volume = 40;  // as the MIDI window's fader leaves it
+    journal.calls.clear();
+
+    transport.ShowVerse(2);
+    EXPECT_EQ(state.Lyrics.PlayLyrics[2].Text, "moon0 ");
+    EXPECT_EQ(state.Midi.Verse, 2);
+    EXPECT_EQ(state.Midi.ChannelTable[0].Volume, 40) << "the channels as the user set them";
+    ASSERT_GE(journal.calls.size(), 3);
+    EXPECT_EQ(journal.calls.mid(journal.calls.size() - 3), (QStringList{"Lyric.ChangeLyrics", "Lyric.GetLastPos", "MidiEq.ShowVerse"}))
+        << "the new words, at the song's place, and the MIDI window names the verse";
+
+    journal.calls.clear();
+    transport.ShowVerse(2);
+    EXPECT_TRUE(journal.calls.isEmpty()) << "the verse shown already";
+    transport.OpenSong(Wav("audio.wav"), false);
+    journal.calls.clear();
+    transport.ShowVerse(1);
+    EXPECT_TRUE(journal.calls.isEmpty()) << "an audio song has no verses";
 }

@@ -361,7 +361,6 @@ void MidiEq::mousePressEvent(QMouseEvent* event)
     case Part::Verse: {
         const std::unique_ptr<QMenu> menu(BuildVerseMenu());
         menu->exec(mapToGlobal(kVerseBox.bottomLeft().toPoint()));
-        update();
         return;
     }
     case Part::Bass:

@@ -42,6 +42,7 @@ public:
     void Unload() override;
     void CloseDevice() override;
     void ChangeMidi(const QString& file, int mode) override;
+    void ShowVerse() override { update(); }
 
     // The controls as a person moves them; each reaches the song that plays.
     void MoveVolume(int channel, int value);
