@@ -1,14 +1,9 @@
 // An evening of songs as a singer meets it: the player with its real karaoke window, songs that
 // follow each other by hand-over, Next and the end of the song before, each lit in time.
 
-#include "app/AppState.h"
-#include "app/AppWindows.h"
 #include "playback/MediaSession.h"
-#include "playback/PlayerCommands.h"
-#include "playback/PlayerTransport.h"
-#include "support/FakeForms.h"
 #include "support/PlayerSetup.h"
-#include "support/ScriptedDialogs.h"
+#include "support/ProgramWindows.h"
 #include "ui/editor/Editor.h"
 #include "ui/editor/LyricsTable.h"
 #include "ui/karaoke/LyricWindow.h"
@@ -36,13 +31,12 @@ struct Lit {
     double position;
 };
 
-class Evening : public testing::Test {
+class Evening : public testing::Test, protected ProgramWindows {
 protected:
     Evening()
     {
         LoadDefaults(state, store);
         device = &StartManualEngine(state, kRate);
-        windows.Attach(transport, commands);
         windows.PlayerWidget().ApplySkin();
         windows.PlayerWidget().BuildMenus();
         windows.LyricLoaded = [this](LyricWindow& window) {
@@ -101,14 +95,7 @@ protected:
     }
 
     QTemporaryDir dir;
-    MemoryStore store;
-    AppState state;
     ManualDevice* device = nullptr;
-    ScriptedDialogs dialogs;
-    AppWindows windows{state, store, dialogs};
-    FakeTray tray;
-    PlayerTransport transport{state, windows, state.Songs};
-    PlayerCommands commands{state, windows, transport, tray, dialogs};
     std::vector<Lit> lit;
     QString first, second;
 };

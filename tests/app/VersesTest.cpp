@@ -1,14 +1,9 @@
 // A karaoke file with a words track per verse, all sung at the same times: the singer picks the
 // verse from the karaoke window's menu or from the MIDI window, while the song plays.
 
-#include "app/AppState.h"
-#include "app/AppWindows.h"
 #include "midi/MidiBuilder.h"
-#include "playback/PlayerCommands.h"
-#include "playback/PlayerTransport.h"
-#include "support/FakeForms.h"
 #include "support/PlayerSetup.h"
-#include "support/ScriptedDialogs.h"
+#include "support/ProgramWindows.h"
 #include "ui/karaoke/LyricWindow.h"
 #include "ui/midi/MidiEq.h"
 
@@ -19,13 +14,12 @@
 
 namespace {
 
-class Verses : public testing::Test {
+class Verses : public testing::Test, protected ProgramWindows {
 protected:
     Verses()
     {
         LoadDefaults(state, store);
         StartManualEngine(state);
-        windows.Attach(transport, commands);
         commands.ButtonAction(PlayerButton::Karaoke);
         song = dir.filePath("three verses.kar");
         WriteFileBytes(song, VersesMidiFile({{"Morning", "sun"}, {"Evening", "moon"}, {nullptr, "star"}}));
@@ -42,13 +36,6 @@ protected:
 
     QTemporaryDir dir;
     QString song;
-    MemoryStore store;
-    AppState state;
-    ScriptedDialogs dialogs;
-    AppWindows windows{state, store, dialogs};
-    FakeTray tray;
-    PlayerTransport transport{state, windows, state.Songs};
-    PlayerCommands commands{state, windows, transport, tray, dialogs};
 };
 
 } // namespace

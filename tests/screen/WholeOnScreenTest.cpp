@@ -2,14 +2,9 @@
 // scale (1366x768 and 1600x900, at 1x and 2x), on a first run and with positions saved elsewhere.
 
 #include "app/Application.h"
-#include "app/AppState.h"
-#include "app/AppWindows.h"
 #include "app/SingleInstance.h"
-#include "playback/PlayerCommands.h"
-#include "playback/PlayerTransport.h"
 #include "core/WindowPosition.h"
-#include "support/FakeForms.h"
-#include "support/ScriptedDialogs.h"
+#include "support/ProgramWindows.h"
 #include "ui/editor/DetailsDialog.h"
 #include "ui/editor/PictureDialog.h"
 #include "ui/karaoke/LyricWindow.h"
@@ -65,12 +60,8 @@ void ExpectWhole(const QWidget& window, const char* name)
         << Available().width() << "x" << Available().height();
 }
 
-class Program : public testing::Test {
+class Program : public testing::Test, protected ProgramWindows {
 protected:
-    Program()
-    {
-        windows.Attach(transport, commands);
-    }
     ~Program() override { app.CloseApp(); }
 
     void Start()
@@ -80,13 +71,6 @@ protected:
     }
 
     QTemporaryDir data;
-    MemoryStore store;
-    AppState state;
-    ScriptedDialogs dialogs;
-    AppWindows windows{state, store, dialogs};
-    FakeTray tray;
-    PlayerTransport transport{state, windows, state.Songs};
-    PlayerCommands commands{state, windows, transport, tray, dialogs};
     SingleInstance instance{QStringLiteral("songweaver-screen-") + QUuid::createUuid().toString(QUuid::Id128)};
     Application app{state,
                     Platform{store, ThemeEnvironment::FromSystem(), ShellFolders{data.filePath("data"), data.filePath("config"), {}},
