@@ -8,6 +8,8 @@
 #include "audio/FileSource.h"
 #include "audio/ManualDevice.h"
 #include "audio/NullDevice.h"
+#include "audio/TimeStretch.h"
+#include "audio/VocalReducer.h"
 #include "audio/WavFile.h"
 
 #include <QDir>
@@ -15,6 +17,7 @@
 #include <QTemporaryDir>
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <cstdio>
 #include <ctime>
 #include <optional>
@@ -243,6 +246,64 @@ void CallbackCost(const std::string& song)
 
 } // namespace
 
+// Pink noise and a tone, a minute of it, as the stretcher and the vocal reduction will meet a song.
+std::vector<float> NoisySong(int seconds)
+{
+    std::vector<float> song(size_t(seconds) * kRate * 2);
+    uint32_t seed = 1;
+    float pink = 0;
+    for (size_t i = 0; i < song.size() / 2; ++i) {
+        seed = seed * 1664525u + 1013904223u;
+        pink = 0.98f * pink + 0.02f * (float(seed >> 8) / float(1u << 24) - 0.5f);
+        const auto tone = float(0.3 * std::sin(2 * 3.14159265358979 * 440 * double(i) / kRate));
+        song[2 * i] = tone + 4 * pink;
+        song[2 * i + 1] = tone - 2 * pink;
+    }
+    return song;
+}
+
+// CPU seconds for each second of song: what the worker that stretches a playing song spends.
+void StretchCost(const std::vector<float>& song)
+{
+    const double seconds = double(song.size() / 2) / kRate;
+    struct Setting {
+        const char* label;
+        double semitones;
+        double tempo;
+    };
+    const Setting settings[] = {{"key +2", 2, 1}, {"tempo 0.8", 0, 0.8}, {"key +2 and tempo 0.8", 2, 0.8}};
+    std::vector<float> out(8192 * 2);
+    for (const auto engine : {TimeStretch::Engine::Faster, TimeStretch::Engine::Finer})
+        for (const Setting& s : settings) {
+            TimeStretch stretch(kRate, engine);
+            stretch.SetSemitones(s.semitones);
+            stretch.SetTempo(s.tempo);
+            stretch.Restart(0);
+            const double before = CpuSeconds(RUSAGE_SELF);
+            for (int pushed = 0; pushed < int(song.size() / 2);) {
+                const int count = std::min(stretch.FramesWanted(), int(song.size() / 2) - pushed);
+                stretch.Push(song.data() + 2 * pushed, count);
+                pushed += count;
+                while (stretch.Pull(out.data(), 8192) > 0) {
+                }
+            }
+            const double cpu = CpuSeconds(RUSAGE_SELF) - before;
+            std::printf("stretch, %s engine, %-21s: %.1f%% of a core while it plays (%.3f s CPU for %.0f s)\n",
+                        engine == TimeStretch::Engine::Faster ? "faster" : "finer ", s.label, 100 * cpu / seconds, cpu,
+                        seconds);
+        }
+
+    VocalReducer reducer(kRate);
+    reducer.SetOn(true);
+    std::vector<float> copy = song;
+    const double before = CpuSeconds(RUSAGE_SELF);
+    for (size_t at = 0; at < copy.size() / 2; at += 512)
+        reducer.Process(copy.data() + 2 * at, int(std::min<size_t>(512, copy.size() / 2 - at)));
+    const double cpu = CpuSeconds(RUSAGE_SELF) - before;
+    std::printf("vocal reduction on: %.2f%% of a core while it plays (%.3f s CPU for %.0f s)\n", 100 * cpu / seconds, cpu,
+                seconds);
+}
+
 int main()
 {
     QTemporaryDir dir;
@@ -262,5 +323,6 @@ int main()
     DecodeThroughput("MP3", mp3, songSeconds);
     DecodeThroughput("Ogg", ogg, songSeconds);
     CallbackCost(mp3);
+    StretchCost(NoisySong(songSeconds));
     return 0;
 }
