@@ -2,6 +2,7 @@
 
 #include "audio/FfmpegHandles.h"
 #include "audio/MediaProbe.h"
+#include "audio/TimeStretch.h"
 
 #include <algorithm>
 #include <chrono>
@@ -9,6 +10,16 @@
 #include <condition_variable>
 #include <mutex>
 #include <thread>
+
+namespace {
+
+// A splice into or out of the stretcher begins this far ahead of what plays: the queue still
+// holds it, and the new path has that long to get going.
+constexpr double kSpliceLeadSeconds = 0.04;
+// The dip where a splice joins the two paths: about 3 ms out and 3 ms in.
+constexpr int kSpliceFadeFrames = 128;
+
+} // namespace
 
 // FFmpeg's side: owned and used by the decoder thread once it runs.
 struct FileSource::Decoder {
@@ -176,8 +187,17 @@ std::shared_ptr<FileSource> FileSource::Open(const std::string& path, int output
     return source;
 }
 
+// The decoder thread's stretcher, while the key or the tempo is moved.
+struct FileSource::Shaping {
+    std::unique_ptr<TimeStretch> stretch;
+    bool stretching = false;
+    bool finished = false;  // the file has ended and the stretcher was told
+    uint32_t soundSerial = 0;
+};
+
 FileSource::FileSource(int outputRate, std::unique_ptr<Decoder> decoder)
-    : m_outputRate(outputRate), m_decoder(std::move(decoder)), m_chunks(kChunkCount)
+    : m_outputRate(outputRate), m_decoder(std::move(decoder)), m_shaping(std::make_unique<Shaping>()),
+      m_chunks(kChunkCount)
 {
     m_duration = m_decoder->Duration();
     for (uint32_t i = 0; i < kChunkCount; ++i)
@@ -197,6 +217,8 @@ FileSource::~FileSource()
 
 bool FileSource::FillChunk(uint32_t serial)
 {
+    if (m_shaping->stretching)
+        return FillStretchedChunk(serial);
     uint32_t index = 0;
     if (!m_free.Pop(index))
         return true;
@@ -204,14 +226,95 @@ bool FileSource::FillChunk(uint32_t serial)
     const bool more = d.DecodeMore();
     Chunk& chunk = m_chunks[index];
     chunk.serial = serial;
-    chunk.startFrame = d.PendingStart();
+    chunk.generation = m_generation.load(std::memory_order_relaxed);
+    chunk.startSong = double(d.PendingStart());
+    chunk.step = 1;
     chunk.frames = int(std::min<size_t>(kChunkFrames, d.PendingFrames()));
     chunk.endOfStream = !more;
     std::copy_n(d.pending.data() + d.pendingOffset * 2, size_t(chunk.frames) * 2, chunk.samples);
     d.pendingOffset += size_t(chunk.frames);
-    m_filled.Push(index);
-    m_decodedSerial.store(serial, std::memory_order_release);
+    Queue(index, serial);
     return more;
+}
+
+bool FileSource::FillStretchedChunk(uint32_t serial)
+{
+    uint32_t index = 0;
+    if (!m_free.Pop(index))
+        return true;
+    Decoder& d = *m_decoder;
+    TimeStretch& stretch = *m_shaping->stretch;
+    Chunk& chunk = m_chunks[index];
+    chunk.serial = serial;
+    chunk.generation = m_generation.load(std::memory_order_relaxed);
+    chunk.startSong = stretch.SongFrame();
+    chunk.step = stretch.Tempo();
+    chunk.frames = 0;
+    while (chunk.frames < kChunkFrames) {
+        chunk.frames += stretch.Pull(chunk.samples + 2 * chunk.frames, kChunkFrames - chunk.frames);
+        if (chunk.frames == kChunkFrames || m_shaping->finished)
+            break;
+        if (!d.DecodeMore()) {
+            stretch.Finish();
+            m_shaping->finished = true;
+            continue;
+        }
+        const int count = int(std::min<size_t>(size_t(stretch.FramesWanted()), d.PendingFrames()));
+        stretch.Push(d.pending.data() + d.pendingOffset * 2, count);
+        d.pendingOffset += size_t(count);
+    }
+    chunk.endOfStream = m_shaping->finished && chunk.frames < kChunkFrames;
+    Queue(index, serial);
+    return !chunk.endOfStream;
+}
+
+void FileSource::Queue(uint32_t index, uint32_t serial)
+{
+    const Chunk& chunk = m_chunks[index];
+    const double end = chunk.startSong + chunk.step * chunk.frames;
+    // Queued before it is counted, so nothing counts a chunk the real-time thread cannot take yet.
+    m_filled.Push(index);
+    m_queuedTo.store(end, std::memory_order_release);
+    m_decodedSerial.store(serial, std::memory_order_release);
+}
+
+void FileSource::FollowSound()
+{
+    Shaping& shaping = *m_shaping;
+    const uint32_t serial = m_soundSerial.load(std::memory_order_acquire);
+    if (serial == shaping.soundSerial)
+        return;
+    shaping.soundSerial = serial;
+    const int semitones = m_semitones.load(std::memory_order_relaxed);
+    const double tempo = m_tempo.load(std::memory_order_relaxed);
+    const bool wanted = semitones != 0 || tempo != 1;
+    if (!shaping.stretch && wanted)
+        shaping.stretch = std::make_unique<TimeStretch>(m_outputRate, TimeStretch::Engine::Faster);
+    if (shaping.stretch) {
+        shaping.stretch->SetSemitones(semitones);
+        shaping.stretch->SetTempo(tempo);
+    }
+    if (wanted == shaping.stretching)
+        return;
+    // Into or out of the stretcher: the queue is cut a little ahead of what plays (before it plays,
+    // where the song stands), no later than what it holds, and the song goes on from there on the
+    // other path, with no gap and no jump of the clock.
+    const double lead = m_state.load(std::memory_order_relaxed) == Running ? kSpliceLeadSeconds * m_outputRate : 0;
+    const double queuedTo = shaping.stretching ? shaping.stretch->SongFrame() : double(m_decoder->PendingStart());
+    const double splice = std::ceil(std::min(m_rtSongFrame.load(std::memory_order_relaxed) + lead, queuedTo));
+    m_spliceFrame.store(splice, std::memory_order_relaxed);
+    m_generation.fetch_add(1, std::memory_order_release);
+    m_decoder->Seek(int64_t(splice));
+    m_queuedTo.store(splice, std::memory_order_relaxed);
+    shaping.stretching = wanted;
+    shaping.finished = false;
+    if (wanted)
+        shaping.stretch->Restart(int64_t(splice));
+}
+
+double FileSource::LeadFrames() const
+{
+    return m_queuedTo.load(std::memory_order_relaxed) - m_rtSongFrame.load(std::memory_order_relaxed);
 }
 
 void FileSource::DecodeLoop()
@@ -228,12 +331,26 @@ void FileSource::DecodeLoop()
         const uint32_t wanted = m_seekSerial.load(std::memory_order_acquire);
         if (wanted != serial) {
             serial = wanted;
-            d.Seek(m_seekFrame.load(std::memory_order_relaxed));
+            const int64_t target = m_seekFrame.load(std::memory_order_relaxed);
+            d.Seek(target);
+            m_queuedTo.store(double(target), std::memory_order_relaxed);
+            if (m_shaping->stretching)
+                m_shaping->stretch->Restart(target);
+            m_shaping->finished = false;
             endSent = false;
         }
-        if (endSent || m_free.Size() == 0) {
+        if (m_soundSerial.load(std::memory_order_acquire) != m_shaping->soundSerial) {
+            FollowSound();
+            m_followedSound.store(m_shaping->soundSerial, std::memory_order_release);
+            endSent = false;
+        }
+        // The song as it is fills the queue but for a few chunks, which a splice into the
+        // stretcher takes while the chunks before it still play.
+        const bool leadFull = m_shaping->stretching ? LeadFrames() >= kStretchLeadFrames * m_shaping->stretch->Tempo()
+                                                    : m_free.Size() <= kSpliceReserveChunks;
+        if (endSent || m_free.Size() == 0 || leadFull) {
             std::unique_lock lock(d.mutex);
-            d.wake.wait_for(lock, std::chrono::milliseconds(5));
+            d.wake.wait_for(lock, std::chrono::milliseconds(m_shaping->stretching ? 2 : 5));
             continue;
         }
         endSent = !FillChunk(serial);
@@ -254,12 +371,23 @@ void FileSource::SetRate(double rate)
     m_rate = std::clamp(rate, 0.0, 2.0);
 }
 
+void FileSource::SetSound(int semitones, double tempo)
+{
+    m_semitones.store(std::clamp(semitones, -12, 12), std::memory_order_relaxed);
+    m_tempo.store(std::isfinite(tempo) ? std::clamp(tempo, TimeStretch::kSlowest, TimeStretch::kFastest) : 1.0,
+                  std::memory_order_relaxed);
+    m_soundSerial.fetch_add(1, std::memory_order_release);
+    m_decoder->wake.notify_one();
+}
+
 double FileSource::SecondsBuffered() const
 {
-    // Audio from before a seek is not what plays next.
-    if (m_decodedSerial.load(std::memory_order_acquire) != m_seekSerial.load(std::memory_order_acquire))
+    // Audio from before a seek, or queued before a new key or tempo was taken up, is not what
+    // plays next.
+    if (m_decodedSerial.load(std::memory_order_acquire) != m_seekSerial.load(std::memory_order_acquire) ||
+        m_followedSound.load(std::memory_order_acquire) != m_soundSerial.load(std::memory_order_acquire))
         return 0;
-    return double(m_filled.Size()) * kChunkFrames / m_outputRate;
+    return std::max(0.0, LeadFrames()) / (m_tempo.load(std::memory_order_relaxed) * m_outputRate);
 }
 
 double FileSource::Position(double now)
@@ -289,14 +417,20 @@ void FileSource::FollowSeek() noexcept
     if (m_rtChunk >= 0)
         m_free.Push(uint32_t(m_rtChunk));
     m_rtChunk = -1;
-    m_index = m_seekFrame.load(std::memory_order_relaxed);
+    m_pos0 = m_pos1 = double(m_seekFrame.load(std::memory_order_relaxed));
+    m_rtGeneration = m_generation.load(std::memory_order_acquire);
+    m_rtLastSong = m_pos0 - 1;
+    m_fadeIn = 0;
+    m_rtSongFrame.store(m_pos0, std::memory_order_relaxed);
     m_phase = 0;
     m_primed = false;
     m_ended = false;
 }
 
-bool FileSource::NextFrame(float& left, float& right) noexcept
+bool FileSource::NextFrame(float& left, float& right, double& songFrame) noexcept
 {
+    const uint32_t generation = m_generation.load(std::memory_order_acquire);
+    const double splice = m_spliceFrame.load(std::memory_order_relaxed);
     while (!m_ended) {
         if (m_rtChunk < 0) {
             uint32_t index = 0;
@@ -314,17 +448,33 @@ bool FileSource::NextFrame(float& left, float& right) noexcept
             }
             m_rtChunk = int(index);
             m_rtOffset = 0;
-            if (!m_primed)
-                m_index = chunk.startFrame;
         }
         const Chunk& chunk = m_chunks[size_t(m_rtChunk)];
-        if (m_rtOffset < chunk.frames) {
-            left = chunk.samples[2 * m_rtOffset];
-            right = chunk.samples[2 * m_rtOffset + 1];
+        const double at = chunk.startSong + chunk.step * m_rtOffset;
+        // A chunk of the path before a splice gives way where the splice begins; a path met
+        // after another never takes the song back to where it has been.
+        const bool givenWay = chunk.generation != generation && at >= splice;
+        if (m_rtOffset < chunk.frames && !givenWay) {
             ++m_rtOffset;
+            if (chunk.generation != m_rtGeneration && at <= m_rtLastSong)
+                continue;
+            // The two paths meet in a dip of a few milliseconds: the old one fades out into
+            // the splice, the new one in from it, so their waveforms never meet in a step.
+            float gain = 1;
+            if (chunk.generation != generation)
+                gain = float(std::min(1.0, (splice - at) / (chunk.step * kSpliceFadeFrames)));
+            if (chunk.generation != m_rtGeneration)
+                m_fadeIn = kSpliceFadeFrames;
+            if (m_fadeIn > 0)
+                gain *= 1 - float(m_fadeIn--) / kSpliceFadeFrames;
+            left = chunk.samples[2 * (m_rtOffset - 1)] * gain;
+            right = chunk.samples[2 * (m_rtOffset - 1) + 1] * gain;
+            songFrame = at;
+            m_rtGeneration = chunk.generation;
+            m_rtLastSong = at;
             return true;
         }
-        m_ended = chunk.endOfStream;
+        m_ended = chunk.endOfStream && !givenWay;
         m_free.Push(uint32_t(m_rtChunk));
         m_rtChunk = -1;
     }
@@ -335,10 +485,12 @@ bool FileSource::Prime() noexcept
 {
     if (m_primed)
         return true;
-    if (!NextFrame(m_a0[0], m_a0[1]))
+    if (!NextFrame(m_a0[0], m_a0[1], m_pos0))
         return false;
-    if (!NextFrame(m_a1[0], m_a1[1]))
+    if (!NextFrame(m_a1[0], m_a1[1], m_pos1)) {
         m_a1[0] = m_a1[1] = 0;
+        m_pos1 = m_pos0 + 1;
+    }
     m_primed = true;
     return true;
 }
@@ -356,7 +508,8 @@ void FileSource::RenderFrames(float* out, int frames) noexcept
             bool starved = false;
             while (m_phase >= 1.0) {
                 float next[2];
-                if (!NextFrame(next[0], next[1])) {
+                double nextPos = 0;
+                if (!NextFrame(next[0], next[1], nextPos)) {
                     starved = true;
                     break;
                 }
@@ -364,8 +517,9 @@ void FileSource::RenderFrames(float* out, int frames) noexcept
                 m_a0[1] = m_a1[1];
                 m_a1[0] = next[0];
                 m_a1[1] = next[1];
+                m_pos0 = m_pos1;
+                m_pos1 = nextPos;
                 m_phase -= 1.0;
-                ++m_index;
             }
             if (starved) {
                 // Out of audio (a slow disk, or the end): hold here, the clock holds with it.
@@ -376,6 +530,11 @@ void FileSource::RenderFrames(float* out, int frames) noexcept
         }
     }
     std::fill(out + size_t(i) * 2, out + size_t(frames) * 2, 0.0f);
+}
+
+double FileSource::SongFrameRead() const noexcept
+{
+    return m_pos0 + (m_pos1 - m_pos0) * m_phase;
 }
 
 void FileSource::Render(float* out, int frames, const BufferTiming& timing) noexcept
@@ -395,10 +554,12 @@ void FileSource::Render(float* out, int frames, const BufferTiming& timing) noex
     heard.serial = m_rtSerial;
     heard.floor = m_rtFloor;
     heard.heardAt = timing.heardAt;
-    heard.rate = m_rate.load(std::memory_order_relaxed);
-    heard.start = (double(m_index) + m_phase) / m_outputRate;
+    heard.start = SongFrameRead() / m_outputRate;
     RenderFrames(out, frames);
-    heard.end = (double(m_index) + m_phase) / m_outputRate;
+    heard.end = SongFrameRead() / m_outputRate;
+    // Song seconds per second heard: the varispeed times the song frames each frame stands for.
+    heard.rate = m_rate.load(std::memory_order_relaxed) * (m_primed ? m_pos1 - m_pos0 : 1.0);
     heard.ended = m_ended;
     m_heard.Publish(heard);
+    m_rtSongFrame.store(heard.end * m_outputRate, std::memory_order_relaxed);
 }

@@ -87,6 +87,12 @@ void TimeStretch::Push(const float* frames, int count)
     }
 }
 
+void TimeStretch::Finish()
+{
+    const float* channels[] = {m_left.data(), m_right.data()};
+    m_stretcher->process(channels, 0, true);
+}
+
 void TimeStretch::DropStartDelay()
 {
     while (m_startDelay > 0) {

@@ -39,6 +39,8 @@ public:
     int FramesWanted() const;
     // Takes interleaved stereo song frames.
     void Push(const float* frames, int count);
+    // The song has no more frames: what the stretcher still holds comes out.
+    void Finish();
     // Gives up to `count` interleaved stereo frames as they play; returns how many it gave.
     int Pull(float* out, int count);
     // The song frame the next pulled frame stands for: each frame pulled moves it on by the

@@ -1,0 +1,135 @@
+// An audio song moved in key and tempo as the player plays it: through the decoder thread's
+// stretcher, on a device the test steps. The key moves the pitch and not the length, the tempo
+// the length and not the pitch; the clock says song seconds; a seek lands; a turn of the knob is
+// heard within 150 ms, with the clock going on.
+
+#include "audio/AudioEngine.h"
+#include "audio/FileSource.h"
+#include "audio/ManualDevice.h"
+#include "audio/WavFile.h"
+
+#include <QTemporaryDir>
+#include <chrono>
+#include <cmath>
+#include <gtest/gtest.h>
+#include <numbers>
+#include <thread>
+
+namespace {
+
+constexpr int kRate = 48000;
+
+// Left channel's frequency from its rising zero crossings.
+double Frequency(const std::vector<float>& stereo, size_t fromFrame, size_t toFrame)
+{
+    double first = -1, last = -1;
+    int cycles = -1;
+    for (size_t i = fromFrame; i + 1 < toFrame && 2 * i + 2 < stereo.size(); ++i) {
+        const float a = stereo[2 * i], b = stereo[2 * i + 2];
+        if (a < 0 && b >= 0) {
+            const double at = double(i) + a / (a - b);
+            if (first < 0)
+                first = at;
+            last = at;
+            ++cycles;
+        }
+    }
+    return cycles > 0 ? cycles * kRate / (last - first) : 0;
+}
+
+class SongStretch : public testing::Test {
+protected:
+    // Sets the key and tempo before the song plays, as a song opened with its own does.
+    void StartWith(int semitones, double tempo)
+    {
+        source->SetSound(semitones, tempo);
+        for (int i = 0; i < 2000 && source->SecondsBuffered() < 0.05; ++i)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        source->Run();
+    }
+
+    void SetUp() override
+    {
+        std::vector<float> tone(size_t(kRate) * 8 * 2);
+        for (size_t i = 0; i < tone.size() / 2; ++i)
+            tone[2 * i] = tone[2 * i + 1] = float(0.5 * std::sin(2 * std::numbers::pi * 440 * double(i) / kRate));
+        const QString path = dir.filePath("tone.wav");
+        ASSERT_TRUE(WriteStereoWav(path, tone, kRate));
+        std::string error;
+        source = FileSource::Open(path.toStdString(), kRate, error);
+        ASSERT_TRUE(source) << error;
+        engine.AddSource(source);
+        engine.Start();
+    }
+
+    // Plays in 10 ms steps, each once the decoder thread has it ready, as a device would.
+    std::vector<float> Play(double seconds)
+    {
+        std::vector<float> out;
+        for (int i = 0; i < int(seconds * 100 + 0.5); ++i) {
+            const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(2);
+            while (source->SecondsBuffered() < 0.011 && std::chrono::steady_clock::now() < deadline)
+                std::this_thread::sleep_for(std::chrono::microseconds(200));
+            const std::vector<float>& step = device->Step(kRate / 100, kRate / 100);
+            out.insert(out.end(), step.begin(), step.end());
+        }
+        return out;
+    }
+    double Position() { return source->Position(device->Now()); }
+
+    QTemporaryDir dir;
+    ManualDevice* device = new ManualDevice(kRate);
+    AudioEngine engine{std::unique_ptr<AudioDevice>(device)};
+    std::shared_ptr<FileSource> source;
+};
+
+} // namespace
+
+TEST_F(SongStretch, TwoSemitonesUpSoundHigherAtTheSameSpeed)
+{
+    StartWith(2, 1);
+    const std::vector<float> out = Play(2);
+    EXPECT_NEAR(Frequency(out, kRate / 2, 2 * kRate), 493.88, 493.88 * 0.003);
+    EXPECT_NEAR(Position(), 2.0, 0.002) << "a second of song for a second heard";
+}
+
+TEST_F(SongStretch, ASlowerTempoKeepsTheKeyAndTheClockSaysSongSeconds)
+{
+    StartWith(0, 0.8);
+    const std::vector<float> out = Play(2.5);
+    EXPECT_NEAR(Frequency(out, kRate / 2, size_t(2.5 * kRate)), 440, 440 * 0.003);
+    EXPECT_NEAR(Position(), 2.0, 0.005) << "2.5 s heard at 0.8 are 2 s of the song";
+
+    source->Seek(4.0);
+    EXPECT_DOUBLE_EQ(Position(), 4.0);
+    source->SetSound(0, 1.5);
+    Play(1);
+    EXPECT_NEAR(Position(), 5.5, 0.03) << "a seek at tempo 1.5 lands, and the song runs at 1.5 from there";
+}
+
+TEST_F(SongStretch, ATurnOfTheKnobIsHeardAtOnceAndTheClockGoesOn)
+{
+    source->Run();
+    std::vector<float> out = Play(1);
+    ASSERT_NEAR(Frequency(out, 0, size_t(kRate)), 440, 1) << "the song as it is, decoded seconds ahead";
+    const double before = Position();
+
+    source->SetSound(2, 1);
+    out = Play(0.5);
+    const double after = Position();
+    EXPECT_NEAR(after - before, 0.5, 0.01) << "the clock neither jumps nor stops at the splice";
+    // From 150 ms after the turn on, the song is two semitones up.
+    EXPECT_NEAR(Frequency(out, size_t(0.15 * kRate), size_t(0.5 * kRate)), 493.88, 493.88 * 0.005);
+
+    source->SetSound(2, 0.8);
+    const double slowing = Position();
+    out = Play(1);
+    EXPECT_NEAR(Position() - slowing, 0.8, 0.05) << "the tempo changes on the fly";
+    EXPECT_NEAR(Frequency(out, size_t(0.15 * kRate), kRate), 493.88, 493.88 * 0.005);
+
+    source->SetSound(0, 1);
+    out = Play(0.5);
+    EXPECT_NEAR(Frequency(out, size_t(0.15 * kRate), size_t(0.5 * kRate)), 440, 440 * 0.003) << "back as it is";
+    for (size_t i = 2; i < out.size(); i += 2)
+        ASSERT_LT(std::fabs(out[i] - out[i - 2]), 0.2f) << "no click at frame " << i / 2;
+}
