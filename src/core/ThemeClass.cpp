@@ -141,6 +141,7 @@ std::vector<ThemeClass::Setting> ThemeClass::Settings()
         boolean("scroll title", Scroll, true),
         text("fullscreen monitor", Monitor, QStringLiteral("Monitor 1 (primary)")),
         text("sound font", SoundFont, QString()),
+        boolean("keep pitch", KeepPitch, true),
     };
 }
 

@@ -89,6 +89,8 @@ public:
     int16_t EffectSpeed{};
     bool LyricsFitFont{};
     bool Scroll{};
+    // An audio song's tempo knob keeps its key (the stretcher), else changes its rate and key.
+    bool KeepPitch{};
     QString Monitor;
     QString SoundFont;  // the SoundFont of MIDI songs; empty for the one the system installs
     // Not persisted.

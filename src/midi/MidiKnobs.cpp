@@ -32,6 +32,16 @@ double AudioRateOfKnob(int top)
     return (std::clamp(top, kKnobTop, kKnobBottom) - kKnobTop) / 64.0 * 2;
 }
 
+int AudioSemitonesOfKnob(int top)
+{
+    return int(std::lround((KnobValue(top) - 64) / 64.0 * 12));
+}
+
+double AudioTempoOfKnob(int top)
+{
+    return std::pow(2.0, (KnobValue(top) - 64) / 64.0);
+}
+
 int SongPanOfBalance(int value)
 {
     return int(std::clamp(value, 0, 2 * kBalanceCentre) / 20000.0 * 127);

@@ -24,6 +24,11 @@ double MasterTempo(int v);
 
 // An audio song's rate from the same knob: 0 to 2.
 double AudioRateOfKnob(int top);
+// An audio song's key from the KEY knob: single semitones, -12 at the bottom to +12 at the top.
+int AudioSemitonesOfKnob(int top);
+// An audio song's tempo, its key kept, from the TEMPO knob: 0.5 at the bottom, 1 in the middle,
+// 2 at the top, each step the same ratio.
+double AudioTempoOfKnob(int top);
 
 // The pan sent to every channel of a MIDI song for a whole-song balance.
 int SongPanOfBalance(int value);

@@ -23,6 +23,8 @@ bool MediaSession::RenderFile(const QString& path)
         return false;
     }
     source->SetRate(m_rate);
+    if (m_semitones != 0 || m_tempo != 1)
+        source->SetSound(m_semitones, m_tempo);
     source->Volume = m_volume;
     source->Balance = m_balance;
     if (!m_engine.AddSource(source)) {
@@ -79,6 +81,14 @@ void MediaSession::put_Rate(double rate)
     m_rate = rate;
     if (m_source)
         m_source->SetRate(rate);
+}
+
+void MediaSession::SetSound(int semitones, double tempo)
+{
+    m_semitones = semitones;
+    m_tempo = tempo;
+    if (m_source)
+        m_source->SetSound(semitones, tempo);
 }
 
 void MediaSession::put_Volume(int hundredthsDb)

@@ -31,6 +31,10 @@ public:
     void put_Volume(int hundredthsDb) override;
     int get_Volume() const override { return m_volume; }
     void put_Balance(int hundredthsDb) override;
+    // The key in semitones and the tempo with the key kept; they stay for a reopened file.
+    void SetSound(int semitones, double tempo);
+    int Semitones() const { return m_semitones; }
+    double Tempo() const { return m_tempo; }
     // Decoded audio waiting for the device, in seconds.
     double SecondsBuffered() const;
 
@@ -39,6 +43,8 @@ private:
     std::shared_ptr<FileSource> m_source;
     QString m_error;
     double m_rate = 1.0;
+    int m_semitones = 0;
+    double m_tempo = 1.0;
     int m_volume = 0;
     int m_balance = 0;
 };

@@ -2,6 +2,7 @@
 
 #include "midi/MidiKnobs.h"
 #include "midi/MidiPlayer.h"
+#include "playback/MediaSession.h"
 #include "playback/PlayerState.h"
 
 MidiPlayer* PlayingMidi(PlayerState& state)
@@ -19,19 +20,28 @@ SongSession* PlayingAudio(PlayerState& state)
     return state.IsMidi ? nullptr : state.Session.get();
 }
 
+MediaSession* PlayingMedia(PlayerState& state)
+{
+    return dynamic_cast<MediaSession*>(PlayingAudio(state));
+}
+
 } // namespace
 
 void ApplyTranspose(PlayerState& state, int top)
 {
     if (MidiPlayer* midi = PlayingMidi(state))
         midi->SetTranspose(TransposeSemitones(KnobValue(top)));
+    if (MediaSession* audio = PlayingMedia(state))
+        audio->SetSound(AudioSemitonesOfKnob(top), audio->Tempo());
 }
 
 void ApplyTempo(PlayerState& state, int top)
 {
     if (MidiPlayer* midi = PlayingMidi(state))
         midi->put_Rate(MasterTempo(KnobValue(top)));
-    if (SongSession* audio = PlayingAudio(state))
+    if (MediaSession* media = PlayingMedia(state); media && state.Theme->KeepPitch)
+        media->SetSound(media->Semitones(), AudioTempoOfKnob(top));
+    else if (SongSession* audio = PlayingAudio(state))
         audio->put_Rate(AudioRateOfKnob(top));
 }
 

@@ -217,10 +217,11 @@ TEST(ThemeClass, SaveWritesEveryKeyOnceOnTopFirstRecordDeviceLast)
     Loaded loaded(store);
     loaded.theme.Save();
 
-    ASSERT_EQ(store.writes.size(), 43);
+    ASSERT_EQ(store.writes.size(), 44);
     EXPECT_EQ(store.writes.first(), "on top");
     EXPECT_EQ(store.writes.last(), "record device");
-    EXPECT_EQ(QSet<QString>(store.writes.begin(), store.writes.end()).size(), 43);
+    EXPECT_EQ(QSet<QString>(store.writes.begin(), store.writes.end()).size(), 44);
+    EXPECT_EQ(store.values[QStringLiteral("keep pitch")], "1") << "an audio song's tempo keeps its key at first";
     EXPECT_EQ(store.values[QStringLiteral("karaoke font color")], QString::number(RGB(125, 140, 189)));
     EXPECT_EQ(store.values[QStringLiteral("karaoke outline color")], "0,0,0,0");
     EXPECT_EQ(store.values[QStringLiteral("fit font to window")], "1");
@@ -228,7 +229,7 @@ TEST(ThemeClass, SaveWritesEveryKeyOnceOnTopFirstRecordDeviceLast)
     const auto stored = loaded.theme.StoredValues();
     EXPECT_EQ(stored.front().first, "karaoke window");
     EXPECT_EQ(stored[2].first, "record device");
-    EXPECT_EQ(stored.back().first, "sound font");
+    EXPECT_EQ(stored.back().first, "keep pitch");
 }
 
 TEST(ThemeClass, RestoreTakesBackASnapshotAndTheDefaultsOfAFreshInstall)

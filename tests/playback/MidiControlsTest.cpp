@@ -127,7 +127,7 @@ TEST_F(MidiControls, TheVolumeSliderFollowsTheMidiLawAndTheLabelShowsTheTimeSign
     EXPECT_EQ(state.Session->get_Volume(), VolumeOfSlider(0.5)) << "audio songs keep their own law";
 }
 
-TEST_F(MidiControls, TheTempoKnobSetsTheMasterTempoOrTheRateOfAnAudioSong)
+TEST_F(MidiControls, TheTempoKnobSetsTheMasterTempoOrTheTempoOfAnAudioSongInItsKey)
 {
     ApplyTempo(state, 150);
     Listen(2400);
@@ -137,8 +137,18 @@ TEST_F(MidiControls, TheTempoKnobSetsTheMasterTempoOrTheRateOfAnAudioSong)
 
     transport.OpenSong(WriteRampWav(dir.filePath("audio.wav"), 48000 * 4), true);
     ApplyTempo(state, 102);
-    PlayDecoded(*device, state, 0.1);
-    const double start = state.Session->get_CurrentPosition();
+    PlayDecoded(*device, state, 0.2);
+    double start = state.Session->get_CurrentPosition();
     PlayDecoded(*device, state, 1.0);
-    EXPECT_NEAR(state.Session->get_CurrentPosition() - start, 0.5, 0.02) << "a quarter of the travel: half speed";
+    EXPECT_NEAR(state.Session->get_CurrentPosition() - start, std::sqrt(0.5), 0.02)
+        << "a quarter of the travel: half an octave of tempo down, the key kept";
+    EXPECT_EQ(state.Session->get_Rate(), 1.0);
+
+    state.Theme->KeepPitch = false;
+    ApplyTempo(state, 102);
+    PlayDecoded(*device, state, 0.2);
+    start = state.Session->get_CurrentPosition();
+    PlayDecoded(*device, state, 1.0);
+    EXPECT_NEAR(state.Session->get_CurrentPosition() - start, std::sqrt(0.5) * 0.5, 0.02)
+        << "the key not kept: the knob's rate on top, half speed and an octave down";
 }

@@ -17,6 +17,7 @@
 #include <QSpinBox>
 #include <QTabWidget>
 #include <QTemporaryDir>
+#include <QCheckBox>
 #include <QThread>
 #include <QToolButton>
 #include <QTreeWidget>
@@ -74,7 +75,9 @@ TEST_F(Preferences, ChangesApplyAtOnceAndSurviveARestart)
         Find<QDoubleSpinBox>(options, "TimeOffset")->setValue(0.25);
         Find<QComboBox>(options, "Effect")->setCurrentIndex(1);
         EXPECT_FALSE(state.Theme->EffectDetail.isEmpty()) << "a new effect starts from its first detail";
-        EXPECT_EQ(applied, 9);
+        ASSERT_TRUE(Find<QCheckBox>(options, "KeepPitch")->isChecked()) << "the key kept, as a fresh install has it";
+        Find<QCheckBox>(options, "KeepPitch")->click();
+        EXPECT_EQ(applied, 10);
         Find<QPushButton>(options, "OK")->click();
         EXPECT_FALSE(options.isVisible());
     }
@@ -92,6 +95,7 @@ TEST_F(Preferences, ChangesApplyAtOnceAndSurviveARestart)
     EXPECT_EQ(t.MusicPath, "/music/new");
     EXPECT_DOUBLE_EQ(t.LyricsOffset(), 0.25);
     EXPECT_FALSE(t.ImageEffect.isEmpty());
+    EXPECT_FALSE(t.KeepPitch);
 
     LyricOptions again(state, store, dialogs);
     EXPECT_EQ(Find<QSpinBox>(again, "FontSize")->value(), 36) << "the dialog shows what was kept";

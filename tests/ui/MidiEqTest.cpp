@@ -3,6 +3,7 @@
 // the mouse, the switch to the equaliser face, and what the next song and closing leave.
 
 #include "midi/MidiPlayer.h"
+#include "playback/MediaSession.h"
 #include "playback/MidiControls.h"
 #include "playback/PlayerState.h"
 #include "playback/PlayerTransport.h"
@@ -207,4 +208,28 @@ TEST_F(MidiWindow, TheIndicatorsPanelsBlinkOnlyForWhatRuns)
         indicator.grab().save(folder + QStringLiteral("/regme.png"));
     indicator.Hide();
     EXPECT_FALSE(indicator.isVisible());
+}
+
+TEST_F(MidiWindow, AnAudioSongsKeyMovesBySemitonesAndItsTempoKeepsTheKey)
+{
+    transport.OpenSong(WriteRampWav(dir.filePath("audio.wav"), 48000 * 2), false);
+    auto* media = dynamic_cast<MediaSession*>(state.Session.get());
+    ASSERT_NE(media, nullptr);
+    MidiEq window(state, windows.store, windows.docking);
+    window.Show();
+
+    window.MoveTranspose(kKnobBottom);
+    EXPECT_EQ(window.ToneLabel(), "+12") << "the semitones, not the MIDI scale's -10 to +10";
+    EXPECT_EQ(media->Semitones(), 12);
+    window.MoveTranspose(kKnobTop);
+    EXPECT_EQ(window.ToneLabel(), "-12");
+    window.MoveTranspose(kKnobTop + 32 + 3);
+    EXPECT_EQ(window.ToneLabel(), "+1");
+    EXPECT_EQ(media->Semitones(), 1);
+
+    window.MoveTempo(kKnobTop);
+    EXPECT_DOUBLE_EQ(media->Tempo(), 0.5);
+    EXPECT_EQ(media->get_Rate(), 1.0) << "the rate stays: the key is kept";
+    EXPECT_EQ(media->Semitones(), 1) << "the tempo leaves the key where it is";
+    Picture(window, QStringLiteral("midieq-audio-key"));
 }

@@ -270,7 +270,11 @@ void MidiEq::Switch()
 
 QString MidiEq::ToneLabel() const
 {
-    return KnobLabel(KnobValue(m_transposeTop));
+    if (m_state.IsMidi)
+        return KnobLabel(KnobValue(m_transposeTop));
+    // An audio song moves by single semitones, and says so.
+    const int semitones = AudioSemitonesOfKnob(m_transposeTop);
+    return semitones > 0 ? u'+' + QString::number(semitones) : QString::number(semitones);
 }
 
 QString MidiEq::TempoLabel() const

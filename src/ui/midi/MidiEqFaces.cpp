@@ -193,9 +193,11 @@ void MidiEq::PaintKnobs(QPainter& painter) const
     PaintWell(painter, kKnobWell);
     const int tone = KnobValue(m_transposeTop);
     const int tempo = KnobValue(m_tempoTop);
-    const int semitones = TransposeSemitones(tone);
+    const int semitones = m_state.IsMidi ? TransposeSemitones(tone) : AudioSemitonesOfKnob(m_transposeTop);
     const QString toneEffect = (semitones > 0 ? QStringLiteral("+%1 st") : QStringLiteral("%1 st")).arg(semitones);
-    const double rate = m_state.IsMidi ? MasterTempo(tempo) : AudioRateOfKnob(m_tempoTop);
+    const double rate = m_state.IsMidi                ? MasterTempo(tempo)
+                        : m_state.Theme->KeepPitch ? AudioTempoOfKnob(m_tempoTop)
+                                                   : AudioRateOfKnob(m_tempoTop);
     const QString tempoEffect = QStringLiteral("\u00d7") + QString::number(rate, 'f', 2);
     PaintKnob(painter, kToneX, m_transposeTop, QStringLiteral("KEY"), ToneLabel(), toneEffect);
     PaintKnob(painter, kTempoX, m_tempoTop, QStringLiteral("TEMPO"), TempoLabel(), tempoEffect);

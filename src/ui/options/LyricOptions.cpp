@@ -543,6 +543,7 @@ QWidget* LyricOptions::BuildSound()
                                       QStringLiteral("SoundFont (*.sf2 *.sf3)"));
     }));
     outputForm->addRow(Note(Text("OptSoundFontNote")));
+    outputForm->addRow(bind.Check(Text("KeepPitch"), "KeepPitch", t.KeepPitch));
 
     auto* recording = new QGroupBox(Text("RecordVoice"));
     auto* recordingForm = new QFormLayout(recording);
