@@ -219,3 +219,20 @@ TEST_F(Evening, PreferencesOpenedInMidSongShowOnTheKaraokeWindowAndCancelTakesTh
     commands.MenuCommand(QStringLiteral("Prefs"));
     EXPECT_FALSE(options->isVisible()) << "not while the voice is recorded";
 }
+
+TEST_F(Evening, AtASlowerTempoASyllableLightsWhenItsSongSecondIsHeard)
+{
+    // A syllable at song second 10, the song at 0.8 of its tempo: heard, and lit, at 12.5 s.
+    const QString song = Song("slow", 12, "[1.0]Count [10.0]ten");
+    transport.OpenFromCommandLine(song);
+    auto* media = dynamic_cast<MediaSession*>(state.Session.get());
+    ASSERT_NE(media, nullptr);
+    media->SetSound(0, 0.8);
+    Play(12.4);
+    ASSERT_FALSE(lit.empty());
+    EXPECT_EQ(lit.back().index, 1) << "at 12.4 s of the song's sound, song second 9.92: not yet";
+    Play(0.2);
+    ASSERT_EQ(lit.back().index, 2);
+    EXPECT_NEAR(lit.back().position, 10.0, 0.021) << "lit at its own song second";
+    EXPECT_NEAR(state.Session->get_CurrentPosition(), 12.6 * 0.8, 0.03);
+}
