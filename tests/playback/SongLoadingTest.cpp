@@ -235,11 +235,13 @@ TEST_F(SongLoading, AOneSongListKeepsItsSongOnNextAndRestartsItOnPrevious)
     list.paths = {only};
     transport.DALEJ();
     ASSERT_NE(state.Session, nullptr);
-    SongSession* session = state.Session.get();
+    // Whether the song was opened again, told by what an open does to the karaoke window: a
+    // new session may stand at the freed one's address.
+    journal.calls.clear();
     transport.DALEJ();
-    EXPECT_EQ(state.Session.get(), session) << "Next keeps the song that plays";
+    EXPECT_FALSE(Lyric().contains("Lyric.ChangeLyrics")) << "Next keeps the song that plays";
     transport.WSTECZ();
-    EXPECT_NE(state.Session.get(), session) << "Previous opens it again";
+    EXPECT_TRUE(Lyric().contains("Lyric.ChangeLyrics")) << "Previous opens it again";
 
     state.EditorOpen = true;
     const qsizetype before = list.paths.size();
