@@ -7,6 +7,7 @@
 #include "audio/FileSource.h"
 #include "audio/ManualDevice.h"
 #include "audio/WavFile.h"
+#include "support/Tones.h"
 
 #include <QTemporaryDir>
 #include <chrono>
@@ -18,24 +19,6 @@
 namespace {
 
 constexpr int kRate = 48000;
-
-// Left channel's frequency from its rising zero crossings.
-double Frequency(const std::vector<float>& stereo, size_t fromFrame, size_t toFrame)
-{
-    double first = -1, last = -1;
-    int cycles = -1;
-    for (size_t i = fromFrame; i + 1 < toFrame && 2 * i + 2 < stereo.size(); ++i) {
-        const float a = stereo[2 * i], b = stereo[2 * i + 2];
-        if (a < 0 && b >= 0) {
-            const double at = double(i) + a / (a - b);
-            if (first < 0)
-                first = at;
-            last = at;
-            ++cycles;
-        }
-    }
-    return cycles > 0 ? cycles * kRate / (last - first) : 0;
-}
 
 class SongStretch : public testing::Test {
 protected:
@@ -89,7 +72,7 @@ TEST_F(SongStretch, TwoSemitonesUpSoundHigherAtTheSameSpeed)
 {
     StartWith(2, 1);
     const std::vector<float> out = Play(2);
-    EXPECT_NEAR(Frequency(out, kRate / 2, 2 * kRate), 493.88, 493.88 * 0.003);
+    EXPECT_NEAR(ToneFrequency(out, kRate, kRate / 2, 2 * kRate), 493.88, 493.88 * 0.003);
     EXPECT_NEAR(Position(), 2.0, 0.002) << "a second of song for a second heard";
 }
 
@@ -97,7 +80,7 @@ TEST_F(SongStretch, ASlowerTempoKeepsTheKeyAndTheClockSaysSongSeconds)
 {
     StartWith(0, 0.8);
     const std::vector<float> out = Play(2.5);
-    EXPECT_NEAR(Frequency(out, kRate / 2, size_t(2.5 * kRate)), 440, 440 * 0.003);
+    EXPECT_NEAR(ToneFrequency(out, kRate, kRate / 2, size_t(2.5 * kRate)), 440, 440 * 0.003);
     EXPECT_NEAR(Position(), 2.0, 0.005) << "2.5 s heard at 0.8 are 2 s of the song";
 
     source->Seek(4.0);
@@ -111,7 +94,7 @@ TEST_F(SongStretch, ATurnOfTheKnobIsHeardAtOnceAndTheClockGoesOn)
 {
     source->Run();
     std::vector<float> out = Play(1);
-    ASSERT_NEAR(Frequency(out, 0, size_t(kRate)), 440, 1) << "the song as it is, decoded seconds ahead";
+    ASSERT_NEAR(ToneFrequency(out, kRate, 0, size_t(kRate)), 440, 1) << "the song as it is, decoded seconds ahead";
     const double before = Position();
 
     source->SetSound(2, 1);
@@ -119,17 +102,17 @@ TEST_F(SongStretch, ATurnOfTheKnobIsHeardAtOnceAndTheClockGoesOn)
     const double after = Position();
     EXPECT_NEAR(after - before, 0.5, 0.01) << "the clock neither jumps nor stops at the splice";
     // From 150 ms after the turn on, the song is two semitones up.
-    EXPECT_NEAR(Frequency(out, size_t(0.15 * kRate), size_t(0.5 * kRate)), 493.88, 493.88 * 0.005);
+    EXPECT_NEAR(ToneFrequency(out, kRate, size_t(0.15 * kRate), size_t(0.5 * kRate)), 493.88, 493.88 * 0.005);
 
     source->SetSound(2, 0.8);
     const double slowing = Position();
     out = Play(1);
     EXPECT_NEAR(Position() - slowing, 0.8, 0.05) << "the tempo changes on the fly";
-    EXPECT_NEAR(Frequency(out, size_t(0.15 * kRate), kRate), 493.88, 493.88 * 0.005);
+    EXPECT_NEAR(ToneFrequency(out, kRate, size_t(0.15 * kRate), kRate), 493.88, 493.88 * 0.005);
 
     source->SetSound(0, 1);
     out = Play(0.5);
-    EXPECT_NEAR(Frequency(out, size_t(0.15 * kRate), size_t(0.5 * kRate)), 440, 440 * 0.003) << "back as it is";
+    EXPECT_NEAR(ToneFrequency(out, kRate, size_t(0.15 * kRate), size_t(0.5 * kRate)), 440, 440 * 0.003) << "back as it is";
     for (size_t i = 2; i < out.size(); i += 2)
         ASSERT_LT(std::fabs(out[i] - out[i - 2]), 0.2f) << "no click at frame " << i / 2;
 }

@@ -3,6 +3,7 @@
 // order of calls makes it give anything but sound.
 
 #include "audio/TimeStretch.h"
+#include "support/Tones.h"
 
 #include <algorithm>
 #include <cmath>
@@ -43,24 +44,6 @@ std::vector<float> Stream(TimeStretch& stretch, const std::vector<float>& song)
     return out;
 }
 
-// Left channel's frequency from its rising zero crossings between two points.
-double Frequency(const std::vector<float>& stereo, double fromSecond, double toSecond)
-{
-    double first = -1, last = -1;
-    int cycles = -1;
-    for (size_t i = size_t(fromSecond * kRate); i + 1 < size_t(toSecond * kRate) && 2 * i + 2 < stereo.size(); ++i) {
-        const float a = stereo[2 * i], b = stereo[2 * i + 2];
-        if (a < 0 && b >= 0) {
-            const double at = double(i) + a / (a - b);
-            if (first < 0)
-                first = at;
-            last = at;
-            ++cycles;
-        }
-    }
-    return cycles > 0 ? cycles * kRate / (last - first) : 0;
-}
-
 // Seconds from the first to the last frame louder than a tenth of the tone.
 double SoundingSeconds(const std::vector<float>& stereo)
 {
@@ -82,7 +65,7 @@ TEST(TimeStretch, TwoSemitonesUpKeepTheLength)
         stretch.SetSemitones(2);
         stretch.Restart(0);
         const std::vector<float> out = Stream(stretch, Tone(440, 4, 1));
-        EXPECT_NEAR(Frequency(out, 1, 3), 493.88, 493.88 * 0.003);
+        EXPECT_NEAR(ToneFrequency(out, kRate, size_t(kRate), size_t(3 * kRate)), 493.88, 493.88 * 0.003);
         EXPECT_NEAR(SoundingSeconds(out), 4.0, 4.0 * 0.005);
     }
 }
@@ -94,7 +77,7 @@ TEST(TimeStretch, ASlowerTempoLastsLongerInTheSameKey)
         stretch.SetTempo(0.8);
         stretch.Restart(0);
         const std::vector<float> out = Stream(stretch, Tone(440, 4, 1.5));
-        EXPECT_NEAR(Frequency(out, 1, 4), 440, 440 * 0.003);
+        EXPECT_NEAR(ToneFrequency(out, kRate, size_t(kRate), size_t(4 * kRate)), 440, 440 * 0.003);
         EXPECT_NEAR(SoundingSeconds(out), 5.0, 5.0 * 0.005);
         EXPECT_NEAR(stretch.SongFrame(), double(out.size() / 2) * 0.8, 1) << "each frame given is 0.8 of a song frame";
     }
