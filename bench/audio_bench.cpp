@@ -246,6 +246,76 @@ void CallbackCost(const std::string& song)
 
 } // namespace
 
+// How long a turn of the KEY knob takes to be heard: a 440 Hz song played on the manual device
+// in 10 ms buffers at the pace a sound card keeps, the key turned 0, +2, +4, +2, 0, ... (into and
+// out of the stretcher, and within it), and the time from each turn to the first 10 ms of output
+// at the new pitch.
+void KnobToSound(const QDir& dir)
+{
+    std::vector<float> tone(size_t(kRate) * 30 * 2);
+    for (size_t i = 0; i < tone.size() / 2; ++i)
+        tone[2 * i] = tone[2 * i + 1] = float(0.5 * std::sin(2 * 3.14159265358979 * 440 * double(i) / kRate));
+    const QString path = dir.filePath("knob.wav");
+    WriteStereoWav(path, tone, kRate);
+    auto manual = std::make_unique<ManualDevice>(kRate);
+    ManualDevice& device = *manual;
+    AudioEngine engine(std::move(manual));
+    std::string error;
+    auto source = FileSource::Open(path.toStdString(), kRate, error);
+    if (!source)
+        return;
+    engine.AddSource(source);
+    engine.Start();
+    source->Run();
+
+    constexpr int kStep = kRate / 100;
+    // The pitch of one buffer by its rising zero crossings, interpolated.
+    const auto pitch = [](const std::vector<float>& s) {
+        double first = -1, last = -1;
+        int cycles = -1;
+        for (size_t i = 0; 2 * i + 2 < s.size(); ++i)
+            if (s[2 * i] < 0 && s[2 * i + 2] >= 0) {
+                const double at = double(i) + s[2 * i] / (s[2 * i] - s[2 * i + 2]);
+                first = first < 0 ? at : first;
+                last = at;
+                ++cycles;
+            }
+        return cycles > 0 ? cycles * double(kRate) / (last - first) : 0.0;
+    };
+    const auto playBuffer = [&] {
+        const auto due = std::chrono::steady_clock::now() + std::chrono::milliseconds(10);
+        std::vector<float> out = device.Step(kStep, kStep);
+        std::this_thread::sleep_until(due);
+        return out;
+    };
+    MachineStalls stalls;
+    std::thread probe([&] { stalls = MeasureMachineStalls(30000); });
+    for (int i = 0; i < 100; ++i)
+        playBuffer();
+    std::vector<double> spliced, within;
+    const int keys[] = {2, 4, 2, 0};
+    for (int turn = 0; turn < 24; ++turn) {
+        const int semitones = keys[turn % 4];
+        const int before = keys[(turn + 3) % 4];
+        const double wanted = 440.0 * std::pow(2.0, semitones / 12.0);
+        source->SetSound(semitones, 1);
+        for (int buffer = 1; buffer <= 60; ++buffer)
+            if (std::fabs(pitch(playBuffer()) - wanted) < wanted * 0.01) {
+                (semitones == 0 || before == 0 ? spliced : within).push_back(buffer * 10.0);
+                break;
+            }
+        for (int i = 0; i < 30; ++i)
+            playBuffer();
+    }
+    probe.join();
+    const auto worst = [](const std::vector<double>& v) { return v.empty() ? 0 : *std::max_element(v.begin(), v.end()); };
+    std::printf("a turn of the KEY knob heard (audio song, 10 ms buffers at a sound card's pace): into or out of the "
+                "stretcher (%zu turns) median %.0f ms, worst %.0f ms; within it (%zu turns) median %.0f ms, worst %.0f ms; "
+                "machine stalls over 1 ms: %zu, longest %.2f ms\n",
+                spliced.size(), Median(spliced), worst(spliced), within.size(), Median(within), worst(within),
+                stalls.count, stalls.longestMs);
+}
+
 // Pink noise and a tone, a minute of it, as the stretcher and the vocal reduction will meet a song.
 std::vector<float> NoisySong(int seconds)
 {
@@ -324,5 +394,6 @@ int main()
     DecodeThroughput("Ogg", ogg, songSeconds);
     CallbackCost(mp3);
     StretchCost(NoisySong(songSeconds));
+    KnobToSound(folder);
     return 0;
 }
