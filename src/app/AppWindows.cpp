@@ -4,13 +4,13 @@
 #include "core/Dialogs.h"
 #include "core/SiteAddresses.h"
 #include "core/WindowPosition.h"
-#include "ui/kit/Desktop.h"
 #include "playback/PlayerCommands.h"
 #include "playback/PlayerTransport.h"
 #include "ui/editor/Editor.h"
 #include "ui/info/InfoDialogs.h"
 #include "ui/karaoke/LyricWindow.h"
 #include "ui/kit/AboutBoxes.h"
+#include "ui/kit/Desktop.h"
 #include "ui/midi/MidiEq.h"
 #include "ui/options/LyricOptions.h"
 #include "ui/player/PlayerServices.h"
@@ -58,15 +58,18 @@ KaraokeForm& AppWindows::LoadLyric()
         m_lyric = std::make_unique<LyricWindow>(m_state, m_state.Lyrics, m_store, m_state.Clock);
         m_lyric->OpenBeside(ShownToolsArea());
         m_lyric->Midi = &m_state.Midi;
-        m_lyric->PlayerCommand = [this](const QString& key) {
-            if (m_commands)
-                m_commands->MenuCommand(key);
-        };
+        m_lyric->PlayerCommand = [this](const QString& key) { RunPlayerCommand(key); };
         m_loaded.push_back(m_lyric.get());
         if (LyricLoaded)
             LyricLoaded(*m_lyric);
     }
     return *m_lyric;
+}
+
+void AppWindows::RunPlayerCommand(const QString& key)
+{
+    if (m_commands)
+        m_commands->MenuCommand(key);
 }
 
 QRect AppWindows::ShownToolsArea()
@@ -107,10 +110,7 @@ ControlsForm& AppWindows::LoadMidiEq()
 {
     if (!m_midiEq) {
         m_midiEq = std::make_unique<::MidiEq>(m_state, m_store, m_docking);
-        m_midiEq->PlayerCommand = [this](const QString& key) {
-            if (m_commands)
-                m_commands->MenuCommand(key);
-        };
+        m_midiEq->PlayerCommand = [this](const QString& key) { RunPlayerCommand(key); };
         if (m_equalizer && m_voice)
             m_midiEq->AttachVoice(*m_equalizer, *m_voice);
         const auto saved = ReadWindowPosition(m_store, QStringLiteral("eq position"));

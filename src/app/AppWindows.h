@@ -59,6 +59,8 @@ public:
 private:
     // The part of the screen the player and, when open, the playlist cover.
     QRect ShownToolsArea();
+    // A command of a window's menu, for the player's commands once they are attached.
+    void RunPlayerCommand(const QString& key);
 
     AppState& m_state;
     SettingsStore& m_store;

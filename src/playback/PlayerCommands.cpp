@@ -9,6 +9,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <map>
+#include <optional>
 
 PlayerCommands::PlayerCommands(PlayerState& state, FormProvider& forms, PlayerTransport& transport, TrayIcon& tray,
                                Dialogs& dialogs)
@@ -118,20 +119,24 @@ void PlayerCommands::OpenFileDialog()
         ChooseAndOpenFiles();
 }
 
-void PlayerCommands::ShowVerse(const QString& track)
+namespace {
+
+// The number that follows `prefix` in a numbered command's key ("Verse3", "Recent0").
+std::optional<int> NumberAfter(const QString& key, QStringView prefix)
 {
+    if (!key.startsWith(prefix))
+        return std::nullopt;
     bool ok = false;
-    const int number = track.toInt(&ok);
-    if (ok)
-        m_transport.ShowVerse(number);
+    const int number = key.mid(prefix.size()).toInt(&ok);
+    return ok ? std::optional<int>(number) : std::nullopt;
 }
 
-void PlayerCommands::OpenRecent(const QString& number)
+} // namespace
+
+void PlayerCommands::OpenRecent(int index)
 {
-    bool ok = false;
-    const int index = number.toInt(&ok);
     const QStringList& paths = m_state.Recent.Paths();
-    if (!ok || m_state.Recording || m_state.EditorOpen || index < 0 || index >= paths.size())
+    if (m_state.Recording || m_state.EditorOpen || index < 0 || index >= paths.size())
         return;
     const QString path = paths[index];
     if (!QFileInfo(path).isFile()) {
@@ -243,12 +248,12 @@ void PlayerCommands::MenuCommand(const QString& key)
         m_forms.Player().SetTimeStyle(QStringLiteral("CURRENT"));
     else if (key == u"Elapsed")
         m_forms.Player().SetTimeStyle(QStringLiteral("ELAPSED"));
-    else if (key.startsWith(u"Verse"))
-        ShowVerse(key.mid(5));
+    else if (const auto track = NumberAfter(key, u"Verse"))
+        m_transport.ShowVerse(*track);
     else if (key == u"RecentClear")
         m_state.Recent.Clear();
-    else if (key.startsWith(u"Recent"))
-        OpenRecent(key.mid(6));
+    else if (const auto index = NumberAfter(key, u"Recent"))
+        OpenRecent(*index);
     else if (key == u"Exit" && CloseApp)
         CloseApp();
     else if (key == u"TrayRestore" || key == u"TrayExit")

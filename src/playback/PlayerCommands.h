@@ -43,10 +43,8 @@ public:
     void OpenFileDialog();
     // The open dialog and the load behind that command, whatever window asks; false when cancelled.
     bool ChooseAndOpenFiles();
-    // Another verse of the MIDI song, by its track number.
-    void ShowVerse(const QString& track);
-    // A song of the recent files by its place in the list ("0" the latest).
-    void OpenRecent(const QString& number);
+    // A song of the recent files by its place in the list, 0 the latest.
+    void OpenRecent(int index);
 
     void MinimizeToTray();
     void RestoreFromTray();

@@ -16,6 +16,13 @@ constexpr qint64 kHashedBytes = 1 << 20;
 constexpr qint64 kLongestFile = qint64(SongMemory::kKept) * 200;
 const QByteArray kHeader = "#Songweaver song settings 1";
 
+// The choice in the knobs' ranges; a tempo that is no number is the song's own.
+SongChoice InRange(const SongChoice& choice)
+{
+    return SongChoice{std::clamp(choice.semitones, -12, 12),
+                      std::isfinite(choice.tempo) ? std::clamp(choice.tempo, 0.5, 2.0) : 1.0, choice.vocalsOff};
+}
+
 std::optional<SongChoice> ParseChoice(const QList<QByteArray>& fields)
 {
     if (fields.size() != 4)
@@ -26,7 +33,7 @@ std::optional<SongChoice> ParseChoice(const QList<QByteArray>& fields)
     const int vocals = fields[3].toInt(&vocalsOk);
     if (!semitonesOk || !tempoOk || !vocalsOk || !std::isfinite(tempo))
         return std::nullopt;
-    return SongChoice{std::clamp(semitones, -12, 12), std::clamp(tempo, 0.5, 2.0), vocals != 0};
+    return InRange(SongChoice{semitones, tempo, vocals != 0});
 }
 
 } // namespace
@@ -95,8 +102,7 @@ bool SongMemory::Remember(const QString& songPath, const SongChoice& choice)
     Load();
     m_order.removeAll(key);
     m_choices.remove(key);
-    const SongChoice kept{std::clamp(choice.semitones, -12, 12),
-                          std::isfinite(choice.tempo) ? std::clamp(choice.tempo, 0.5, 2.0) : 1.0, choice.vocalsOff};
+    const SongChoice kept = InRange(choice);
     if (!kept.IsNeutral()) {
         m_choices.insert(key, kept);
         m_order << key;

@@ -2,6 +2,14 @@
 
 #include <QMenu>
 
+QString NumberedMenuText(int index, const QString& text)
+{
+    const QString number = index < 9    ? QStringLiteral("&%1").arg(index + 1)
+                           : index == 9 ? QStringLiteral("1&0")
+                                        : QString::number(index + 1);
+    return number + u' ' + QString(text).replace(u'&', QStringLiteral("&&"));
+}
+
 QMenu* BuildKeyedMenu(QWidget* parent, const QString& name, const std::vector<MenuItem>& items, const MenuTexts& texts)
 {
     auto* menu = new QMenu(parent);

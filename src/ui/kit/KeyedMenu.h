@@ -20,5 +20,9 @@ struct MenuTexts {
     std::function<QMenu*(const QString& key)> submenu;  // may be empty
 };
 
+// The caption of the item at `index` (from 0) of a numbered list: "&1 text" to "&9 text", then
+// "1&0 text", then the number alone; a "&" of the text shows as itself.
+QString NumberedMenuText(int index, const QString& text);
+
 // The menu with `name` as its object name; each action holds its key as data.
 QMenu* BuildKeyedMenu(QWidget* parent, const QString& name, const std::vector<MenuItem>& items, const MenuTexts& texts);

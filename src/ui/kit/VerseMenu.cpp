@@ -2,6 +2,7 @@
 
 #include "core/Language.h"
 #include "midi/MidiBytes.h"
+#include "ui/kit/KeyedMenu.h"
 
 #include <QActionGroup>
 #include <QMenu>
@@ -30,8 +31,7 @@ void FillVerseMenu(QMenu& menu, const MidiFigures& midi, const LanguageTable& la
     menu.clear();
     auto* group = new QActionGroup(&menu);
     for (size_t i = 0; i < midi.Verses.size(); ++i) {
-        const QString number = i < 9 ? QStringLiteral("&%1").arg(i + 1) : QString::number(i + 1);
-        QAction* action = menu.addAction(number + u' ' + QString(VerseName(midi, i, language)).replace(u'&', QStringLiteral("&&")));
+        QAction* action = menu.addAction(NumberedMenuText(int(i), VerseName(midi, i, language)));
         action->setCheckable(true);
         action->setChecked(midi.Verses[i].Track == midi.Verse);
         group->addAction(action);

@@ -7,16 +7,16 @@
 
 #include <QTimer>
 #include <QWidget>
-#include <functional>
 #include <array>
+#include <functional>
 
 class Docking;
 class Equalizer;
+class QMenu;
 class SettingsStore;
 class VoiceCommands;
 struct PlayerState;
 
-class QMenu;
 class MidiEq final : public QWidget, public ControlsForm {
     Q_OBJECT
 public:

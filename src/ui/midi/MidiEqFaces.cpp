@@ -6,8 +6,8 @@
 #include "midi/MidiBytes.h"
 #include "midi/MidiKnobs.h"
 #include "playback/PlayerState.h"
-#include "ui/kit/VerseMenu.h"
 #include "ui/kit/Palette.h"
+#include "ui/kit/VerseMenu.h"
 #include "ui/midi/MidiEqLayout.h"
 #include "voice/Equalizer.h"
 

@@ -5,8 +5,8 @@
 #include "ui/kit/Desktop.h"
 #include "ui/kit/Docking.h"
 
-#include <QFileInfo>
 #include <QCloseEvent>
+#include <QFileInfo>
 #include <QFontMetrics>
 #include <QIcon>
 #include <QMenu>
@@ -121,9 +121,7 @@ void PlayerWindow::FillRecentMenu(QMenu& menu)
     menu.clear();
     const QStringList& paths = m_state.Recent.Paths();
     for (int i = 0; i < paths.size(); ++i) {
-        // "&1" to "&9", then "1&0": each file has its key.
-        const QString number = i < 9 ? QStringLiteral("&%1").arg(i + 1) : QStringLiteral("1&0");
-        QAction* action = menu.addAction(number + u' ' + QFileInfo(paths[i]).fileName().replace(u'&', QStringLiteral("&&")));
+        QAction* action = menu.addAction(NumberedMenuText(i, QFileInfo(paths[i]).fileName()));
         action->setToolTip(paths[i]);
         const QString key = QStringLiteral("Recent%1").arg(i);
         connect(action, &QAction::triggered, this, [this, key] { emit menuCommand(key); });
