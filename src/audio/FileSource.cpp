@@ -3,6 +3,7 @@
 #include "audio/FfmpegHandles.h"
 #include "audio/MediaProbe.h"
 #include "audio/TimeStretch.h"
+#include "audio/VocalReducer.h"
 
 #include <algorithm>
 #include <chrono>
@@ -187,12 +188,19 @@ std::shared_ptr<FileSource> FileSource::Open(const std::string& path, int output
     return source;
 }
 
-// The decoder thread's stretcher, while the key or the tempo is moved.
+// The decoder thread's path through the vocal reducer and the stretcher, while either is wanted.
 struct FileSource::Shaping {
     std::unique_ptr<TimeStretch> stretch;
+    std::unique_ptr<VocalReducer> reducer;
     bool stretching = false;
+    bool reducing = false;
     bool finished = false;  // the file has ended and the stretcher was told
+    bool flushed = false;   // the file has ended and the reducer gave up what it held
+    int64_t discard = 0;    // frames the reducer still gives from before where the path starts
     uint32_t soundSerial = 0;
+
+    bool Shaped() const { return stretching || reducing; }
+    int64_t ReducerDelay() const { return reducing ? VocalReducer::kDelayFrames : 0; }
 };
 
 FileSource::FileSource(int outputRate, std::unique_ptr<Decoder> decoder)
@@ -200,6 +208,7 @@ FileSource::FileSource(int outputRate, std::unique_ptr<Decoder> decoder)
       m_chunks(kChunkCount)
 {
     m_duration = m_decoder->Duration();
+    m_stereo = m_decoder->codec->ch_layout.nb_channels >= 2;
     for (uint32_t i = 0; i < kChunkCount; ++i)
         m_free.Push(i);
 }
@@ -223,11 +232,11 @@ bool FileSource::FillChunk(uint32_t serial)
     if (!m_free.Pop(index))
         return true;
     Decoder& d = *m_decoder;
-    const bool more = d.DecodeMore();
+    const bool more = DecodeInPath();
     Chunk& chunk = m_chunks[index];
     chunk.serial = serial;
     chunk.generation = m_generation.load(std::memory_order_relaxed);
-    chunk.startSong = double(d.PendingStart());
+    chunk.startSong = double(PathStart());
     chunk.step = 1;
     chunk.frames = int(std::min<size_t>(kChunkFrames, d.PendingFrames()));
     chunk.endOfStream = !more;
@@ -235,6 +244,58 @@ bool FileSource::FillChunk(uint32_t serial)
     d.pendingOffset += size_t(chunk.frames);
     Queue(index, serial);
     return more;
+}
+
+bool FileSource::DecodeInPath()
+{
+    Decoder& d = *m_decoder;
+    Shaping& shaping = *m_shaping;
+    if (!shaping.reducing)
+        return d.DecodeMore();
+    while (d.PendingFrames() == 0) {
+        if (!d.DecodeMore() && !FlushReducer())
+            return false;
+        shaping.reducer->Process(d.pending.data() + d.pendingOffset * 2, int(d.PendingFrames()));
+        const int64_t dropped = std::min<int64_t>(shaping.discard, int64_t(d.PendingFrames()));
+        d.pendingOffset += size_t(dropped);
+        shaping.discard -= dropped;
+    }
+    return true;
+}
+
+bool FileSource::FlushReducer()
+{
+    Decoder& d = *m_decoder;
+    if (m_shaping->flushed)
+        return false;
+    m_shaping->flushed = true;
+    // Silence after the end pushes the song's last frames out of the reducer's delay.
+    d.pending.assign(size_t(VocalReducer::kDelayFrames) * 2, 0.0f);
+    d.pendingOffset = 0;
+    d.nextFrame += VocalReducer::kDelayFrames;
+    return true;
+}
+
+int64_t FileSource::PathStart() const
+{
+    return m_decoder->PendingStart() - m_shaping->ReducerDelay();
+}
+
+void FileSource::StartPathAt(int64_t songFrame)
+{
+    Shaping& shaping = *m_shaping;
+    // The reducer's sound comes out late by its delay: it starts that much earlier, and what it
+    // gives from before the song frame is dropped.
+    const int64_t from = std::max<int64_t>(0, songFrame - shaping.ReducerDelay());
+    m_decoder->Seek(from);
+    shaping.discard = shaping.reducing ? shaping.ReducerDelay() + songFrame - from : 0;
+    if (shaping.reducing)
+        shaping.reducer->Reset();
+    if (shaping.stretching)
+        shaping.stretch->Restart(songFrame);
+    shaping.finished = false;
+    shaping.flushed = false;
+    m_queuedTo.store(double(songFrame), std::memory_order_relaxed);
 }
 
 bool FileSource::FillStretchedChunk(uint32_t serial)
@@ -254,7 +315,7 @@ bool FileSource::FillStretchedChunk(uint32_t serial)
         chunk.frames += stretch.Pull(chunk.samples + 2 * chunk.frames, kChunkFrames - chunk.frames);
         if (chunk.frames == kChunkFrames || m_shaping->finished)
             break;
-        if (!d.DecodeMore()) {
+        if (!DecodeInPath()) {
             stretch.Finish();
             m_shaping->finished = true;
             continue;
@@ -287,29 +348,31 @@ void FileSource::FollowSound()
     shaping.soundSerial = serial;
     const int semitones = m_semitones.load(std::memory_order_relaxed);
     const double tempo = m_tempo.load(std::memory_order_relaxed);
-    const bool wanted = semitones != 0 || tempo != 1;
-    if (!shaping.stretch && wanted)
+    const bool stretch = semitones != 0 || tempo != 1;
+    const bool reduce = m_vocalsOff.load(std::memory_order_relaxed);
+    if (!shaping.stretch && stretch)
         shaping.stretch = std::make_unique<TimeStretch>(m_outputRate, TimeStretch::Engine::Faster);
+    if (!shaping.reducer && reduce) {
+        shaping.reducer = std::make_unique<VocalReducer>(m_outputRate);
+        shaping.reducer->SetOn(true);
+    }
     if (shaping.stretch) {
         shaping.stretch->SetSemitones(semitones);
         shaping.stretch->SetTempo(tempo);
     }
-    if (wanted == shaping.stretching)
+    if (stretch == shaping.stretching && reduce == shaping.reducing)
         return;
-    // Into or out of the stretcher: the queue is cut a little ahead of what plays (before it plays,
-    // where the song stands), no later than what it holds, and the song goes on from there on the
+    // Onto another path: the queue is cut a little ahead of what plays (before it plays, where
+    // the song stands), no later than what it holds, and the song goes on from there on the
     // other path, with no gap and no jump of the clock.
     const double lead = m_state.load(std::memory_order_relaxed) == Running ? kSpliceLeadSeconds * m_outputRate : 0;
-    const double queuedTo = shaping.stretching ? shaping.stretch->SongFrame() : double(m_decoder->PendingStart());
+    const double queuedTo = shaping.stretching ? shaping.stretch->SongFrame() : double(PathStart());
     const double splice = std::ceil(std::min(m_rtSongFrame.load(std::memory_order_relaxed) + lead, queuedTo));
     m_spliceFrame.store(splice, std::memory_order_relaxed);
     m_generation.fetch_add(1, std::memory_order_release);
-    m_decoder->Seek(int64_t(splice));
-    m_queuedTo.store(splice, std::memory_order_relaxed);
-    shaping.stretching = wanted;
-    shaping.finished = false;
-    if (wanted)
-        shaping.stretch->Restart(int64_t(splice));
+    shaping.stretching = stretch;
+    shaping.reducing = reduce;
+    StartPathAt(int64_t(splice));
 }
 
 double FileSource::LeadFrames() const
@@ -331,12 +394,7 @@ void FileSource::DecodeLoop()
         const uint32_t wanted = m_seekSerial.load(std::memory_order_acquire);
         if (wanted != serial) {
             serial = wanted;
-            const int64_t target = m_seekFrame.load(std::memory_order_relaxed);
-            d.Seek(target);
-            m_queuedTo.store(double(target), std::memory_order_relaxed);
-            if (m_shaping->stretching)
-                m_shaping->stretch->Restart(target);
-            m_shaping->finished = false;
+            StartPathAt(m_seekFrame.load(std::memory_order_relaxed));
             endSent = false;
         }
         if (m_soundSerial.load(std::memory_order_acquire) != m_shaping->soundSerial) {
@@ -344,13 +402,14 @@ void FileSource::DecodeLoop()
             m_followedSound.store(m_shaping->soundSerial, std::memory_order_release);
             endSent = false;
         }
-        // The song as it is fills the queue but for a few chunks, which a splice into the
-        // stretcher takes while the chunks before it still play.
-        const bool leadFull = m_shaping->stretching ? LeadFrames() >= kStretchLeadFrames * m_shaping->stretch->Tempo()
-                                                    : m_free.Size() <= kSpliceReserveChunks;
+        // The song as it is fills the queue but for a few chunks, which a splice onto the
+        // shaping path takes while the chunks before it still play.
+        const double tempo = m_shaping->stretching ? m_shaping->stretch->Tempo() : 1.0;
+        const bool leadFull = m_shaping->Shaped() ? LeadFrames() >= kStretchLeadFrames * tempo
+                                                  : m_free.Size() <= kSpliceReserveChunks;
         if (endSent || m_free.Size() == 0 || leadFull) {
             std::unique_lock lock(d.mutex);
-            d.wake.wait_for(lock, std::chrono::milliseconds(m_shaping->stretching ? 2 : 5));
+            d.wake.wait_for(lock, std::chrono::milliseconds(m_shaping->Shaped() ? 2 : 5));
             continue;
         }
         endSent = !FillChunk(serial);
@@ -378,6 +437,16 @@ void FileSource::SetSound(int semitones, double tempo)
                   std::memory_order_relaxed);
     m_soundSerial.fetch_add(1, std::memory_order_release);
     m_decoder->wake.notify_one();
+}
+
+bool FileSource::SetVocalsOff(bool off)
+{
+    if (off && !m_stereo)
+        return false;
+    m_vocalsOff.store(off, std::memory_order_relaxed);
+    m_soundSerial.fetch_add(1, std::memory_order_release);
+    m_decoder->wake.notify_one();
+    return true;
 }
 
 double FileSource::SecondsBuffered() const

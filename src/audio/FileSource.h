@@ -44,6 +44,10 @@ public:
     // The key in semitones (-12 to 12) and the tempo with the key kept (0.5 to 2); heard within
     // a tenth of a second or so, whatever is decoded ahead. 0 and 1 play the file as it is.
     void SetSound(int semitones, double tempo);
+    // Takes out the voice mixed in the centre (the vocal reducer), at every key and tempo; false
+    // for a song that is not stereo.
+    bool SetVocalsOff(bool off);
+    bool IsStereo() const { return m_stereo; }
     double Rate() const { return m_rate; }
     // Seconds of decoded audio queued ahead of the real-time thread.
     double SecondsBuffered() const;
@@ -73,10 +77,19 @@ private:
     // Decodes one chunk into the queue (if a free one exists); false once the file has ended.
     bool FillChunk(uint32_t serial);
     bool FillStretchedChunk(uint32_t serial);
+    // Decodes until frames are pending, through the vocal reducer when it is on the path; false
+    // once the file has ended.
+    bool DecodeInPath();
+    bool FlushReducer();
+    // The song frame of the first pending frame, as it comes out of the path.
+    int64_t PathStart() const;
+    // Decoder thread: the path in force starts over at a song frame (a seek or a splice).
+    void StartPathAt(int64_t songFrame);
     void Queue(uint32_t index, uint32_t serial);
     // Song frames queued ahead of what the real-time thread has read.
     double LeadFrames() const;
-    // Decoder thread: a new key or tempo, taken on the fly or by a splice into the queue.
+    // Decoder thread: a new key or tempo, taken on the fly, or another path (the reducer or the
+    // stretcher in or out) spliced into the queue.
     void FollowSound();
     // Real-time thread only.
     void FollowSeek() noexcept;
@@ -90,6 +103,7 @@ private:
     std::unique_ptr<Decoder> m_decoder;
     std::unique_ptr<Shaping> m_shaping;  // decoder thread only
     double m_duration = 0;
+    bool m_stereo = true;
     std::vector<Chunk> m_chunks;
     SpscQueue<uint32_t> m_filled{kChunkCount};  // decoder to real-time thread
     SpscQueue<uint32_t> m_free{kChunkCount};    // and back
@@ -98,6 +112,7 @@ private:
     std::atomic<double> m_rate{1.0};
     std::atomic<int> m_semitones{0};
     std::atomic<double> m_tempo{1.0};
+    std::atomic<bool> m_vocalsOff{false};
     std::atomic<uint32_t> m_soundSerial{0};
     std::atomic<uint32_t> m_followedSound{0};  // the last SetSound the decoder thread took up
     std::atomic<double> m_queuedTo{0};          // the song frame the queue reaches

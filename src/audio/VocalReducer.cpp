@@ -42,7 +42,8 @@ void VocalReducer::Reset()
     std::fill(m_ready.begin(), m_ready.end(), Complex{0, 0});
     m_filled = 0;
     m_warmBlocks = 0;
-    m_amount = 0;
+    // A seek lands in the song as it was heard: reduced at once, not faded in.
+    m_amount = m_on ? 1 : 0;
     m_sinceReduced = kOverlap;
 }
 

@@ -27,7 +27,8 @@ public:
 
     void SetOn(bool on) { m_on = on; }
     bool On() const { return m_on; }
-    // Empties what it holds, as after a seek: the next frames come out kDelayFrames late again.
+    // Empties what it holds, as after a seek: the next frames come out kDelayFrames late again,
+    // and reduced from the first if it is on.
     void Reset();
     // Interleaved stereo in place.
     void Process(float* interleaved, int frames);

@@ -25,6 +25,8 @@ bool MediaSession::RenderFile(const QString& path)
     source->SetRate(m_rate);
     if (m_semitones != 0 || m_tempo != 1)
         source->SetSound(m_semitones, m_tempo);
+    if (m_vocalsOff && !source->SetVocalsOff(true))
+        m_vocalsOff = false;
     source->Volume = m_volume;
     source->Balance = m_balance;
     if (!m_engine.AddSource(source)) {
@@ -89,6 +91,14 @@ void MediaSession::SetSound(int semitones, double tempo)
     m_tempo = tempo;
     if (m_source)
         m_source->SetSound(semitones, tempo);
+}
+
+bool MediaSession::SetVocalsOff(bool off)
+{
+    if (m_source && !m_source->SetVocalsOff(off))
+        return false;
+    m_vocalsOff = off;
+    return true;
 }
 
 void MediaSession::put_Volume(int hundredthsDb)

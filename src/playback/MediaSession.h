@@ -35,6 +35,9 @@ public:
     void SetSound(int semitones, double tempo);
     int Semitones() const { return m_semitones; }
     double Tempo() const { return m_tempo; }
+    // The voice in the centre taken out; false, and nothing changed, for a song that is not stereo.
+    bool SetVocalsOff(bool off);
+    bool VocalsOff() const { return m_vocalsOff; }
     // Decoded audio waiting for the device, in seconds.
     double SecondsBuffered() const;
 
@@ -45,6 +48,7 @@ private:
     double m_rate = 1.0;
     int m_semitones = 0;
     double m_tempo = 1.0;
+    bool m_vocalsOff = false;
     int m_volume = 0;
     int m_balance = 0;
 };
