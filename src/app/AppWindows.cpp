@@ -59,6 +59,10 @@ KaraokeForm& AppWindows::LoadLyric()
         m_lyric->OpenBeside(ShownToolsArea());
         m_lyric->Midi = &m_state.Midi;
         m_lyric->PlayerCommand = [this](const QString& key) { RunPlayerCommand(key); };
+        QObject::connect(m_lyric.get(), &LyricWindow::keyPressed, m_lyric.get(), [this](int key, Qt::KeyboardModifiers modifiers) {
+            if (m_commands)
+                m_commands->KeyDown(key, modifiers, KeyWindow::Karaoke);
+        });
         m_loaded.push_back(m_lyric.get());
         if (LyricLoaded)
             LyricLoaded(*m_lyric);

@@ -6,6 +6,7 @@
 #include "core/Forms.h"
 #include "core/SettingsStore.h"
 #include "core/WindowPosition.h"
+#include "playback/SongSound.h"
 #include "voice/VoiceFiles.h"
 
 #include <QDir>
@@ -21,6 +22,11 @@ constexpr int kTakeIdleSeconds = 60;
 QString PlaylistIniPath(const QString& dataFolder)
 {
     return dataFolder + QStringLiteral("/Songweaver.ini");
+}
+
+QString SongChoicesPath(const QString& dataFolder)
+{
+    return dataFolder + QStringLiteral("/song settings.txt");
 }
 
 Application::Application(AppState& state, Platform platform, FormProvider& forms, SongTransport& transport,
@@ -78,6 +84,7 @@ bool Application::LoadPlayer()
     player.ApplySkin();
     RestoreWindowPositions();
     m_state.Recent.Read(m_platform.store);
+    m_state.SongChoices = std::make_unique<SongMemory>(SongChoicesPath(m_platform.dataFolder));
     player.BuildMenus();
     ResetLyricsData(m_state.Lyrics);
     player.SetTimeText(QStringLiteral("00:00"));
@@ -170,6 +177,7 @@ void Application::CloseApp()
     if (m_mixer && m_mixer->LevelCaptureRunning())
         m_mixer->StopLevelCapture();
     m_state.Theme->KaraokeWindow = m_state.KaraokeOpen;
+    KeepSongSound(m_state);
     if (m_state.Session) {
         m_state.Session->Stop();
         m_state.Session.reset();

@@ -30,6 +30,8 @@ struct Platform {
 
 // The last playlist of a run, in M3U form, in the data folder.
 QString PlaylistIniPath(const QString& dataFolder);
+// The key, tempo and vocals chosen for each song, in the data folder.
+QString SongChoicesPath(const QString& dataFolder);
 
 class Application {
 public:

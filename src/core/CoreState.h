@@ -26,6 +26,7 @@ struct CoreState {
     bool VoicePlaying = false;
     bool Recording = false;
     bool MicrophoneOn = false;
+    bool VocalsOff = false;  // the song that plays has its vocals taken out
     bool InTray = false;
     bool LyricsRunning = false;
     int16_t HoverButton = 0;

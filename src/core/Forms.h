@@ -109,8 +109,8 @@ public:
     virtual void CloseDevice() = 0;
     // A MIDI or KAR song was loaded.
     virtual void ChangeMidi(const QString& file, int mode) = 0;
-    // The song's words switched to another verse.
-    virtual void ShowVerse() = 0;
+    // The song's verse, key, tempo or vocals changed from elsewhere: the window shows them again.
+    virtual void Refresh() = 0;
 };
 
 // The lyrics editor.

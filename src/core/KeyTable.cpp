@@ -29,6 +29,12 @@ constexpr std::array kKeys = {
     KeyBinding{W::Player, Qt::Key_3, kAlt, C::FileInfo, "Alt+3", "ShortFileInfo"},
     KeyBinding{W::Player, Qt::Key_T, kCtrl, C::TimeMode, "Ctrl+T", "ShortTimeMode"},
     KeyBinding{W::Player, Qt::Key_P, kCtrl, C::Preferences, "Ctrl+P", "ShortPreferences"},
+    KeyBinding{W::Player, Qt::Key_Up, kAlt, C::KeyUp, "Alt+Up", "ShortKeyUp"},
+    KeyBinding{W::Player, Qt::Key_Down, kAlt, C::KeyDown, "Alt+Down", "ShortKeyDown"},
+    KeyBinding{W::Player, Qt::Key_Right, kAlt, C::TempoUp, "Alt+Right", "ShortTempoUp"},
+    KeyBinding{W::Player, Qt::Key_Left, kAlt, C::TempoDown, "Alt+Left", "ShortTempoDown"},
+    KeyBinding{W::Player, Qt::Key_Home, kAlt, C::OwnSound, "Alt+Home", "ShortOwnSound"},
+    KeyBinding{W::Player, Qt::Key_End, kAlt, C::VocalsOff, "Alt+End", "ShortVocalsOff"},
 
     KeyBinding{W::Playlist, Qt::Key_3, kAlt, C::FileInfo, "Alt+3", nullptr},
     KeyBinding{W::Playlist, Qt::Key_Delete, kNone, C::RemoveRows, "Delete", nullptr},
@@ -37,6 +43,12 @@ constexpr std::array kKeys = {
     KeyBinding{W::Playlist, Qt::Key_C, kNone, C::Pause, "C", nullptr},
     KeyBinding{W::Playlist, Qt::Key_V, kNone, C::Stop, "V", nullptr},
     KeyBinding{W::Playlist, Qt::Key_B, kNone, C::Next, "B", nullptr},
+    KeyBinding{W::Playlist, Qt::Key_Up, kAlt, C::KeyUp, "Alt+Up", nullptr},
+    KeyBinding{W::Playlist, Qt::Key_Down, kAlt, C::KeyDown, "Alt+Down", nullptr},
+    KeyBinding{W::Playlist, Qt::Key_Right, kAlt, C::TempoUp, "Alt+Right", nullptr},
+    KeyBinding{W::Playlist, Qt::Key_Left, kAlt, C::TempoDown, "Alt+Left", nullptr},
+    KeyBinding{W::Playlist, Qt::Key_Home, kAlt, C::OwnSound, "Alt+Home", nullptr},
+    KeyBinding{W::Playlist, Qt::Key_End, kAlt, C::VocalsOff, "Alt+End", nullptr},
 
     KeyBinding{W::Editor, Qt::Key_Space, kNone, C::Capture, "Space", "ShortCapture"},
     KeyBinding{W::Editor, Qt::Key_Plus, kKeypad, C::CorrectUp, "Num +", "ShortCorrect+"},
@@ -59,6 +71,12 @@ constexpr std::array kKeys = {
     KeyBinding{W::Editor, Qt::Key_F1, kNone, C::Help, "F1", "ShortHelp"},
 
     KeyBinding{W::Karaoke, 0, kNone, C::FullScreen, nullptr, "ShortFullscreen"},
+    KeyBinding{W::Karaoke, Qt::Key_Up, kAlt, C::KeyUp, "Alt+Up", nullptr},
+    KeyBinding{W::Karaoke, Qt::Key_Down, kAlt, C::KeyDown, "Alt+Down", nullptr},
+    KeyBinding{W::Karaoke, Qt::Key_Right, kAlt, C::TempoUp, "Alt+Right", nullptr},
+    KeyBinding{W::Karaoke, Qt::Key_Left, kAlt, C::TempoDown, "Alt+Left", nullptr},
+    KeyBinding{W::Karaoke, Qt::Key_Home, kAlt, C::OwnSound, "Alt+Home", nullptr},
+    KeyBinding{W::Karaoke, Qt::Key_End, kAlt, C::VocalsOff, "Alt+End", nullptr},
 };
 
 } // namespace

@@ -44,6 +44,12 @@ enum class KeyCommand {
     PrintLyrics,
     Help,
     FullScreen,
+    KeyUp,
+    KeyDown,
+    TempoUp,
+    TempoDown,
+    OwnSound,
+    VocalsOff,
 };
 
 struct KeyBinding {

@@ -2,7 +2,6 @@
 
 #include "midi/MidiKnobs.h"
 #include "midi/MidiPlayer.h"
-#include "playback/MediaSession.h"
 #include "playback/PlayerState.h"
 
 MidiPlayer* PlayingMidi(PlayerState& state)
@@ -20,30 +19,7 @@ SongSession* PlayingAudio(PlayerState& state)
     return state.IsMidi ? nullptr : state.Session.get();
 }
 
-MediaSession* PlayingMedia(PlayerState& state)
-{
-    return dynamic_cast<MediaSession*>(PlayingAudio(state));
-}
-
 } // namespace
-
-void ApplyTranspose(PlayerState& state, int top)
-{
-    if (MidiPlayer* midi = PlayingMidi(state))
-        midi->SetTranspose(TransposeSemitones(KnobValue(top)));
-    if (MediaSession* audio = PlayingMedia(state))
-        audio->SetSound(AudioSemitonesOfKnob(top), audio->Tempo());
-}
-
-void ApplyTempo(PlayerState& state, int top)
-{
-    if (MidiPlayer* midi = PlayingMidi(state))
-        midi->put_Rate(MasterTempo(KnobValue(top)));
-    if (MediaSession* media = PlayingMedia(state); media && state.Theme->KeepPitch)
-        media->SetSound(media->Semitones(), AudioTempoOfKnob(top));
-    else if (SongSession* audio = PlayingAudio(state))
-        audio->put_Rate(AudioRateOfKnob(top));
-}
 
 void ApplySongBalance(PlayerState& state, int value)
 {

@@ -1,7 +1,6 @@
 #pragma once
-// The MIDI window's controls applied to the song that plays. The channel strips and the
-// transpose reach only a MIDI song; the tempo knob and the whole-song balance reach an audio
-// song too, as its rate and its balance.
+// The MIDI window's channel controls applied to the song that plays: the channel strips reach
+// only a MIDI song, the whole-song balance an audio song too.
 
 class MidiPlayer;
 struct PlayerState;
@@ -9,9 +8,6 @@ struct PlayerState;
 // The MIDI player of the song that plays; nullptr for an audio song or none.
 MidiPlayer* PlayingMidi(PlayerState& state);
 
-// Knob tops from 86 to 150.
-void ApplyTranspose(PlayerState& state, int top);
-void ApplyTempo(PlayerState& state, int top);
 // 0 to 20000, 10000 the centre; kept for the songs that follow.
 void ApplySongBalance(PlayerState& state, int value);
 

@@ -131,6 +131,18 @@ std::optional<int> NumberAfter(const QString& key, QStringView prefix)
     return ok ? std::optional<int>(number) : std::nullopt;
 }
 
+// The menus' commands of the song's key, tempo and vocals.
+std::optional<KeyCommand> SoundCommandOfMenu(const QString& key)
+{
+    static constexpr std::pair<const char*, KeyCommand> kSound[] = {
+        {"KeyUp", KeyCommand::KeyUp},     {"KeyDown", KeyCommand::KeyDown},   {"TempoUp", KeyCommand::TempoUp},
+        {"TempoDown", KeyCommand::TempoDown}, {"OwnSound", KeyCommand::OwnSound}, {"VocalsOff", KeyCommand::VocalsOff}};
+    for (const auto& [name, command] : kSound)
+        if (key == QLatin1String(name))
+            return command;
+    return std::nullopt;
+}
+
 } // namespace
 
 void PlayerCommands::OpenRecent(int index)
@@ -250,6 +262,8 @@ void PlayerCommands::MenuCommand(const QString& key)
         m_forms.Player().SetTimeStyle(QStringLiteral("ELAPSED"));
     else if (const auto track = NumberAfter(key, u"Verse"))
         m_transport.ShowVerse(*track);
+    else if (const auto sound = SoundCommandOfMenu(key))
+        m_transport.ChangeSound(*sound);
     else if (key == u"RecentClear")
         m_state.Recent.Clear();
     else if (const auto index = NumberAfter(key, u"Recent"))
@@ -260,9 +274,9 @@ void PlayerCommands::MenuCommand(const QString& key)
         TrayCommand(key);
 }
 
-bool PlayerCommands::KeyDown(int key, Qt::KeyboardModifiers modifiers)
+bool PlayerCommands::KeyDown(int key, Qt::KeyboardModifiers modifiers, KeyWindow window)
 {
-    const KeyBinding* binding = FindKey(KeyWindow::Player, key, modifiers);
+    const KeyBinding* binding = FindKey(window, key, modifiers);
     return binding && RunKeyCommand(binding->command);
 }
 
@@ -324,7 +338,7 @@ bool PlayerCommands::RunKeyCommand(KeyCommand command)
         SwapTimeStyle();
         return true;
     default:
-        return false;
+        return m_transport.ChangeSound(command);
     }
 }
 

@@ -33,8 +33,9 @@ public:
 
     void ButtonAction(PlayerButton button);
     void MenuCommand(const QString& key);
-    // True when the key matched a row of the key table and its command exists.
-    bool KeyDown(int key, Qt::KeyboardModifiers modifiers);
+    // True when the key matched a row of the key table and its command exists; the karaoke
+    // window's keys come here too.
+    bool KeyDown(int key, Qt::KeyboardModifiers modifiers, KeyWindow window = KeyWindow::Player);
     // A player command of the key table, from whichever window's key reached it.
     bool RunKeyCommand(KeyCommand command);
     // The information dialog of the playlist's selected row, by the kind of its file.

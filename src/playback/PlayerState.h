@@ -7,13 +7,21 @@
 #include "core/CoreState.h"
 #include "lyrics/LyricsData.h"
 #include "midi/MidiBytes.h"
+#include "midi/MidiKnobs.h"
 #include "midi/MidiPlayer.h"
 #include "playback/SessionClock.h"
+#include "playback/SongMemory.h"
 #include "tags/MP3Class.h"
 
 #include <QString>
 #include <cstdint>
 #include <memory>
+
+// The KEY and TEMPO knobs' tops, as the song that plays has them.
+struct SoundKnobs {
+    int keyTop = kKnobCentre;
+    int tempoTop = kKnobCentre;
+};
 
 struct PlayerState : CoreState {
     QString CurrentFile;
@@ -29,6 +37,9 @@ struct PlayerState : CoreState {
     float PlaybackRate = 1.0f;
     int SongBalance = 10000;  // the whole-song balance knob, 0 to 20000; every song gets it
     int16_t PlayingIndex = -1;
+    SoundKnobs Sound;
+    std::unique_ptr<SongMemory> SongChoices;  // what was chosen for each song; null keeps nothing
+    QString SongKey;                          // the song that plays, as the memory knows it
 
     LyricsState Lyrics;
     SessionClock Clock{*this};

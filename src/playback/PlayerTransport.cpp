@@ -8,6 +8,7 @@
 #include "playback/MediaSession.h"
 #include "playback/MidiControls.h"
 #include "playback/PlayerState.h"
+#include "playback/SongSound.h"
 #include "playback/VoiceCommands.h"
 
 #include <QFile>
@@ -77,6 +78,7 @@ std::unique_ptr<SongSession> PlayerTransport::RenderedSession(const QString& pat
 
 bool PlayerTransport::CreateGraph(const QString& path)
 {
+    KeepSongSound(m_state);
     m_state.Session.reset();
     bool failed = false;
     m_state.Session = RenderedSession(path, failed);
@@ -172,12 +174,16 @@ void PlayerTransport::CloseSong()
     m_state.PlayingIndex = -1;
     if (ControlsForm* midi = m_forms.MidiEq())
         midi->CloseDevice();
-    m_state.IsMidi = false;
     StopVoice();
+    KeepSongSound(m_state);
     if (m_state.Session) {
         m_state.Session->Stop();
         m_state.Session.reset();
     }
+    m_state.IsMidi = false;
+    m_state.Sound = {};
+    m_state.VocalsOff = false;
+    m_state.SongKey.clear();
     TransportLamps(PlayerLamp::Stop);
 }
 
@@ -255,4 +261,36 @@ void PlayerTransport::ReopenAround(const QString& path, const std::function<void
         reopened->Run();
     reopened->put_Volume(ReopenedVolume(Player().VolumeValue(), m_state.Muted));
     m_state.Session = std::move(reopened);
+    // The song goes on as it was heard; its new bytes are its new name in the memory.
+    ApplyChoice(m_state, ChosenSound(m_state));
+    if (m_state.SongChoices) {
+        m_state.SongKey = SongMemory::SongKey(path);
+        KeepSongSound(m_state);
+    }
+}
+
+bool PlayerTransport::ChangeSound(KeyCommand command)
+{
+    switch (command) {
+    case KeyCommand::KeyUp:
+    case KeyCommand::KeyDown:
+        StepKey(m_state, command == KeyCommand::KeyUp ? 1 : -1);
+        break;
+    case KeyCommand::TempoUp:
+    case KeyCommand::TempoDown:
+        StepTempo(m_state, command == KeyCommand::TempoUp ? 1 : -1);
+        break;
+    case KeyCommand::OwnSound:
+        ApplyChoice(m_state, SongChoice{});
+        break;
+    case KeyCommand::VocalsOff:
+        if (!ApplyVocalsOff(m_state, !m_state.VocalsOff) && m_messages)
+            m_messages->Inform(m_state.Language.GetText(QStringLiteral("VocalsCannot")));
+        break;
+    default:
+        return false;
+    }
+    if (ControlsForm* midi = m_forms.MidiEq())
+        midi->Refresh();
+    return true;
 }

@@ -4,6 +4,7 @@
 // of Next and Previous over the playlist.
 
 #include "core/Forms.h"
+#include "core/KeyTable.h"
 #include "lyrics/LyricsLoader.h"
 #include "playback/PlaybackTicks.h"
 
@@ -82,6 +83,9 @@ public:
     void OpenFiles(const QStringList& files);
     // The words of another verse of the MIDI song that plays, by its track, from where it is.
     void ShowVerse(int track);
+    // The key, tempo or vocals of the song that plays, moved by a key or a menu; false for a
+    // command of another kind. A song whose vocals cannot go says so.
+    bool ChangeSound(KeyCommand command);
 
 private:
     PlayerForm& Player() { return m_forms.Player(); }

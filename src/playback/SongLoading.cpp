@@ -8,6 +8,7 @@
 #include "playback/MediaSession.h"
 #include "playback/PlayerState.h"
 #include "playback/PlayerTransport.h"
+#include "playback/SongSound.h"
 
 #include <QFileInfo>
 
@@ -83,6 +84,9 @@ void PlayerTransport::OpenAudioSong(const QString& path, bool autoplay)
         return;
     }
     m_state.CurrentFile = path;
+    RecallSongSound(m_state, path);
+    if (ControlsForm* midi = m_forms.MidiEq())
+        midi->Refresh();
     if (autoplay)
         PlaySong();
     ShowSongLabels();
@@ -150,6 +154,7 @@ void PlayerTransport::OpenMidiSong(const QString& path)
     m_state.CurrentFile = m_state.EditorFile;
     // The words of a MIDI song come from the file itself; there is no search.
     LoadMidiLyrics(m_state.Lyrics, m_state.Midi, path, LyricsEnvironmentOfSong());
+    RecallSongSound(m_state, path);
     if (ControlsForm* midi = m_forms.MidiEq())
         midi->ChangeMidi(m_state.CurrentInfo->Filename(), 0);
     // A MIDI song starts as soon as it is loaded.
@@ -177,7 +182,7 @@ void PlayerTransport::ShowVerse(int track)
         lyric->GetLastPos();
     }
     if (ControlsForm* midi = m_forms.MidiEq())
-        midi->ShowVerse();
+        midi->Refresh();
 }
 
 void PlayerTransport::ShowSongLabels()

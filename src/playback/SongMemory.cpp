@@ -88,15 +88,14 @@ bool SongMemory::Save() const
     return file.commit();
 }
 
-SongChoice SongMemory::Recall(const QString& songPath)
+SongChoice SongMemory::Recall(const QString& key)
 {
     Load();
-    return m_choices.value(SongKey(songPath));
+    return m_choices.value(key);
 }
 
-bool SongMemory::Remember(const QString& songPath, const SongChoice& choice)
+bool SongMemory::Remember(const QString& key, const SongChoice& choice)
 {
-    const QString key = SongKey(songPath);
     if (key.isEmpty())
         return false;
     Load();

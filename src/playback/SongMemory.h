@@ -26,11 +26,11 @@ public:
 
     // "size-hash" of the song, empty when it cannot be read.
     static QString SongKey(const QString& songPath);
-    // What was chosen for the song, the neutral choice for a song never changed.
-    SongChoice Recall(const QString& songPath);
-    // Keeps the choice (a neutral one forgets the song) and saves the file at once; false when
-    // the song cannot be read or the file cannot be written.
-    bool Remember(const QString& songPath, const SongChoice& choice);
+    // What was chosen for the song of a key, the neutral choice for a song never changed.
+    SongChoice Recall(const QString& songKey);
+    // Keeps the choice (a neutral one forgets the song) and saves the file at once; false for
+    // an empty key (a song that could not be read) or when the file cannot be written.
+    bool Remember(const QString& songKey, const SongChoice& choice);
 
 private:
     void Load();

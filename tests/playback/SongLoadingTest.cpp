@@ -313,7 +313,7 @@ TEST_F(SongLoading, AnotherVerseChangesOnlyTheWordsWhichGoOnFromWhereTheSongIs)
     EXPECT_EQ(state.Midi.Verse, 2);
     EXPECT_EQ(state.Midi.ChannelTable[0].Volume, 40) << "the channels as the user set them";
     ASSERT_GE(journal.calls.size(), 3);
-    EXPECT_EQ(journal.calls.mid(journal.calls.size() - 3), (QStringList{"Lyric.ChangeLyrics", "Lyric.GetLastPos", "MidiEq.ShowVerse"}))
+    EXPECT_EQ(journal.calls.mid(journal.calls.size() - 3), (QStringList{"Lyric.ChangeLyrics", "Lyric.GetLastPos", "MidiEq.Refresh"}))
         << "the new words, at the song's place, and the MIDI window names the verse";
 
     journal.calls.clear();

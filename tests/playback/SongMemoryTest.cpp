@@ -12,6 +12,11 @@
 
 namespace {
 
+QString Key(const QString& song)
+{
+    return SongMemory::SongKey(song);
+}
+
 struct SongSettings : testing::Test {
     QString Song(const QString& name, char fill, qsizetype size = 3 << 20)
     {
@@ -30,40 +35,40 @@ TEST_F(SongSettings, AChoiceComesBackForTheSameSongMovedAndRenamed)
 {
     const QString song = Song("song.mp3", 'a');
     const SongChoice choice{2, 0.8, true};
-    ASSERT_TRUE(SongMemory(file).Remember(song, choice));
+    ASSERT_TRUE(SongMemory(file).Remember(Key(song), choice));
 
     QDir().mkpath(dir.filePath("elsewhere"));
     const QString moved = dir.filePath("elsewhere/renamed.mp3");
     ASSERT_TRUE(QFile::rename(song, moved));
     SongMemory later(file);
-    EXPECT_EQ(later.Recall(moved), choice) << "a new run, the file moved to another folder";
+    EXPECT_EQ(later.Recall(Key(moved)), choice) << "a new run, the file moved to another folder";
 
     const QString other = Song("other.mp3", 'b');
-    EXPECT_TRUE(later.Recall(other).IsNeutral()) << "another song of the same size";
-    EXPECT_TRUE(later.Recall(dir.filePath("gone.mp3")).IsNeutral());
-    EXPECT_FALSE(later.Remember(dir.filePath("gone.mp3"), choice)) << "a song that cannot be read";
+    EXPECT_TRUE(later.Recall(Key(other)).IsNeutral()) << "another song of the same size";
+    EXPECT_TRUE(later.Recall(Key(dir.filePath("gone.mp3"))).IsNeutral());
+    EXPECT_FALSE(later.Remember(Key(dir.filePath("gone.mp3")), choice)) << "a song that cannot be read";
 
-    ASSERT_TRUE(later.Remember(moved, SongChoice{}));
-    EXPECT_TRUE(SongMemory(file).Recall(moved).IsNeutral()) << "back to the song as it is: forgotten";
+    ASSERT_TRUE(later.Remember(Key(moved), SongChoice{}));
+    EXPECT_TRUE(SongMemory(file).Recall(Key(moved)).IsNeutral()) << "back to the song as it is: forgotten";
 }
 
 TEST_F(SongSettings, ValuesAreKeptInRangeAndADamagedFileGivesWhatItCan)
 {
     const QString song = Song("song.ogg", 'c', 1000);
     SongMemory memory(file);
-    ASSERT_TRUE(memory.Remember(song, SongChoice{40, 9.0, false}));
-    EXPECT_EQ(SongMemory(file).Recall(song), (SongChoice{12, 2.0, false}));
-    ASSERT_TRUE(memory.Remember(song, SongChoice{-3, std::nan(""), false}));
-    EXPECT_EQ(SongMemory(file).Recall(song), (SongChoice{-3, 1.0, false}));
+    ASSERT_TRUE(memory.Remember(Key(song), SongChoice{40, 9.0, false}));
+    EXPECT_EQ(SongMemory(file).Recall(Key(song)), (SongChoice{12, 2.0, false}));
+    ASSERT_TRUE(memory.Remember(Key(song), SongChoice{-3, std::nan(""), false}));
+    EXPECT_EQ(SongMemory(file).Recall(Key(song)), (SongChoice{-3, 1.0, false}));
 
     const QByteArray kept = ReadFileBytes(file);
     const QString key = SongMemory::SongKey(song);
     WriteFileBytes(file, kept + "garbage\nno\ttabs\there\n" + key.toLatin1() + "\tx\t1\t0\n\n\t\t\t\n" +
                              QByteArray(100000, '\t') + "\n");
-    EXPECT_EQ(SongMemory(file).Recall(song), (SongChoice{-3, 1.0, false})) << "the good line stands";
+    EXPECT_EQ(SongMemory(file).Recall(Key(song)), (SongChoice{-3, 1.0, false})) << "the good line stands";
 
     WriteFileBytes(file, "not the header\n" + key.toLatin1() + "\t5\t1\t0\n");
-    EXPECT_TRUE(SongMemory(file).Recall(song).IsNeutral()) << "a file of something else is not read";
+    EXPECT_TRUE(SongMemory(file).Recall(Key(song)).IsNeutral()) << "a file of something else is not read";
 }
 
 TEST_F(SongSettings, AHugeFileIsReadOnlyAsFarAsTheSongsItMayHold)
@@ -76,7 +81,7 @@ TEST_F(SongSettings, AHugeFileIsReadOnlyAsFarAsTheSongsItMayHold)
 
     const QString song = Song("new.wav", 'd', 500);
     SongMemory memory(file);
-    ASSERT_TRUE(memory.Remember(song, SongChoice{1, 1, false}));
+    ASSERT_TRUE(memory.Remember(Key(song), SongChoice{1, 1, false}));
     const QList<QByteArray> lines = ReadFileBytes(file).trimmed().split('\n');
     EXPECT_EQ(lines.size(), SongMemory::kKept + 1) << "the header and the songs kept";
     EXPECT_TRUE(lines.last().startsWith(SongMemory::SongKey(song).toLatin1())) << "the latest last";

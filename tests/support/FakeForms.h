@@ -167,7 +167,7 @@ public:
     FAKE_FORM_BASICS
     void CloseDevice() override { Log(QStringLiteral("CloseDevice")); }
     void ChangeMidi(const QString& file, int mode) override { Log(QStringLiteral("ChangeMidi %1 %2").arg(file).arg(mode)); }
-    void ShowVerse() override { Log(QStringLiteral("ShowVerse")); }
+    void Refresh() override { Log(QStringLiteral("Refresh")); }
 };
 
 class FakeEditor final : public EditorForm, FakeForm {

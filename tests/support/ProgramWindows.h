@@ -17,6 +17,6 @@ struct ProgramWindows {
     ScriptedDialogs dialogs;
     AppWindows windows{state, store, dialogs};
     FakeTray tray;
-    PlayerTransport transport{state, windows, state.Songs};
+    PlayerTransport transport{state, windows, state.Songs, &dialogs};
     PlayerCommands commands{state, windows, transport, tray, dialogs};
 };

@@ -27,7 +27,8 @@ const std::vector<MenuItem> kMenu = {
     {"Previous", "Previous"},     {"Play", "Play"},         {"Pause", "Pause"},
     {"Stop", "Stop"},             {"Next", "Next"},         {nullptr, nullptr},
     {"OffsetIn", "Display+Offset"}, {"OffsetOut", "Display-Offset"}, {"IncFont", "IncreaseFont"},
-    {"DecFont", "DecreaseFont"},  {nullptr, nullptr},       {"Options", "Options"},
+    {"DecFont", "DecreaseFont"},  {nullptr, nullptr},       {"Sound", "SongSound"},
+    {"Options", "Options"},
 };
 
 } // namespace
@@ -243,7 +244,7 @@ QMenu* LyricWindow::BuildMenu()
     QMenu* menu = BuildKeyedMenu(
         this, QStringLiteral("Lyric"), kMenu,
         {[this](const char* key) { return DisplayText(m_state.Language.GetText(QString::fromLatin1(key))); },
-         [this](const QString& key) { RunCommand(key); }, {}});
+         [this](const QString& key) { RunCommand(key); }, [this](const QString& key) { return BuildSubmenu(key); }});
     if (Midi && !Midi->Verses.empty()) {
         auto* verses = new QMenu(m_state.Language.GetText(QStringLiteral("Verse")), menu);
         verses->setObjectName(QStringLiteral("Verses"));
@@ -252,6 +253,18 @@ QMenu* LyricWindow::BuildMenu()
         menu->insertMenu(menu->actions().value(2), verses);
     }
     return menu;
+}
+
+QMenu* LyricWindow::BuildSubmenu(const QString& key)
+{
+    if (key != u"Sound")
+        return nullptr;
+    QMenu* sound = BuildKeyedMenu(
+        this, key, SoundMenuItems(),
+        {[this](const char* caption) { return DisplayText(m_state.Language.GetText(QString::fromLatin1(caption))); },
+         [this](const QString& command) { RunCommand(command); }, {}});
+    CheckVocalsItem(*sound, m_state.VocalsOff);
+    return sound;
 }
 
 void LyricWindow::contextMenuEvent(QContextMenuEvent* event)
@@ -270,7 +283,7 @@ void LyricWindow::keyPressEvent(QKeyEvent* event)
     if (event->key() == Qt::Key_Escape && isFullScreen())
         ToggleFullScreen();
     else
-        QWidget::keyPressEvent(event);
+        emit keyPressed(event->key(), event->modifiers());
 }
 
 void LyricWindow::closeEvent(QCloseEvent* event)

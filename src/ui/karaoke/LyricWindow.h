@@ -50,9 +50,13 @@ public:
     const MidiFigures* Midi = nullptr;
     // The window's menu as a right click shows it; the caller owns it.
     QMenu* BuildMenu();
+    // The key and tempo menu inside it.
+    QMenu* BuildSubmenu(const QString& key);
 
 signals:
     void closedByUser();
+    // A key the window does not answer itself, for the player's key table.
+    void keyPressed(int key, Qt::KeyboardModifiers modifiers);
     // A syllable was lit by the tick, at this song position (the offset taken off).
     void syllableLit(int index, double position);
 

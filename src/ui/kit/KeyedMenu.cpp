@@ -1,5 +1,6 @@
 #include "ui/kit/KeyedMenu.h"
 
+#include <QAction>
 #include <QMenu>
 
 QString NumberedMenuText(int index, const QString& text)
@@ -30,4 +31,23 @@ QMenu* BuildKeyedMenu(QWidget* parent, const QString& name, const std::vector<Me
         QObject::connect(action, &QAction::triggered, menu, [run = texts.run, key] { run(key); });
     }
     return menu;
+}
+
+const std::vector<MenuItem>& SoundMenuItems()
+{
+    static const std::vector<MenuItem> items = {
+        {"KeyUp", "ShortKeyUp"},       {"KeyDown", "ShortKeyDown"},   {nullptr, nullptr},
+        {"TempoUp", "ShortTempoUp"},   {"TempoDown", "ShortTempoDown"}, {nullptr, nullptr},
+        {"OwnSound", "ShortOwnSound"}, {nullptr, nullptr},            {"VocalsOff", "ShortVocalsOff"}};
+    return items;
+}
+
+void CheckVocalsItem(QMenu& menu, bool vocalsOff)
+{
+    for (QAction* action : menu.actions()) {
+        if (action->data().toString() != u"VocalsOff")
+            continue;
+        action->setCheckable(true);
+        action->setChecked(vocalsOff);
+    }
 }

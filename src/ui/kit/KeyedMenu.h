@@ -26,3 +26,8 @@ QString NumberedMenuText(int index, const QString& text);
 
 // The menu with `name` as its object name; each action holds its key as data.
 QMenu* BuildKeyedMenu(QWidget* parent, const QString& name, const std::vector<MenuItem>& items, const MenuTexts& texts);
+
+// The song's key, tempo and vocals, as the player's and the karaoke window's menus offer them.
+const std::vector<MenuItem>& SoundMenuItems();
+// The vocals item of such a menu shows a check while the song's vocals are off.
+void CheckVocalsItem(QMenu& menu, bool vocalsOff);

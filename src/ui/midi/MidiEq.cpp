@@ -4,6 +4,7 @@
 #include "midi/MidiBytes.h"
 #include "midi/MidiKnobs.h"
 #include "playback/MidiControls.h"
+#include "playback/SongSound.h"
 #include "playback/PlayerState.h"
 #include "playback/VoiceCommands.h"
 #include "ui/kit/Desktop.h"
@@ -165,13 +166,6 @@ void MidiEq::ZeroVariables()
 {
     for (Strip& strip : m_strips)
         strip = Strip{};
-    ResetKnobs();
-}
-
-void MidiEq::ResetKnobs()
-{
-    m_transposeTop = kKnobCentre;
-    m_tempoTop = kKnobCentre;
     update();
 }
 
@@ -197,7 +191,7 @@ void MidiEq::ChangeMidi(const QString&, int)
         strip.balance = record.Pan > 0 ? std::clamp<int>(record.Pan, 0, kMaxControllerValue) : 64;
         strip.patch = record.Patch;
     }
-    ResetKnobs();
+    update();
 }
 
 QMenu* MidiEq::BuildVerseMenu()
@@ -244,16 +238,24 @@ void MidiEq::ToggleMute(int channel)
 
 void MidiEq::MoveTranspose(int top)
 {
-    m_transposeTop = std::clamp(top, kKnobTop, kKnobBottom);
-    ApplyTranspose(m_state, m_transposeTop);
+    ApplyTranspose(m_state, top);
     update();
 }
 
 void MidiEq::MoveTempo(int top)
 {
-    m_tempoTop = std::clamp(top, kKnobTop, kKnobBottom);
-    ApplyTempo(m_state, m_tempoTop);
+    ApplyTempo(m_state, top);
     update();
+}
+
+int MidiEq::TransposeTop() const
+{
+    return m_state.Sound.keyTop;
+}
+
+int MidiEq::TempoTop() const
+{
+    return m_state.Sound.tempoTop;
 }
 
 void MidiEq::MoveSongBalance(int value)
@@ -271,15 +273,15 @@ void MidiEq::Switch()
 QString MidiEq::ToneLabel() const
 {
     if (m_state.IsMidi)
-        return KnobLabel(KnobValue(m_transposeTop));
+        return KnobLabel(KnobValue(TransposeTop()));
     // An audio song moves by single semitones, and says so.
-    const int semitones = AudioSemitonesOfKnob(m_transposeTop);
+    const int semitones = KnobSemitones(m_state);
     return semitones > 0 ? u'+' + QString::number(semitones) : QString::number(semitones);
 }
 
 QString MidiEq::TempoLabel() const
 {
-    return KnobLabel(KnobValue(m_tempoTop));
+    return KnobLabel(KnobValue(TempoTop()));
 }
 
 QString MidiEq::StripText(int channel) const
@@ -337,6 +339,8 @@ MidiEq::Hit MidiEq::EqualiserHitAt(QPointF at) const
         return {Part::Treble};
     if (kMicSwitch.contains(at))
         return {Part::Microphone};
+    if (kVocalsSwitch.contains(at))
+        return {Part::Vocals};
     if (VoiceFaderBox().contains(at))
         return {Part::VoiceFader};
     return {Part::Window};
@@ -361,6 +365,11 @@ void MidiEq::mousePressEvent(QMouseEvent* event)
         return;
     case Part::Microphone:
         PressMicrophone();
+        return;
+    case Part::Vocals:
+        if (PlayerCommand)
+            PlayerCommand(QStringLiteral("VocalsOff"));
+        update(kVocalsSwitch.toAlignedRect());
         return;
     case Part::Verse: {
         const std::unique_ptr<QMenu> menu(BuildVerseMenu());
@@ -437,10 +446,13 @@ void MidiEq::mouseMoveEvent(QMouseEvent* event)
         return;
     }
     const bool switcherHover = kSwitcher.contains(at);
-    const bool microphoneHover = m_face == Face::Equaliser && kMicSwitch.contains(at);
-    if (microphoneHover != m_microphoneHover) {
-        m_microphoneHover = microphoneHover;
-        update(kMicSwitch.toAlignedRect());
+    const Part hoverSwitch = m_face != Face::Equaliser    ? Part::None
+                             : kMicSwitch.contains(at)    ? Part::Microphone
+                             : kVocalsSwitch.contains(at) ? Part::Vocals
+                                                          : Part::None;
+    if (hoverSwitch != m_hoverSwitch) {
+        m_hoverSwitch = hoverSwitch;
+        update();
     }
     int hoverChannel = -1;
     for (int channel = 0; channel < kChannels && m_face == Face::Strips; ++channel)
@@ -461,7 +473,7 @@ void MidiEq::mouseReleaseEvent(QMouseEvent*)
 void MidiEq::leaveEvent(QEvent*)
 {
     m_switcherHover = false;
-    m_microphoneHover = false;
+    m_hoverSwitch = Part::None;
     m_hoverChannel = -1;
     update();
 }
@@ -511,10 +523,10 @@ void MidiEq::Nudge(const Hit& hit, int steps)
         MoveBalance(hit.channel, m_strips[size_t(hit.channel)].balance + 4 * steps);
         break;
     case Part::Tone:
-        MoveTranspose(m_transposeTop + steps);
+        MoveTranspose(TransposeTop() + steps);
         break;
     case Part::Tempo:
-        MoveTempo(m_tempoTop + steps);
+        MoveTempo(TempoTop() + steps);
         break;
     case Part::SongBalance:
         MoveSongBalance(m_state.SongBalance + 500 * steps);

@@ -42,7 +42,7 @@ public:
     void Unload() override;
     void CloseDevice() override;
     void ChangeMidi(const QString& file, int mode) override;
-    void ShowVerse() override { update(); }
+    void Refresh() override { update(); }
 
     // The controls as a person moves them; each reaches the song that plays.
     void MoveVolume(int channel, int value);
@@ -65,8 +65,8 @@ public:
     int LevelPixels() const { return m_levelPixels; }
 
     const Strip& StripOf(int channel) const { return m_strips[size_t(channel)]; }
-    int TransposeTop() const { return m_transposeTop; }
-    int TempoTop() const { return m_tempoTop; }
+    int TransposeTop() const;
+    int TempoTop() const;
     Face ShownFace() const { return m_face; }
     // labTONE and labTMP.
     QString ToneLabel() const;
@@ -86,7 +86,7 @@ protected:
 
 private:
     enum class Part {
-        None, Window, Switcher, Close, Mute, Volume, Pan, Tone, Tempo, SongBalance, Bass, Treble, Microphone, VoiceFader,
+        None, Window, Switcher, Close, Mute, Volume, Pan, Tone, Tempo, SongBalance, Bass, Treble, Microphone, Vocals, VoiceFader,
         Verse
     };
     struct Hit {
@@ -96,7 +96,6 @@ private:
 
     Hit HitAt(QPointF at) const;
     void ZeroVariables();
-    void ResetKnobs();
     void DragTo(QPointF at);
     void Nudge(const Hit& hit, int steps);
     void ResetControl(const Hit& hit);
@@ -107,6 +106,7 @@ private:
     void PaintEqKnob(QPainter& painter, QPointF centre, const QString& caption, double share,
                      const QString& value) const;
     void PaintMicrophone(QPainter& painter) const;
+    void PaintSwitch(QPainter& painter, const QRectF& box, const QString& caption, bool on, bool hover) const;
     Hit EqualiserHitAt(QPointF at) const;
     void FollowLevel();
     void PaintKnobs(QPainter& painter) const;
@@ -119,8 +119,6 @@ private:
     SettingsStore& m_store;
     Docking& m_docking;
     std::array<Strip, 16> m_strips{};
-    int m_transposeTop = 118;
-    int m_tempoTop = 118;
     Face m_face = Face::Strips;
 
     Hit m_drag;
@@ -129,7 +127,7 @@ private:
     QPoint m_windowOffset;
     int m_hoverChannel = -1;
     bool m_switcherHover = false;
-    bool m_microphoneHover = false;
+    Part m_hoverSwitch = Part::None;  // the equaliser face's switch under the mouse
     bool m_shownMicrophone = false;
 
     Equalizer* m_equalizer = nullptr;

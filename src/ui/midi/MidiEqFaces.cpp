@@ -6,6 +6,7 @@
 #include "midi/MidiBytes.h"
 #include "midi/MidiKnobs.h"
 #include "playback/PlayerState.h"
+#include "playback/SongSound.h"
 #include "ui/kit/Palette.h"
 #include "ui/kit/VerseMenu.h"
 #include "ui/midi/MidiEqLayout.h"
@@ -191,16 +192,11 @@ void MidiEq::PaintStrip(QPainter& painter, int channel) const
 void MidiEq::PaintKnobs(QPainter& painter) const
 {
     PaintWell(painter, kKnobWell);
-    const int tone = KnobValue(m_transposeTop);
-    const int tempo = KnobValue(m_tempoTop);
-    const int semitones = m_state.IsMidi ? TransposeSemitones(tone) : AudioSemitonesOfKnob(m_transposeTop);
+    const int semitones = KnobSemitones(m_state);
     const QString toneEffect = (semitones > 0 ? QStringLiteral("+%1 st") : QStringLiteral("%1 st")).arg(semitones);
-    const double rate = m_state.IsMidi                ? MasterTempo(tempo)
-                        : m_state.Theme->KeepPitch ? AudioTempoOfKnob(m_tempoTop)
-                                                   : AudioRateOfKnob(m_tempoTop);
-    const QString tempoEffect = QStringLiteral("\u00d7") + QString::number(rate, 'f', 2);
-    PaintKnob(painter, kToneX, m_transposeTop, QStringLiteral("KEY"), ToneLabel(), toneEffect);
-    PaintKnob(painter, kTempoX, m_tempoTop, QStringLiteral("TEMPO"), TempoLabel(), tempoEffect);
+    const QString tempoEffect = QStringLiteral("\u00d7") + QString::number(KnobTempo(m_state), 'f', 2);
+    PaintKnob(painter, kToneX, TransposeTop(), QStringLiteral("KEY"), ToneLabel(), toneEffect);
+    PaintKnob(painter, kTempoX, TempoTop(), QStringLiteral("TEMPO"), TempoLabel(), tempoEffect);
 }
 
 void MidiEq::PaintKnob(QPainter& painter, double x, int top, const QString& caption, const QString& label,
@@ -258,6 +254,8 @@ void MidiEq::PaintEqualiser(QPainter& painter) const
 
     painter.setPen(QPen(Palette::WellEdge, 1));
     painter.drawLine(QPointF(188, 34), QPointF(188, 164));
+    PaintSwitch(painter, kVocalsSwitch, QStringLiteral("NO VOCALS"), m_state.VocalsOff,
+                m_hoverSwitch == Part::Vocals);
     PaintMicrophone(painter);
 }
 
@@ -275,17 +273,21 @@ void MidiEq::PaintEqKnob(QPainter& painter, QPointF centre, const QString& capti
     painter.drawText(screen, Qt::AlignCenter, value);
 }
 
-void MidiEq::PaintMicrophone(QPainter& painter) const
+// A switch with its lamp, lit while it is on.
+void MidiEq::PaintSwitch(QPainter& painter, const QRectF& box, const QString& caption, bool on, bool hover) const
 {
-    // The switch: lit while the microphone is on.
-    const bool on = m_state.MicrophoneOn;
-    PaintButtonFace(painter, kMicSwitch, kMicSwitch.height() / 2, m_microphoneHover);
+    PaintButtonFace(painter, box, box.height() / 2, hover);
     painter.setFont(PixelFont(font(), 8, true, 1.2));
     painter.setPen(on ? Palette::LitGreen : Palette::ButtonText);
-    painter.drawText(kMicSwitch, Qt::AlignCenter, QStringLiteral("MIC"));
+    painter.drawText(box.adjusted(6, 0, 0, 0), Qt::AlignCenter, caption);
     painter.setPen(Qt::NoPen);
     painter.setBrush(on ? Palette::LitGreen : Palette::Unlit);
-    painter.drawEllipse(QPointF(kMicSwitch.left() + 9, kMicSwitch.center().y()), 2.5, 2.5);
+    painter.drawEllipse(QPointF(box.left() + 9, box.center().y()), 2.5, 2.5);
+}
+
+void MidiEq::PaintMicrophone(QPainter& painter) const
+{
+    PaintSwitch(painter, kMicSwitch, QStringLiteral("MIC"), m_state.MicrophoneOn, m_hoverSwitch == Part::Microphone);
 
     // The level bar: lit from the bottom, green to amber to red.
     PaintWell(painter, kLevelBar.adjusted(-2, -2, 2, 2), 2);

@@ -45,14 +45,16 @@ constexpr double kKnobHeight = 10;
 constexpr double kKnobWidth = 22;
 inline QRectF KnobTrack(double x) { return {x - kKnobWidth / 2, kKnobTravelTop, kKnobWidth, kKnobTravelBottom - kKnobTravelTop + kKnobHeight}; }
 
-// The equaliser face: the bass, treble and whole-song balance knobs, the microphone's switch
-// and level bar, and the voice's fader.
+// The equaliser face: the bass, treble and whole-song balance knobs, the vocals switch, the
+// microphone's switch and level bar, and the voice's fader.
 constexpr double kEqKnobY = 86;
 constexpr double kEqKnobRadius = 19;
 constexpr QPointF kBassKnob{42, kEqKnobY};
 constexpr QPointF kTrebleKnob{100, kEqKnobY};
 constexpr QPointF kBalanceKnob{158, kEqKnobY};
 constexpr QRectF kMicSwitch{197, 32, 54, 16};
+// Under the bass and treble knobs: the song's vocals taken out.
+constexpr QRectF kVocalsSwitch{22, 154, 98, 15};
 constexpr QRectF kLevelBar{203, 62, 8, 63};
 constexpr double kVoiceFaderX = 238;
 constexpr double kVoiceFaderTop = 62;

@@ -104,6 +104,8 @@ void PlayerWindow::BuildMenus()
                                          {"Elapsed", "TimeElapsed"}});
     MakeMenu(QStringLiteral("Player"),
              {{"Previous", "Previous"}, {"Play", "Play"}, {"Pause", "Pause"}, {"Stop", "Stop"}, {"Next", "Next"}});
+    QMenu* sound = MakeMenu(QStringLiteral("Sound"), SoundMenuItems());
+    connect(sound, &QMenu::aboutToShow, this, [this, sound] { CheckVocalsItem(*sound, m_state.VocalsOff); });
     QMenu* recent = MakeMenu(QStringLiteral("Recent"), {});
     connect(recent, &QMenu::aboutToShow, this, [this, recent] { FillRecentMenu(*recent); });
     MakeMenu(QStringLiteral("Main"),
@@ -111,7 +113,8 @@ void PlayerWindow::BuildMenus()
               {nullptr, nullptr},
               {"List", "UserList"}, {"Control", "Controls"}, {"Karaoke", "KaraokeWindow"}, {"Editor", "Editor"},
               {nullptr, nullptr}, {"Microphone", "SwitchMicrophone"}, {"Record", "Record"}, {"Voice", "YourVoice"},
-              {nullptr, nullptr}, {"Options", "Options"}, {"Player", "Playback"}, {nullptr, nullptr},
+              {nullptr, nullptr}, {"Options", "Options"}, {"Player", "Playback"}, {"Sound", "SongSound"},
+              {nullptr, nullptr},
               {"HelpMe", "MnuHelp"}, {"Keyboard", "Keyboard"}, {nullptr, nullptr}, {"Exit", "Exit"}});
     MakeMenu(QStringLiteral("TrayMenu"), {{"TrayRestore", "Restore"}, {"TrayExit", "Exit"}});
 }

@@ -205,7 +205,7 @@ bool UserList::KeyDown(int key, Qt::KeyboardModifiers modifiers)
         m_transport.DALEJ();
         break;
     default:
-        return false;
+        return m_transport.ChangeSound(binding->command);
     }
     return true;
 }
