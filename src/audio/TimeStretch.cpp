@@ -65,6 +65,8 @@ void TimeStretch::Restart(int64_t songFrame)
     }
     m_startDelay = int64_t(m_stretcher->getStartDelay());
     m_songFrame = double(songFrame);
+    m_songEnd = double(songFrame);
+    m_finished = false;
 }
 
 int TimeStretch::FramesWanted() const
@@ -84,13 +86,25 @@ void TimeStretch::Push(const float* frames, int count)
         m_stretcher->process(channels, size_t(block), false);
         frames += 2 * block;
         count -= block;
+        m_songEnd += block;
     }
 }
 
 void TimeStretch::Finish()
 {
+    // The finer engine holds back the song's last frames until it has looked past them: silence
+    // after the end lets them out, and Pull stops at the song's end.
+    std::fill(m_left.begin(), m_left.end(), 0.0f);
+    std::fill(m_right.begin(), m_right.end(), 0.0f);
     const float* channels[] = {m_left.data(), m_right.data()};
+    // Its look-ahead and its delay: what it still holds of the song comes out before the end.
+    for (size_t pad = m_stretcher->getPreferredStartPad() + m_stretcher->getStartDelay(); pad > 0;) {
+        const size_t block = std::min(pad, size_t(kBlockFrames));
+        m_stretcher->process(channels, block, false);
+        pad -= block;
+    }
     m_stretcher->process(channels, 0, true);
+    m_finished = true;
 }
 
 void TimeStretch::DropStartDelay()
@@ -110,6 +124,8 @@ int TimeStretch::Pull(float* out, int count)
     DropStartDelay();
     if (m_startDelay > 0)
         return 0;
+    if (m_finished)
+        count = std::min(count, int(std::max(0.0, std::ceil((m_songEnd - m_songFrame) / m_tempo))));
     int given = 0;
     while (given < count) {
         const int ready = m_stretcher->available();

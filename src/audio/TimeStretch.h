@@ -39,7 +39,7 @@ public:
     int FramesWanted() const;
     // Takes interleaved stereo song frames.
     void Push(const float* frames, int count);
-    // The song has no more frames: what the stretcher still holds comes out.
+    // The song has no more frames: what the stretcher still holds comes out, up to the song's end.
     void Finish();
     // Gives up to `count` interleaved stereo frames as they play; returns how many it gave.
     int Pull(float* out, int count);
@@ -57,5 +57,7 @@ private:
     double m_semitones = 0;
     double m_songFrame = 0;
     int64_t m_startDelay = 0;  // frames still to drop since the last restart
+    double m_songEnd = 0;      // the song frame after the last one pushed
+    bool m_finished = false;
     std::vector<float> m_left, m_right;
 };

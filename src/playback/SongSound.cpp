@@ -67,17 +67,32 @@ void ApplyTranspose(PlayerState& state, int top)
         media->SetSound(KnobSemitones(state), media->Tempo());
 }
 
+namespace {
+
+// The tempo on the stretcher with the key kept, else as the rate, which moves the key with it.
+void Pace(const PlayerState& state, MediaSession& media, int semitones)
+{
+    const bool keepKey = state.IsMidi || !state.Theme || state.Theme->KeepPitch;
+    media.SetSound(semitones, keepKey ? KnobTempo(state) : 1.0);
+    media.put_Rate(keepKey ? 1.0 : KnobTempo(state));
+}
+
+} // namespace
+
 void ApplyTempo(PlayerState& state, int top)
 {
     state.Sound.tempoTop = std::clamp(top, kKnobTop, kKnobBottom);
     if (MidiPlayer* midi = PlayingMidi(state))
         midi->put_Rate(KnobTempo(state));
-    MediaSession* media = PlayingMedia(state);
-    if (!media)
-        return;
-    const bool keepKey = !state.Theme || state.Theme->KeepPitch;
-    media->SetSound(media->Semitones(), keepKey ? KnobTempo(state) : 1.0);
-    media->put_Rate(keepKey ? 1.0 : KnobTempo(state));
+    if (MediaSession* media = PlayingMedia(state))
+        Pace(state, *media, media->Semitones());
+    PaceVoice(state);
+}
+
+void PaceVoice(PlayerState& state)
+{
+    if (auto* voice = dynamic_cast<MediaSession*>(state.VoiceControl.get()))
+        Pace(state, *voice, 0);
 }
 
 bool ApplyVocalsOff(PlayerState& state, bool off)

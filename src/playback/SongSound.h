@@ -13,6 +13,10 @@ void ApplyTempo(PlayerState& state, int top);
 // False, and the switch left off, when the song is not a stereo audio song.
 bool ApplyVocalsOff(PlayerState& state, bool off);
 
+// The recorded voice keeps with the song: its tempo (and its rate, when the song's key is not
+// kept), never its key.
+void PaceVoice(PlayerState& state);
+
 // The semitones and the tempo the knobs give the kind of song that plays: even semitones and
 // fifteenths of the master tempo for MIDI, single semitones and the tempo (or the rate, when the
 // key is not kept) for audio.

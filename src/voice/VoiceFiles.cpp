@@ -1,5 +1,6 @@
 #include "voice/VoiceFiles.h"
 
+#include "audio/TimeStretch.h"
 #include "audio/WavFile.h"
 #include "core/ThemeClass.h"
 
@@ -195,4 +196,84 @@ PlaceResult PlaceTake(const QString& voiceFile, const QString& tempWave, double 
 {
     return QFile::exists(voiceFile) ? OverdubVoiceFile(voiceFile, tempWave, recordStart)
                                     : WriteNewVoiceFile(voiceFile, tempWave, recordStart);
+}
+
+namespace {
+
+constexpr int kStretchBlockFrames = 4096;
+
+// 16-bit frames of one or two channels as stereo floats.
+void StereoOfPcm(const QByteArray& pcm, int channels, std::vector<float>& stereo)
+{
+    const qint64 frames = pcm.size() / (2 * channels);
+    stereo.resize(size_t(frames) * 2);
+    for (qint64 i = 0; i < frames; ++i) {
+        const char* at = pcm.constData() + i * 2 * channels;
+        const float left = qFromLittleEndian<qint16>(at) / 32768.0f;
+        stereo[size_t(2 * i)] = left;
+        stereo[size_t(2 * i + 1)] = channels == 2 ? qFromLittleEndian<qint16>(at + 2) / 32768.0f : left;
+    }
+}
+
+QByteArray PcmOfStereo(const float* stereo, int frames, int channels)
+{
+    QByteArray pcm(qsizetype(frames) * 2 * channels, Qt::Uninitialized);
+    for (int i = 0; i < frames; ++i)
+        for (int c = 0; c < channels; ++c) {
+            const float sample = c == 0 || channels == 1 ? stereo[2 * i] : stereo[2 * i + 1];
+            const auto value = qint16(std::lround(std::clamp(sample, -1.0f, 1.0f) * 32767));
+            qToLittleEndian(value, pcm.data() + (qsizetype(i) * channels + c) * 2);
+        }
+    return pcm;
+}
+
+// Moves what the stretcher has ready into the file; false when a write failed.
+bool WriteStretched(TimeStretch& stretch, std::vector<float>& out, int channels, QSaveFile& file, qint64& dataBytes)
+{
+    for (int got; (got = stretch.Pull(out.data(), kStretchBlockFrames)) > 0;) {
+        const QByteArray pcm = PcmOfStereo(out.data(), got, channels);
+        if (file.write(pcm) != pcm.size())
+            return false;
+        dataBytes += pcm.size();
+    }
+    return true;
+}
+
+} // namespace
+
+bool StretchTakeToSongTime(const QString& tempWave, double songPace)
+{
+    WaveFormat format;
+    QFile take(tempWave);
+    if (!ReadWaveFormat(tempWave, format) || !format.IsPcm16() || format.channels > 2 || !take.open(QIODevice::ReadOnly) ||
+        !take.seek(format.dataOffset))
+        return false;
+    QSaveFile stretched(tempWave);
+    if (!stretched.open(QIODevice::WriteOnly) || stretched.write(WavHeader(format.rate, format.channels, 16, 0)) != 44)
+        return false;
+    // The finer engine: a take is stretched once, after it was sung, and nobody waits on it.
+    TimeStretch stretch(format.rate, TimeStretch::Engine::Finer);
+    stretch.SetTempo(1 / songPace);
+    stretch.Restart(0);
+    std::vector<float> in, out(size_t(kStretchBlockFrames) * 2);
+    qint64 left = format.dataBytes, dataBytes = 0;
+    const qint64 blockBytes = qint64(kStretchBlockFrames) * format.BlockAlign();
+    while (left > 0) {
+        StereoOfPcm(take.read(std::min(left, blockBytes)), format.channels, in);
+        if (in.empty())
+            return false;
+        left -= qint64(in.size() / 2) * format.BlockAlign();
+        for (int at = 0, frames = int(in.size() / 2); at < frames;) {
+            const int count = std::min(stretch.FramesWanted(), frames - at);
+            stretch.Push(in.data() + 2 * at, count);
+            at += count;
+            if (!WriteStretched(stretch, out, format.channels, stretched, dataBytes))
+                return false;
+        }
+    }
+    stretch.Finish();
+    if (!WriteStretched(stretch, out, format.channels, stretched, dataBytes))
+        return false;
+    const QByteArray header = WavHeader(format.rate, format.channels, 16, quint32(dataBytes));
+    return stretched.seek(0) && stretched.write(header) == header.size() && stretched.commit();
 }

@@ -63,3 +63,7 @@ PlaceResult WriteNewVoiceFile(const QString& voiceFile, const QString& tempWave,
 PlaceResult OverdubVoiceFile(const QString& voiceFile, const QString& tempWave, double recordStart);
 // What the end of a recording does: an overdub when the voice file exists, else a new file.
 PlaceResult PlaceTake(const QString& voiceFile, const QString& tempWave, double recordStart);
+// A take sung while the song ran at `songPace` song seconds per second, rewritten in song time,
+// its key kept, so it lines up with the song at any tempo. False when it cannot be read or
+// written; the take is then as it was.
+bool StretchTakeToSongTime(const QString& tempWave, double songPace);

@@ -4,12 +4,14 @@
 #include "core/Forms.h"
 #include "playback/MediaSession.h"
 #include "playback/PlayerState.h"
+#include "playback/SongSound.h"
 #include "voice/Equalizer.h"
 
 #include <QDir>
 #include <QFile>
 #include <QTextStream>
 #include <algorithm>
+#include <cmath>
 
 VoiceRecorder::VoiceRecorder(PlayerState& state, FormProvider& forms, Dialogs& messages, Equalizer& equalizer,
                              VoiceIndicator& indicator)
@@ -124,7 +126,8 @@ double VoiceRecorder::SongPace() const
 {
     if (!m_state.Session || m_state.Session->GetState() != SongSession::Running)
         return 0;
-    return m_state.Session->get_Rate();
+    const auto* media = dynamic_cast<const MediaSession*>(m_state.Session.get());
+    return m_state.Session->get_Rate() * (media ? media->Tempo() : 1.0);
 }
 
 bool VoiceRecorder::EndCapture()
@@ -159,7 +162,11 @@ void VoiceRecorder::PlaceOnWorker()
 {
     // The song may go on or change meanwhile; the take keeps the files and second it was sung for.
     m_state.Recording = false;
-    m_placing = std::async(std::launch::async, [voiceFile = VoiceFile, take = TempWave, start = RecordStart] {
+    m_placing = std::async(std::launch::async, [voiceFile = VoiceFile, take = TempWave, start = RecordStart,
+                                                pace = m_armedPace] {
+        // Sung at another tempo, the take goes into the voice file in song time.
+        if (pace > 0 && std::abs(pace - 1) > 1e-6 && !StretchTakeToSongTime(take, pace))
+            return PlaceResult::WriteFailed;
         return PlaceTake(voiceFile, take, start);
     });
     m_placingPoll.start();
@@ -212,6 +219,7 @@ void VoiceRecorder::ToggleVoice()
     m_equalizer.SwitchLineOut(0);
     m_indicator.Show();
     m_state.VoiceControl = std::move(voice);
+    PaceVoice(m_state);
     m_state.VoiceControl->put_CurrentPosition(m_state.Clock.Position() + m_state.Theme->LyricsOffset());
     m_state.VoiceControl->put_Volume(m_equalizer.VoiceLevel());
     if (m_state.Session && m_state.Session->GetState() == SongSession::Running)

@@ -132,3 +132,27 @@ TEST(TimeStretch, ValuesOutOfRangeComeToTheNearerEndAndNoOrderOfCallsBreaksTheSo
     }
     EXPECT_EQ(stretch.Pull(out.data(), 0), 0);
 }
+
+TEST(TimeStretch, AStepInTheSongComesOutWhereTheTempoPutsIt)
+{
+    // A soft tone for a second, then a loud one: the step belongs at 1 / tempo seconds.
+    std::vector<float> song = Tone(440, 2, 1);
+    for (size_t i = 0; i < size_t(kRate) * 2; ++i)
+        song[i] *= 0.2f;
+    for (const auto engine : {TimeStretch::Engine::Faster, TimeStretch::Engine::Finer})
+        for (const double tempo : {0.8, 1.25}) {
+            TimeStretch stretch(kRate, engine);
+            stretch.SetTempo(tempo);
+            stretch.Restart(0);
+            std::vector<float> out = Stream(stretch, song);
+            stretch.Finish();
+            std::vector<float> rest(4096 * 2);
+            for (int got; (got = stretch.Pull(rest.data(), 4096)) > 0;)
+                out.insert(out.end(), rest.begin(), rest.begin() + 2 * got);
+            size_t step = 0;
+            while (step < out.size() && std::fabs(out[step]) < 0.3f)
+                step += 2;
+            EXPECT_NEAR(double(step / 2) / kRate, 1 / tempo, 0.01) << "engine " << int(engine) << " at " << tempo;
+            EXPECT_NEAR(double(out.size() / 2) / kRate, 3 / tempo, 0.01) << "engine " << int(engine) << " at " << tempo;
+        }
+}

@@ -2,8 +2,10 @@
 // a part sung again, cancelling, the refusals, and the voice playing with its song.
 
 #include "audio/WavFile.h"
+#include "playback/MediaSession.h"
 #include "playback/PlayerCommands.h"
 #include "playback/PlayerTransport.h"
+#include "playback/SongSound.h"
 #include "support/FakeForms.h"
 #include "support/PlayerSetup.h"
 #include "support/ScriptedDialogs.h"
@@ -304,6 +306,55 @@ TEST_F(Singing, AVoiceFileInTheVoiceFolderPlaysWithItsSongWhereverTheSongCameFro
     commands.ButtonAction(PlayerButton::Voice);
     EXPECT_FALSE(state.VoicePlaying);
     EXPECT_EQ(windows.player.Lit(PlayerLamp::Voice), false);
+}
+
+TEST_F(Singing, ATakeSungAtASlowerTempoLandsInSongTimeAndTheVoiceKeepsTheSongsTempo)
+{
+    commands.ButtonAction(PlayerButton::Microphone);
+    PlayFrom(20.0);
+    auto& media = dynamic_cast<MediaSession&>(*state.Session);
+    media.SetSound(0, 0.8);
+    PlayDecoded(*device, state, 0.2);
+    const double startedAt = state.Session->get_CurrentPosition();
+    commands.ButtonAction(PlayerButton::Record);
+    // A soft note for 2.5 s and a loud one for 1.25 s, as heard: 2 s and 1 s of the song.
+    const int rate = device->SampleRate();
+    std::vector<float> sung(size_t(3.75 * rate) * 2);
+    for (size_t i = 0; i < sung.size() / 2; ++i) {
+        const float level = i < size_t(2.5 * rate) ? 0.25f : 0.75f;
+        sung[2 * i] = sung[2 * i + 1] = level * float(std::sin(2 * M_PI * 440 * double(i) / rate));
+    }
+    device->FeedInput(sung);
+    PlayDecoded(*device, state, 3.75);
+    commands.ButtonAction(PlayerButton::Record);
+    WaitUntilPlaced();
+    EXPECT_NEAR(recorder.RecordStart, startedAt, 0.011);
+
+    const QByteArray wave = ReadFileBytes(VoiceFile());
+    // Where the loud note begins: the first 5 ms whose peak passes half way.
+    const auto peakAt = [&wave](qint64 from) {
+        int peak = 0;
+        for (qint64 f = from; f < from + kVoiceRate / 200; ++f)
+            peak = std::max(peak, std::abs(int(LeftAt(wave, f))));
+        return peak;
+    };
+    qint64 loud = FramesBefore(recorder.RecordStart, kVoiceRate);
+    while (44 + (loud + kVoiceRate) * kFrameBytes < wave.size() && peakAt(loud) < 16384)
+        loud += kVoiceRate / 200;
+    EXPECT_NEAR(double(loud) / kVoiceRate, recorder.RecordStart + 2.0, 0.02) << "the loud note at its song second";
+    WaveFormat format;
+    ASSERT_TRUE(ReadWaveFormat(VoiceFile(), format));
+    EXPECT_NEAR(double(format.dataBytes) / kFrameBytes / kVoiceRate, recorder.RecordStart + 3.0, 0.02)
+        << "3.75 s sung at tempo 0.8 are 3 s of the song";
+
+    state.Theme->SetLyricsOffset(0);
+    commands.ButtonAction(PlayerButton::Voice);
+    ASSERT_TRUE(state.VoicePlaying);
+    ApplyTempo(state, 150);
+    auto& voice = dynamic_cast<MediaSession&>(*state.VoiceControl);
+    EXPECT_EQ(voice.Tempo(), media.Tempo()) << "the voice follows the song's tempo";
+    ApplyTranspose(state, 150);
+    EXPECT_EQ(voice.Semitones(), 0) << "and never its key";
 }
 
 TEST_F(Singing, TheLevelBarFollowsTheMicrophoneAndFallsSlowly)
