@@ -35,6 +35,8 @@ int PrintMerge(const QStringList& args);
 int EmbedLyrics(const QStringList& args);
 // swtool tags FILE [--set FIELD=VALUE]... [--ape]: the information dialog's save.
 int SaveTags(const QStringList& args);
+// swtool play SONG --wav OUT.wav [--key S] [--tempo F] [--vocals-off] [--from SECONDS] [--seconds N]
+int PlaySongToWav(const QStringList& args);
 // swtool probe FILE
 int PrintProbe(const QStringList& args);
 // swtool render SONG --at SECONDS ... | --video DIR --fps N --from A --to B

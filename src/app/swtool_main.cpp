@@ -25,6 +25,10 @@ const char* const kUsage =
     "                        the song as the player sounds it, with the SoundFont of the settings:\n"
     "                        even semitones from -12 to 12, the tempo in fifteenths up to 2,\n"
     "                        channels 1 to 16; prints the file, its length and the tempo used\n"
+    "  play SONG --wav OUT.wav [--key SEMITONES] [--tempo FACTOR] [--vocals-off] [--from SECONDS]\n"
+    "       [--seconds N]    any song as the player sounds it, through its own decoder, stretcher,\n"
+    "                        vocal reducer and synthesiser, as 16-bit stereo at 44.1 kHz: -12 to 12\n"
+    "                        semitones (even for MIDI), tempo 0.5 to 2; prints the file and length\n"
     "  split TEXTFILE        the editor's rows of a text: row<TAB>time<TAB>text<TAB>break (1 or 0)\n"
     "  merge LYRICS          the editor's text of a song's (or a .lrs file's) lyrics\n"
     "  embed SONG LYRICS.lrs the lyrics stored in the song file as the editor's Save stores them\n"
@@ -127,6 +131,10 @@ int main(int argc, char* argv[])
     }
     if (command == QLatin1String("print")) {
         const int result = PrintPages(args);
+        return result == 2 ? Usage() : result;
+    }
+    if (command == QLatin1String("play")) {
+        const int result = PlaySongToWav(args);
         return result == 2 ? Usage() : result;
     }
     if (command == QLatin1String("probe")) {

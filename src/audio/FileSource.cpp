@@ -396,9 +396,11 @@ void FileSource::DecodeLoop()
             serial = wanted;
             StartPathAt(m_seekFrame.load(std::memory_order_relaxed));
             endSent = false;
+            m_decodedAll.store(false, std::memory_order_relaxed);
         }
         if (m_soundSerial.load(std::memory_order_acquire) != m_shaping->soundSerial) {
             FollowSound();
+            m_decodedAll.store(false, std::memory_order_relaxed);
             m_followedSound.store(m_shaping->soundSerial, std::memory_order_release);
             endSent = false;
         }
@@ -413,6 +415,7 @@ void FileSource::DecodeLoop()
             continue;
         }
         endSent = !FillChunk(serial);
+        m_decodedAll.store(endSent, std::memory_order_release);
     }
 }
 
@@ -457,6 +460,13 @@ double FileSource::SecondsBuffered() const
         m_followedSound.load(std::memory_order_acquire) != m_soundSerial.load(std::memory_order_acquire))
         return 0;
     return std::max(0.0, LeadFrames()) / (m_tempo.load(std::memory_order_relaxed) * m_outputRate);
+}
+
+bool FileSource::ReadyFor(double seconds) const
+{
+    const bool current = m_decodedSerial.load(std::memory_order_acquire) == m_seekSerial.load(std::memory_order_acquire) &&
+                         m_followedSound.load(std::memory_order_acquire) == m_soundSerial.load(std::memory_order_acquire);
+    return SecondsBuffered() >= seconds || (current && m_decodedAll.load(std::memory_order_acquire));
 }
 
 double FileSource::Position(double now)

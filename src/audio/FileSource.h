@@ -51,6 +51,8 @@ public:
     double Rate() const { return m_rate; }
     // Seconds of decoded audio queued ahead of the real-time thread.
     double SecondsBuffered() const;
+    // That many seconds are queued, or all that is left of the song.
+    bool ReadyFor(double seconds) const;
 
     void Render(float* out, int frames, const BufferTiming& timing) noexcept override;
 
@@ -122,6 +124,7 @@ private:
     std::atomic<double> m_rtSongFrame{0};  // how far the real-time thread has read
     std::atomic<uint32_t> m_seekSerial{0};
     std::atomic<uint32_t> m_decodedSerial{0};  // serial of the last chunk the decoder queued
+    std::atomic<bool> m_decodedAll{false};     // that chunk was the song's last
     std::atomic<int64_t> m_seekFrame{0};
     std::atomic<double> m_seekSeconds{0};
     LatestValue<HeardClock> m_heard;  // what the last buffer played

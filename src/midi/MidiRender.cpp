@@ -41,6 +41,8 @@ MidiRendering RenderMidiSong(const QString& path, const MidiRenderOptions& optio
     player.put_Rate(NearestMasterTempo(options.tempo));
     for (int channel : options.mutedChannels)
         player.SetChannelMute(channel, true);
+    if (options.from > 0)
+        player.put_CurrentPosition(options.from);
     player.Run();
 
     const double limit = options.seconds > 0 ? options.seconds : kLongestSong;

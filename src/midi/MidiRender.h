@@ -9,6 +9,7 @@
 struct MidiRenderOptions {
     std::string soundFont;  // empty: the General MIDI SoundFont installed
     int sampleRate = 44100;
+    double from = 0;     // the song second it starts at
     double seconds = 0;  // 0: the whole song
     int semitones = 0;   // as the key knob gives them: even, -12 to 12
     double tempo = 1;    // the master tempo, in the knob's fifteenths

@@ -130,3 +130,8 @@ double MediaSession::SecondsBuffered() const
 {
     return m_source ? m_source->SecondsBuffered() : 0;
 }
+
+bool MediaSession::ReadyFor(double seconds) const
+{
+    return !m_source || m_source->ReadyFor(seconds);
+}

@@ -40,6 +40,8 @@ public:
     bool VocalsOff() const { return m_vocalsOff; }
     // Decoded audio waiting for the device, in seconds.
     double SecondsBuffered() const;
+    // That many seconds are decoded ahead, or the rest of the song is.
+    bool ReadyFor(double seconds) const;
 
 private:
     AudioEngine& m_engine;

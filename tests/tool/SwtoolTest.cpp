@@ -403,6 +403,43 @@ TEST(Swtool, MidiRendersTheSongAsThePlayerSoundsIt)
     EXPECT_EQ(Swtool({"midi", kar, "--wav", home.filePath("x.wav"), "--mute", "17"}, home.path()).exitCode, 2);
 }
 
+TEST(Swtool, PlayRendersAnySongAtAKeyAndATempoThroughThePlayersPath)
+{
+    QTemporaryDir home;
+    const QString song = WriteRampWav(home.filePath("song.wav"), 48000 * 4);
+    const QString out = home.filePath("out.wav");
+    const ToolRun run = Swtool({"play", song, "--wav", out, "--key", "2", "--tempo", "0.8", "--vocals-off"}, home.path());
+    ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
+    const WavFacts facts = ReadWav(out);
+    EXPECT_EQ(run.out, out + "\t" + QString::number(facts.seconds, 'f', 3) + " s\n");
+    EXPECT_EQ(facts.rate, 44100u);
+    EXPECT_EQ(facts.channels, 2);
+    EXPECT_EQ(facts.bits, 16);
+    EXPECT_NEAR(facts.seconds, 5.0, 0.02) << "four seconds of song at tempo 0.8";
+    EXPECT_GT(facts.peak, 1000);
+
+    ASSERT_EQ(Swtool({"play", song, "--wav", out, "--from", "1", "--seconds", "1.5"}, home.path()).exitCode, 0);
+    EXPECT_NEAR(ReadWav(out).seconds, 1.5, 0.001);
+    const QString kar = MediaFixture("song.kar");
+    ASSERT_EQ(Swtool({"play", kar, "--wav", out, "--key", "-2", "--tempo", "2"}, home.path()).exitCode, 0);
+    EXPECT_NEAR(ReadWav(out).seconds, 2.0, 512.0 / 44100) << "a MIDI song by its own rules, twice as fast";
+
+    const auto refused = [&](const QStringList& args, const char* message) {
+        const ToolRun bad = Swtool(QStringList{"play"} + args + QStringList{"--wav", home.filePath("bad.wav")}, home.path());
+        EXPECT_EQ(bad.exitCode, 1) << args.join(' ').toStdString();
+        EXPECT_TRUE(bad.err.contains(message)) << bad.err.toStdString();
+        EXPECT_FALSE(QFile::exists(home.filePath("bad.wav")));
+    };
+    refused({song, "--tempo", "3"}, "--tempo takes a number from 0.5 to 2");
+    refused({song, "--key", "nan"}, "--key takes a number from -12 to 12");
+    refused({song, "--key", "1.5"}, "--key takes whole semitones");
+    refused({kar, "--key", "3"}, "whole tones");
+    refused({kar, "--vocals-off"}, "only a stereo audio song can lose its vocals");
+    refused({MediaFixture("pcm8-mono.wav"), "--vocals-off"}, "only a stereo audio song can lose its vocals");
+    refused({MediaFixture("not-audio.txt")}, "not-audio.txt");
+    EXPECT_EQ(Swtool({"play", song}, home.path()).exitCode, 2) << "no output named";
+}
+
 TEST(Swtool, SplitAndMergeAreTheEditorsTextCommands)
 {
     QTemporaryDir home;
