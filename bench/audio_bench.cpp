@@ -1,5 +1,7 @@
 // The audio engine's figures: how far the clock is from the song frame the device plays, how fast a song starts,
-// how fast files decode beside the ffmpeg command line, and what one mix callback costs.
+// how fast files decode beside the ffmpeg command line, what one mix callback costs, what a song
+// costs at another key and tempo or without its vocals, how fast it renders beside Rubber Band's
+// and FFmpeg's command lines, and how soon a turn of the KEY knob is heard.
 // Songs are made with the ffmpeg command line in a temporary folder. BENCH_CLOCK_SECONDS sets the
 // length of the clock run (30 by default).
 
@@ -11,6 +13,7 @@
 #include "audio/TimeStretch.h"
 #include "audio/VocalReducer.h"
 #include "audio/WavFile.h"
+#include "playback/SongRender.h"
 
 #include <QDir>
 #include <QProcess>
@@ -19,6 +22,7 @@
 #include <chrono>
 #include <cmath>
 #include <cstdio>
+#include <functional>
 #include <ctime>
 #include <optional>
 #include <sys/resource.h>
@@ -374,6 +378,79 @@ void StretchCost(const std::vector<float>& song)
                 seconds);
 }
 
+// What a playing song costs the whole machine, decoder, reducer, stretcher and mix together: the
+// player's path run through the 60 s song as fast as it goes, its CPU seconds for each second
+// heard.
+void PlayingCost(const std::string& song, double songSeconds)
+{
+    struct Setting {
+        const char* label;
+        int semitones;
+        double tempo;
+        bool vocalsOff;
+    };
+    const Setting settings[] = {{"as it is", 0, 1, false},           {"key +2", 2, 1, false},
+                                {"tempo 0.8", 0, 0.8, false},        {"key +2 and tempo 0.8", 2, 0.8, false},
+                                {"vocals off", 0, 1, true},          {"all three", 2, 0.8, true}};
+    for (const Setting& s : settings) {
+        SongRenderOptions options;
+        options.sampleRate = kRate;
+        options.semitones = s.semitones;
+        options.tempo = s.tempo;
+        options.vocalsOff = s.vocalsOff;
+        const double before = CpuSeconds(RUSAGE_SELF);
+        const SongRendering rendering = RenderSong(QString::fromStdString(song), options);
+        const double cpu = CpuSeconds(RUSAGE_SELF) - before;
+        const double heard = double(rendering.frames.size() / 2) / kRate;
+        std::printf("playing (faster engine), %-21s: %.1f%% of a core (%.2f s CPU for %.0f s heard of %.0f s of song)%s\n",
+                    s.label, 100 * cpu / std::max(heard, 1e-9), cpu, heard, songSeconds,
+                    rendering.error.isEmpty() ? "" : qPrintable(" " + rendering.error));
+    }
+}
+
+double WallSeconds(const std::function<void()>& work)
+{
+    const auto start = std::chrono::steady_clock::now();
+    work();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+// The same 60 s song at key +2 and tempo 0.8, rendered off-line by the player's path and by the
+// command lines of Rubber Band and FFmpeg, each from the same WAV file to a WAV file.
+void RenderSpeed(const QDir& dir, const std::string& wav, double songSeconds)
+{
+    const QString in = QString::fromStdString(wav);
+    SongRenderOptions options;
+    options.semitones = 2;
+    options.tempo = 0.8;
+    const double ours = WallSeconds([&] {
+        const SongRendering rendering = RenderSong(in, options);
+        WriteStereoWav(dir.filePath("ours.wav"), rendering.frames, options.sampleRate);
+    });
+    const auto tool = [&](const QString& program, const QStringList& args) {
+        return WallSeconds([&] {
+            QProcess process;
+            process.setStandardOutputFile(QProcess::nullDevice());
+            process.setStandardErrorFile(QProcess::nullDevice());
+            process.start(program, args);
+            process.waitForFinished(-1);
+        });
+    };
+    const double rbFaster = tool("rubberband", {"-q", "-t", "1.25", "-p", "2", "-F", in, dir.filePath("rb2.wav")});
+    const double rbFiner = tool("rubberband", {"-q", "-3", "-t", "1.25", "-p", "2", "-F", in, dir.filePath("rb3.wav")});
+    const double ffmpeg = tool("ffmpeg", {"-nostdin", "-v", "quiet", "-y", "-i", in, "-af",
+                                          "rubberband=tempo=0.8:pitch=1.122462:formant=preserved", "-ar", "44100",
+                                          dir.filePath("ff.wav")});
+    const auto line = [songSeconds](const char* who, double seconds) {
+        std::printf("render 60 s at key +2, tempo 0.8, %-32s: %.2f s wall, %.1fx real time\n", who, seconds,
+                    songSeconds / 0.8 / seconds);
+    };
+    line("swtool play (faster engine)", ours);
+    line("rubberband -F (faster engine)", rbFaster);
+    line("rubberband -3 -F (finer engine)", rbFiner);
+    line("ffmpeg -af rubberband (faster)", ffmpeg);
+}
+
 int main()
 {
     QTemporaryDir dir;
@@ -394,6 +471,8 @@ int main()
     DecodeThroughput("Ogg", ogg, songSeconds);
     CallbackCost(mp3);
     StretchCost(NoisySong(songSeconds));
+    PlayingCost(mp3, songSeconds);
+    RenderSpeed(folder, wav, songSeconds);
     KnobToSound(folder);
     return 0;
 }

@@ -71,6 +71,12 @@ TEST_F(KeyAndTempo, TheKeysWorkFromEveryWindowThatPlaysAndTheKnobsShowThem)
     emit sound.aboutToShow();
     const QAction* vocals = sound.actions().last();
     EXPECT_TRUE(vocals->isChecked()) << "the menu shows the vocals off";
+    if (const QString folder = qEnvironmentVariable("SONGWEAVER_CAPTURE_DIR"); !folder.isEmpty()) {
+        midi.Switch();
+        midi.grab().save(folder + QStringLiteral("/midi-vocals-off.png"));
+        midi.Switch();
+        midi.grab().save(folder + QStringLiteral("/midi-audio-knobs.png"));
+    }
 
     Press(windows.PlayerWidget(), Qt::Key_Home);
     EXPECT_EQ(Media().Semitones(), 0);
