@@ -56,6 +56,14 @@ int NextValueTop(int top, int direction, ValueAt valueAt)
     return top;
 }
 
+// The tempo on the stretcher with the key kept, else as the rate, which moves the key with it.
+void Pace(const PlayerState& state, MediaSession& media, int semitones)
+{
+    const bool keepKey = state.IsMidi || !state.Theme || state.Theme->KeepPitch;
+    media.SetSound(semitones, keepKey ? KnobTempo(state) : 1.0);
+    media.put_Rate(keepKey ? 1.0 : KnobTempo(state));
+}
+
 } // namespace
 
 void ApplyTranspose(PlayerState& state, int top)
@@ -66,18 +74,6 @@ void ApplyTranspose(PlayerState& state, int top)
     if (MediaSession* media = PlayingMedia(state))
         media->SetSound(KnobSemitones(state), media->Tempo());
 }
-
-namespace {
-
-// The tempo on the stretcher with the key kept, else as the rate, which moves the key with it.
-void Pace(const PlayerState& state, MediaSession& media, int semitones)
-{
-    const bool keepKey = state.IsMidi || !state.Theme || state.Theme->KeepPitch;
-    media.SetSound(semitones, keepKey ? KnobTempo(state) : 1.0);
-    media.put_Rate(keepKey ? 1.0 : KnobTempo(state));
-}
-
-} // namespace
 
 void ApplyTempo(PlayerState& state, int top)
 {
