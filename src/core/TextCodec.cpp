@@ -1,6 +1,7 @@
 #include "core/TextCodec.h"
 
 #include <QStringDecoder>
+#include <uchardet.h>
 #include <algorithm>
 #include <array>
 #include <optional>
@@ -65,6 +66,44 @@ QString DecodeText(const QByteArray& bytes, bool polish)
     QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
     QString text = utf8.decode(bytes);
     return utf8.hasError() ? DecodeSingleByte(bytes, polish ? kWindows1250 : kWindows1252) : text;
+}
+
+namespace {
+
+// Detection reads this much at the most: enough to tell any encoding, bounded for any file.
+constexpr qsizetype kDetectedBytes = qsizetype(1) << 20;
+
+std::optional<QString> DecodeDetected(const QByteArray& bytes)
+{
+    uchardet_t detector = uchardet_new();
+    uchardet_handle_data(detector, bytes.constData(), size_t(std::min(bytes.size(), kDetectedBytes)));
+    uchardet_data_end(detector);
+    const QByteArray name = uchardet_get_charset(detector);
+    uchardet_delete(detector);
+    if (name.isEmpty() || name == "ASCII")
+        return std::nullopt;
+    QStringDecoder decoder(name.constData(), QStringDecoder::Flag::Stateless);
+    if (!decoder.isValid())
+        return std::nullopt;
+    QString text = decoder.decode(bytes);
+    return decoder.hasError() ? std::nullopt : std::optional<QString>(std::move(text));
+}
+
+} // namespace
+
+QString DecodeAnyText(const QByteArray& bytes, bool polish)
+{
+    if (bytes.startsWith("\xFF\xFE") || bytes.startsWith("\xFE\xFF")) {
+        QStringDecoder utf16(bytes.startsWith("\xFF") ? QStringDecoder::Utf16LE : QStringDecoder::Utf16BE);
+        return utf16.decode(bytes.mid(2));
+    }
+    QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    const QString text = utf8.decode(bytes);
+    if (!utf8.hasError())
+        return text;
+    if (auto detected = DecodeDetected(bytes))
+        return *detected;
+    return DecodeText(bytes, polish);
 }
 
 QByteArray EncodeText(const QString& text)

@@ -1,0 +1,124 @@
+#include "formats/LyricsFiles.h"
+
+#include "core/TextCodec.h"
+#include "lyrics/LyricsLoader.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+
+namespace {
+
+std::optional<TimedLyrics> ReadAs(LyricsFormat format, const QString& text)
+{
+    switch (format) {
+    case LyricsFormat::Lrc:
+    case LyricsFormat::EnhancedLrc:
+        return ReadLrc(text);
+    case LyricsFormat::UltraStar:
+        return ReadUltraStar(text);
+    case LyricsFormat::Ass:
+        return ReadAss(text);
+    case LyricsFormat::Srt:
+        return ReadSrt(text);
+    }
+    return std::nullopt;
+}
+
+QString Written(LyricsFormat format, const std::vector<LyricItem>& lyrics, const QString& songPath,
+                const QString& fontFamily, int fontSize)
+{
+    switch (format) {
+    case LyricsFormat::Lrc:
+        return WriteLrc(lyrics, false);
+    case LyricsFormat::EnhancedLrc:
+        return WriteLrc(lyrics, true);
+    case LyricsFormat::UltraStar:
+        return WriteUltraStar(lyrics, QFileInfo(songPath).fileName());
+    case LyricsFormat::Ass:
+        return WriteAss(lyrics, fontFamily, fontSize);
+    case LyricsFormat::Srt:
+        return WriteSrt(lyrics);
+    }
+    return {};
+}
+
+} // namespace
+
+std::optional<LyricsFormat> FormatOfFile(const QString& path)
+{
+    const QString suffix = QFileInfo(path).suffix().toLower();
+    if (suffix == u"lrc")
+        return LyricsFormat::Lrc;
+    if (suffix == u"txt")
+        return LyricsFormat::UltraStar;
+    if (suffix == u"ass" || suffix == u"ssa")
+        return LyricsFormat::Ass;
+    if (suffix == u"srt")
+        return LyricsFormat::Srt;
+    return std::nullopt;
+}
+
+std::optional<TimedLyrics> ReadTimedLyricsFile(const QString& path, bool polish)
+{
+    const auto format = FormatOfFile(path);
+    QFile file(path);
+    if (!format || !file.open(QIODevice::ReadOnly) || file.size() > kLargestTimedLyricsFile)
+        return std::nullopt;
+    return ReadAs(*format, DecodeAnyText(file.readAll(), polish));
+}
+
+std::optional<TimedLyrics> FindSiblingLyrics(const QString& songPath, bool polish)
+{
+    const QFileInfo song(songPath);
+    const QDir folder = song.absoluteDir();
+    for (const char* suffix : {"lrc", "txt", "ass", "srt"}) {
+        for (const QString& name : {song.completeBaseName() + u'.' + QLatin1String(suffix),
+                                    song.completeBaseName() + u'.' + QString::fromLatin1(suffix).toUpper()}) {
+            const QString path = folder.filePath(name);
+            if (!QFileInfo(path).isFile())
+                continue;
+            auto lyrics = ReadTimedLyricsFile(path, polish);
+            // An UltraStar file beside a song may belong to another one of the folder.
+            if (lyrics && FormatOfFile(path) == LyricsFormat::UltraStar &&
+                QFileInfo(lyrics->ultraStar.audio).fileName().compare(song.fileName(), Qt::CaseInsensitive) != 0)
+                continue;
+            if (lyrics)
+                return lyrics;
+        }
+    }
+    return std::nullopt;
+}
+
+QString UltraStarAudioPath(const QString& txtPath, const TimedLyrics& lyrics)
+{
+    if (lyrics.ultraStar.audio.isEmpty())
+        return {};
+    const QString path = QFileInfo(txtPath).absoluteDir().filePath(lyrics.ultraStar.audio);
+    return QFileInfo(path).isFile() ? path : QString();
+}
+
+bool WriteTimedLyricsFile(const QString& path, LyricsFormat format, const std::vector<LyricItem>& lyrics,
+                          const QString& songPath, const QString& fontFamily, int fontSize)
+{
+    const QByteArray bytes = EncodeText(Written(format, lyrics, songPath, fontFamily, fontSize));
+    QSaveFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit();
+}
+
+void ShowTimedLyrics(LyricsState& lyrics, const TimedLyrics& timed, const LyricsEnvironment& env)
+{
+    ResetLyricsData(lyrics);
+    lyrics.PlayLyrics = timed.items;
+    FinishShownLyrics(lyrics, env);
+}
+
+bool LoadSiblingLyrics(LyricsState& lyrics, const QString& songPath, const LyricsEnvironment& env)
+{
+    const auto timed = FindSiblingLyrics(songPath, env.Polish);
+    if (!timed)
+        return false;
+    ShowTimedLyrics(lyrics, *timed, env);
+    return true;
+}
