@@ -6,6 +6,7 @@
 #include "core/TextCodec.h"
 #include "core/ThemeClass.h"
 #include "editor/LyricsImport.h"
+#include "formats/LyricsFiles.h"
 #include "lyrics/LyricsLoader.h"
 #include "midi/KaraokeWords.h"
 #include "tags/MP3Class.h"
@@ -116,14 +117,21 @@ QString LoadPlayerLyrics(LyricsState& lyrics, const QString& file, const LyricsE
         lyrics.LyricsTitleText = MakeLyricsTitle(lyrics, env.Tags);
         return {};
     }
+    if (FormatOfFile(file)) {
+        const auto timed = ReadTimedLyricsFile(file, env.Polish);
+        if (!timed)
+            return QString::fromLatin1(kInvalidLyricsMessage);
+        ShowTimedLyrics(lyrics, *timed, env);
+        return {};
+    }
     if (IsMidiName(file)) {
         MidiFigures figures;
         MeasureSong(ReadWholeFile(file), figures);
-        if (LoadMidiLyrics(lyrics, figures, file, env))
+        if (LoadMidiLyrics(lyrics, figures, file, env) || LoadSiblingLyrics(lyrics, file, env))
             return {};
         return QStringLiteral("There are no lyrics for this song.");
     }
-    if (LoadLyrics(lyrics, file, env))
+    if (LoadLyrics(lyrics, file, env) || LoadSiblingLyrics(lyrics, file, env))
         return {};
     QByteArray block;
     const bool damaged = ReadLyricsBlock(file, block) != BlockRead::None || QFileInfo::exists(LyricsPathOf(file));
@@ -186,4 +194,74 @@ PlayerReading::PlayerReading(const QString& file)
 LyricsEnvironment PlayerReading::Environment()
 {
     return {theme.LyricsFontFace(), language.IsPolish, &song, {}};
+}
+
+namespace {
+
+std::optional<LyricsFormat> ConvertTarget(const QString& name)
+{
+    if (name == u"lrc")
+        return LyricsFormat::Lrc;
+    if (name == u"elrc")
+        return LyricsFormat::EnhancedLrc;
+    if (name == u"ultrastar")
+        return LyricsFormat::UltraStar;
+    if (name == u"ass")
+        return LyricsFormat::Ass;
+    if (name == u"srt")
+        return LyricsFormat::Srt;
+    return std::nullopt;
+}
+
+// The song an export names: the input itself when it is a song, else the audio an UltraStar
+// file names, else an MP3 of the input's name.
+QString SongOfInput(const QString& input)
+{
+    if (!FormatOfFile(input) && !IsLrsFile(input))
+        return input;
+    if (const auto timed = ReadTimedLyricsFile(input, false); timed && !timed->ultraStar.audio.isEmpty())
+        return QFileInfo(input).absoluteDir().filePath(timed->ultraStar.audio);
+    return QFileInfo(input).absoluteDir().filePath(QFileInfo(input).completeBaseName() + QStringLiteral(".mp3"));
+}
+
+} // namespace
+
+int ConvertLyrics(const QStringList& args)
+{
+    QString input, target, output;
+    for (qsizetype i = 0; i < args.size(); ++i) {
+        if (args[i] == u"--to" && i + 1 < args.size())
+            target = args[++i];
+        else if (args[i] == u"-o" && i + 1 < args.size())
+            output = args[++i];
+        else if (!args[i].startsWith(u'-') && input.isEmpty())
+            input = args[i];
+        else
+            return 2;
+    }
+    const auto format = ConvertTarget(target);
+    if (input.isEmpty() || (!format && target != u"lrs"))
+        return 2;
+    if (!QFileInfo(input).isFile())
+        return Fail(QStringLiteral("File not found: %1").arg(input));
+    PlayerReading reading(input);
+    const LyricsEnvironment env = reading.Environment();
+    LyricsState lyrics;
+    if (const QString error = LoadPlayerLyrics(lyrics, input, env); !error.isEmpty())
+        return Fail(error);
+    const QString song = SongOfInput(input);
+    if (output.isEmpty()) {
+        const QString text = format ? TimedLyricsText(*format, lyrics.PlayLyrics, song, env.Font.family(), env.Font.pointSize())
+                                    : BuildLyricsBlock(lyrics.PlayLyrics, lyrics.PlayPictures, QStringLiteral("."));
+        QTextStream out(stdout);
+        out.setEncoding(QStringConverter::Utf8);
+        out << text;
+        return 0;
+    }
+    const bool written = format ? WriteTimedLyricsFile(output, *format, lyrics.PlayLyrics, song, env.Font.family(), env.Font.pointSize())
+                                : SaveLrsFile(output, lyrics.PlayLyrics, lyrics.PlayPictures);
+    if (!written)
+        return Fail(QStringLiteral("Cannot write %1").arg(output));
+    QTextStream(stdout) << output << '\n';
+    return 0;
 }

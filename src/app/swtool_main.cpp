@@ -29,6 +29,10 @@ const char* const kUsage =
     "       [--seconds N]    any song as the player sounds it, through its own decoder, stretcher,\n"
     "                        vocal reducer and synthesiser, as 16-bit stereo at 44.1 kHz: -12 to 12\n"
     "                        semitones (even for MIDI), tempo 0.5 to 2; prints the file and length\n"
+    "  convert IN --to lrs|lrc|elrc|ultrastar|ass|srt [-o OUT]\n"
+    "                        the lyrics of IN (a lyrics file of any of these formats, or a song,\n"
+    "                        whose lyrics are found as the player finds them) in another format,\n"
+    "                        to OUT or to standard output\n"
     "  split TEXTFILE        the editor's rows of a text: row<TAB>time<TAB>text<TAB>break (1 or 0)\n"
     "  merge LYRICS          the editor's text of a song's (or a .lrs file's) lyrics\n"
     "  embed SONG LYRICS.lrs the lyrics stored in the song file as the editor's Save stores them\n"
@@ -131,6 +135,10 @@ int main(int argc, char* argv[])
     }
     if (command == QLatin1String("print")) {
         const int result = PrintPages(args);
+        return result == 2 ? Usage() : result;
+    }
+    if (command == QLatin1String("convert")) {
+        const int result = ConvertLyrics(args);
         return result == 2 ? Usage() : result;
     }
     if (command == QLatin1String("play")) {

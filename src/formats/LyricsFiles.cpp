@@ -26,24 +26,6 @@ std::optional<TimedLyrics> ReadAs(LyricsFormat format, const QString& text)
     return std::nullopt;
 }
 
-QString Written(LyricsFormat format, const std::vector<LyricItem>& lyrics, const QString& songPath,
-                const QString& fontFamily, int fontSize)
-{
-    switch (format) {
-    case LyricsFormat::Lrc:
-        return WriteLrc(lyrics, false);
-    case LyricsFormat::EnhancedLrc:
-        return WriteLrc(lyrics, true);
-    case LyricsFormat::UltraStar:
-        return WriteUltraStar(lyrics, QFileInfo(songPath).fileName());
-    case LyricsFormat::Ass:
-        return WriteAss(lyrics, fontFamily, fontSize);
-    case LyricsFormat::Srt:
-        return WriteSrt(lyrics);
-    }
-    return {};
-}
-
 } // namespace
 
 std::optional<LyricsFormat> FormatOfFile(const QString& path)
@@ -99,10 +81,28 @@ QString UltraStarAudioPath(const QString& txtPath, const TimedLyrics& lyrics)
     return QFileInfo(path).isFile() ? path : QString();
 }
 
+QString TimedLyricsText(LyricsFormat format, const std::vector<LyricItem>& lyrics, const QString& songPath,
+                        const QString& fontFamily, int fontSize)
+{
+    switch (format) {
+    case LyricsFormat::Lrc:
+        return WriteLrc(lyrics, false);
+    case LyricsFormat::EnhancedLrc:
+        return WriteLrc(lyrics, true);
+    case LyricsFormat::UltraStar:
+        return WriteUltraStar(lyrics, QFileInfo(songPath).fileName());
+    case LyricsFormat::Ass:
+        return WriteAss(lyrics, fontFamily, fontSize);
+    case LyricsFormat::Srt:
+        return WriteSrt(lyrics);
+    }
+    return {};
+}
+
 bool WriteTimedLyricsFile(const QString& path, LyricsFormat format, const std::vector<LyricItem>& lyrics,
                           const QString& songPath, const QString& fontFamily, int fontSize)
 {
-    const QByteArray bytes = EncodeText(Written(format, lyrics, songPath, fontFamily, fontSize));
+    const QByteArray bytes = EncodeText(TimedLyricsText(format, lyrics, songPath, fontFamily, fontSize));
     QSaveFile file(path);
     return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit();
 }

@@ -18,8 +18,11 @@ std::optional<TimedLyrics> FindSiblingLyrics(const QString& songPath, bool polis
 // The UltraStar file's audio beside it; empty when it names none that exists.
 QString UltraStarAudioPath(const QString& txtPath, const TimedLyrics& lyrics);
 
-// The player's lyrics written in a format, UTF-8 without a byte order mark, replacing the file
-// whole or not at all. ASS takes the font; UltraStar names the song's audio file.
+// The player's lyrics as a format's text. ASS takes the font; UltraStar names the song's audio.
+QString TimedLyricsText(LyricsFormat format, const std::vector<LyricItem>& lyrics, const QString& songPath,
+                        const QString& fontFamily = {}, int fontSize = 48);
+// The same written as a file, UTF-8 without a byte order mark, replacing the file
+// whole or not at all.
 bool WriteTimedLyricsFile(const QString& path, LyricsFormat format, const std::vector<LyricItem>& lyrics,
                           const QString& songPath, const QString& fontFamily = {}, int fontSize = 48);
 

@@ -3,6 +3,7 @@
 
 #include "core/Dialogs.h"
 #include "core/Numbers.h"
+#include "formats/LyricsFiles.h"
 #include "lyrics/LyricsLoader.h"
 #include "midi/KaraokeWords.h"
 #include "playback/MediaSession.h"
@@ -123,7 +124,7 @@ LyricsEnvironment PlayerTransport::LyricsEnvironmentOfSong()
 void PlayerTransport::LoadSongLyrics()
 {
     const LyricsEnvironment env = LyricsEnvironmentOfSong();
-    if (LoadLyrics(m_state.Lyrics, m_state.CurrentFile, env))
+    if (LoadLyrics(m_state.Lyrics, m_state.CurrentFile, env) || LoadSiblingLyrics(m_state.Lyrics, m_state.CurrentFile, env))
         return;
     // A song without lyrics of its own shows what the editor is writing for it.
     if (m_state.EditorOpen && m_state.EditorFile == m_state.CurrentFile && m_state.Lyrics.EditLyrics.size() > 1) {
@@ -153,7 +154,8 @@ void PlayerTransport::OpenMidiSong(const QString& path)
     m_state.EditorFile = m_state.CurrentInfo->Filename();
     m_state.CurrentFile = m_state.EditorFile;
     // The words of a MIDI song come from the file itself; there is no search.
-    LoadMidiLyrics(m_state.Lyrics, m_state.Midi, path, LyricsEnvironmentOfSong());
+    if (!LoadMidiLyrics(m_state.Lyrics, m_state.Midi, path, LyricsEnvironmentOfSong()))
+        LoadSiblingLyrics(m_state.Lyrics, path, LyricsEnvironmentOfSong());
     RecallSongSound(m_state, path);
     if (ControlsForm* midi = m_forms.MidiEq())
         midi->ChangeMidi(m_state.CurrentInfo->Filename(), 0);

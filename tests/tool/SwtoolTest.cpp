@@ -440,6 +440,38 @@ TEST(Swtool, PlayRendersAnySongAtAKeyAndATempoThroughThePlayersPath)
     EXPECT_EQ(Swtool({"play", song}, home.path()).exitCode, 2) << "no output named";
 }
 
+TEST(Swtool, ConvertGivesTheLyricsInEveryFormatAndLyricsReadsThemAll)
+{
+    QTemporaryDir home;
+    const QString lrc = home.filePath("song.lrc");
+    WriteFileBytes(lrc, "[ar:Tester]\n[ti:Tone]\n[00:01.00]<00:01.00>Hel<00:01.50>lo <00:02.00>world\n[00:04.00]Next line\n");
+    const ToolRun read = Swtool({"lyrics", lrc}, home.path());
+    ASSERT_EQ(read.exitCode, 0) << read.err.toStdString();
+    EXPECT_TRUE(read.out.startsWith("format\tLRC (enhanced)\nartist\tTester\ntitle\tTone\n")) << read.out.toStdString();
+    const qsizetype syllables = read.out.indexOf("syllable\t");
+    for (const char* target : {"lrs", "lrc", "elrc", "ultrastar", "ass", "srt"}) {
+        const QString suffix = QString::fromLatin1(target) == u"ultrastar" ? "txt" : QString::fromLatin1(target) == u"elrc" ? "e.lrc" : target;
+        const QString out = home.filePath(QStringLiteral("out.") + suffix);
+        const ToolRun run = Swtool({"convert", lrc, "--to", target, "-o", out}, home.path());
+        ASSERT_EQ(run.exitCode, 0) << target << run.err.toStdString();
+        const ToolRun back = Swtool({"lyrics", out}, home.path());
+        ASSERT_EQ(back.exitCode, 0) << target << back.err.toStdString();
+        if (QString::fromLatin1(target) == u"elrc" || QString::fromLatin1(target) == u"ultrastar" || QString::fromLatin1(target) == u"ass" ||
+            QString::fromLatin1(target) == u"lrs")
+            EXPECT_EQ(back.out.mid(back.out.indexOf("syllable\t")), read.out.mid(syllables)) << target;
+        else
+            EXPECT_TRUE(back.out.contains("syllable\t1\t1.000\t1\tHello world\tHello world\n")) << target << back.out.toStdString();
+    }
+    const ToolRun toScreen = Swtool({"convert", lrc, "--to", "srt"}, home.path());
+    EXPECT_TRUE(toScreen.out.startsWith("1\r\n00:00:01,000 --> 00:00:04,000\r\nHello world\r\n")) << toScreen.out.toStdString();
+    EXPECT_EQ(Swtool({"convert", lrc, "--to", "doc"}, home.path()).exitCode, 2);
+    EXPECT_EQ(Swtool({"convert", home.filePath("gone.lrc"), "--to", "srt"}, home.path()).exitCode, 1);
+    WriteFileBytes(home.filePath("empty.srt"), "nothing timed\n");
+    const ToolRun empty = Swtool({"lyrics", home.filePath("empty.srt")}, home.path());
+    EXPECT_EQ(empty.exitCode, 1);
+    EXPECT_TRUE(empty.err.contains("Lyrics format doesn't seem to be valid."));
+}
+
 TEST(Swtool, SplitAndMergeAreTheEditorsTextCommands)
 {
     QTemporaryDir home;
