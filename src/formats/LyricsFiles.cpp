@@ -6,6 +6,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QSaveFile>
 
 namespace {
@@ -22,6 +23,26 @@ std::optional<TimedLyrics> ReadAs(LyricsFormat format, const QString& text)
         return ReadAss(text);
     case LyricsFormat::Srt:
         return ReadSrt(text);
+    }
+    return std::nullopt;
+}
+
+// UltraStar files of the folder (the first 64, their first 16 KiB) for one whose #MP3 or #AUDIO
+// names the song: its file often has another name than the song's.
+std::optional<TimedLyrics> FindUltraStarNaming(const QFileInfo& song, bool polish)
+{
+    constexpr int kLookedAt = 64;
+    constexpr qint64 kHeaderBytes = 16 << 10;
+    const QRegularExpression audioLine(QStringLiteral("^#(?:MP3|AUDIO):\\s*(.*?)\\s*$"),
+                                       QRegularExpression::CaseInsensitiveOption | QRegularExpression::MultilineOption);
+    const QFileInfoList texts = song.absoluteDir().entryInfoList({QStringLiteral("*.txt"), QStringLiteral("*.TXT")}, QDir::Files);
+    for (qsizetype i = 0; i < std::min<qsizetype>(texts.size(), kLookedAt); ++i) {
+        QFile file(texts[i].filePath());
+        if (!file.open(QIODevice::ReadOnly))
+            continue;
+        const QRegularExpressionMatch named = audioLine.match(DecodeAnyText(file.read(kHeaderBytes), polish));
+        if (named.hasMatch() && named.captured(1).compare(song.fileName(), Qt::CaseInsensitive) == 0)
+            return ReadTimedLyricsFile(texts[i].filePath(), polish);
     }
     return std::nullopt;
 }
@@ -69,6 +90,9 @@ std::optional<TimedLyrics> FindSiblingLyrics(const QString& songPath, bool polis
             if (lyrics)
                 return lyrics;
         }
+        if (QLatin1String(suffix) == u"txt")
+            if (auto lyrics = FindUltraStarNaming(song, polish))
+                return lyrics;
     }
     return std::nullopt;
 }
@@ -77,8 +101,16 @@ QString UltraStarAudioPath(const QString& txtPath, const TimedLyrics& lyrics)
 {
     if (lyrics.ultraStar.audio.isEmpty())
         return {};
-    const QString path = QFileInfo(txtPath).absoluteDir().filePath(lyrics.ultraStar.audio);
-    return QFileInfo(path).isFile() ? path : QString();
+    const QDir folder = QFileInfo(txtPath).absoluteDir();
+    const QString path = folder.filePath(lyrics.ultraStar.audio);
+    if (QFileInfo(path).isFile())
+        return path;
+    // Song files made on Windows name their audio in any case.
+    const QFileInfo named(path);
+    for (const QFileInfo& file : named.absoluteDir().entryInfoList(QDir::Files))
+        if (file.fileName().compare(named.fileName(), Qt::CaseInsensitive) == 0)
+            return file.filePath();
+    return {};
 }
 
 QString TimedLyricsText(LyricsFormat format, const std::vector<LyricItem>& lyrics, const QString& songPath,

@@ -13,9 +13,9 @@ std::optional<LyricsFormat> FormatOfFile(const QString& path);
 // nothing when it cannot be read or holds no timed lyrics.
 std::optional<TimedLyrics> ReadTimedLyricsFile(const QString& path, bool polish);
 // A file with the song's base name beside it: .lrc, an UltraStar .txt whose #MP3 names this
-// song, .ass, .srt, in that order.
+// song (or another UltraStar file of the folder that names it), .ass, .srt, in that order.
 std::optional<TimedLyrics> FindSiblingLyrics(const QString& songPath, bool polish);
-// The UltraStar file's audio beside it; empty when it names none that exists.
+// The UltraStar file's audio beside it, its name in any case; empty when it names none that exists.
 QString UltraStarAudioPath(const QString& txtPath, const TimedLyrics& lyrics);
 
 // The player's lyrics as a format's text. ASS takes the font; UltraStar names the song's audio.

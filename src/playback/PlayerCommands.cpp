@@ -162,7 +162,7 @@ void PlayerCommands::OpenRecent(int index)
 bool PlayerCommands::ChooseAndOpenFiles()
 {
     const QString title = QStringLiteral("SWV: ") + m_state.Language.GetText(QStringLiteral("DialogAddFiles"));
-    const QString filter = DialogFilter(m_state.Language.GetRawText(QStringLiteral("FilterOpenAudio")), SongPatterns());
+    const QString filter = DialogFilter(m_state.Language.GetRawText(QStringLiteral("FilterOpenAudio")), PlayerSongPatterns());
     const QStringList files = m_dialogs.OpenFileNames(title, m_state.Theme->MusicPath, filter);
     if (files.isEmpty())
         return false;

@@ -5,6 +5,7 @@
 
 #include "core/Forms.h"
 #include "core/KeyTable.h"
+#include "formats/TimedLyrics.h"
 #include "lyrics/LyricsLoader.h"
 #include "playback/PlaybackTicks.h"
 
@@ -68,8 +69,9 @@ public:
     QString SelectedPath() const;
 
     // Loads a song: the old one closed, the file read, its session, labels and lyrics. False
-    // only when the file does not exist, or while another song is still being opened.
-    bool OpenSong(const QString& path, bool autoplay);
+    // only when the file does not exist, or while another song is still being opened. An
+    // UltraStar song file opens the audio it names, with its words.
+    bool OpenSong(const QString& songFile, bool autoplay);
     // The font, code page, tags and refit of the current song for a lyrics load.
     LyricsEnvironment LyricsEnvironmentOfSong();
     // Marks the playlist row as playing, then opens and plays its song; a song whose file is
@@ -97,6 +99,9 @@ private:
     void TransportLamps(PlayerLamp lit);
     void StopVoice();
     void OpenAudioSong(const QString& path, bool autoplay);
+    // The audio a song file stands for: itself, or the one an UltraStar file names, whose words
+    // are then kept for the load.
+    QString AudioOfSongFile(const QString& path);
     void OpenMidiSong(const QString& path);
     // Names the song that cannot play and why: empty, no song the program knows, damaged, or
     // what keeps its whole kind from playing.
@@ -119,6 +124,7 @@ private:
     VoiceCommands* m_voice = nullptr;
     PlaybackTicks m_ticks;
     bool m_opening = false;
+    std::optional<TimedLyrics> m_songFileLyrics;  // the words of an UltraStar file being opened
     QString m_unavailableKind;  // the message of a session that could play no song of its kind
     bool m_unavailableReported = false;
 };

@@ -22,7 +22,21 @@ QString SongListText(const MP3Class& song)
     return artist.isEmpty() ? title : artist + QStringLiteral(" - ") + title;
 }
 
-bool PlayerTransport::OpenSong(const QString& path, bool autoplay)
+QString PlayerTransport::AudioOfSongFile(const QString& path)
+{
+    m_songFileLyrics.reset();
+    if (FormatOfFile(path) != LyricsFormat::UltraStar)
+        return path;
+    // An UltraStar song file plays the audio it names, with its own words.
+    auto lyrics = ReadTimedLyricsFile(path, m_state.Language.IsPolish);
+    const QString audio = lyrics ? UltraStarAudioPath(path, *lyrics) : QString();
+    if (audio.isEmpty())
+        return path;
+    m_songFileLyrics = std::move(lyrics);
+    return audio;
+}
+
+bool PlayerTransport::OpenSong(const QString& songFile, bool autoplay)
 {
     // A load runs to its end before the next one starts: one arriving meanwhile is refused.
     if (m_opening)
@@ -30,6 +44,7 @@ bool PlayerTransport::OpenSong(const QString& path, bool autoplay)
     m_opening = true;
     CloseSong();
     ResetLyricsData(m_state.Lyrics);
+    const QString path = AudioOfSongFile(songFile);
     const bool exists = QFileInfo(path).isFile();
     if (exists) {
         m_ticks.Stop();
@@ -124,6 +139,10 @@ LyricsEnvironment PlayerTransport::LyricsEnvironmentOfSong()
 void PlayerTransport::LoadSongLyrics()
 {
     const LyricsEnvironment env = LyricsEnvironmentOfSong();
+    if (m_songFileLyrics) {
+        ShowTimedLyrics(m_state.Lyrics, *m_songFileLyrics, env);
+        return;
+    }
     if (LoadLyrics(m_state.Lyrics, m_state.CurrentFile, env) || LoadSiblingLyrics(m_state.Lyrics, m_state.CurrentFile, env))
         return;
     // A song without lyrics of its own shows what the editor is writing for it.

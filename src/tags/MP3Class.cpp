@@ -34,6 +34,11 @@ QString SongPatterns()
     return patterns.join(u';');
 }
 
+QString PlayerSongPatterns()
+{
+    return SongPatterns() + QStringLiteral(";*.txt");
+}
+
 QString MP3Class::CutSp(QString& text)
 {
     qsizetype end = text.size();

@@ -35,6 +35,8 @@ bool IsMidiName(const QString& path);
 // The suffixes of the songs the program opens, in lower case; a file dialog's "*.mp3;*.ogg;..."
 const QStringList& SongSuffixes();
 QString SongPatterns();
+// The same with UltraStar song files, which play the audio they name: for the player's dialogs.
+QString PlayerSongPatterns();
 
 class MP3Class final : public SongTags {
 public:

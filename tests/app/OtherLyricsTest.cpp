@@ -70,3 +70,23 @@ TEST_F(OtherLyrics, TheSongsOwnLyricsComeFirst)
     EXPECT_EQ(state.Lyrics.PlayLyrics.size(), 1u) << "a file with no timed line shows nothing";
     EXPECT_TRUE(dialogs.messages.isEmpty());
 }
+
+TEST_F(OtherLyrics, AnUltraStarSongFilePlaysTheAudioItNamesWithItsWords)
+{
+    const QString audio = Song("Song.wav");
+    const QString txt = dir.filePath("Artist - Song.txt");
+    WriteFileBytes(txt, "#TITLE:Song\r\n#ARTIST:Artist\r\n#AUDIO:song.WAV\r\n#BPM:600\r\n#GAP:0\r\n: 0 4 5 La \r\nE\r\n");
+    ASSERT_TRUE(transport.OpenSong(txt, true));
+    EXPECT_EQ(state.CurrentFile, audio) << "the audio it names plays";
+    EXPECT_TRUE(state.SongOpen());
+    EXPECT_EQ(Header().FormatName, "UltraStar");
+    EXPECT_EQ(FirstWords(), "La ");
+
+    transport.OpenSong(audio, true);
+    EXPECT_EQ(Header().FormatName, "UltraStar") << "the audio alone finds the song file of another name";
+
+    WriteFileBytes(txt, "just some notes\n");
+    transport.OpenSong(txt, true);
+    EXPECT_FALSE(state.SongOpen()) << "a text that is no song does not play";
+    EXPECT_EQ(dialogs.messages.size(), 1);
+}

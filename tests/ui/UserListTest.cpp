@@ -165,8 +165,9 @@ TEST_F(PlaylistWindow, TheMenusPlayPlaysTheSelectedRow)
 
 TEST_F(PlaylistWindow, AddAndLoadShowEverySongAndListWithAllFilesLast)
 {
-    const QStringList songFiles{"a.mp3", "b.OGG", "c.wav", "d.mpc", "e.ape", "f.mid", "g.midi", "h.KAR"};
-    for (const QString& name : songFiles + QStringList{"notes.txt"})
+    // A text file may be an UltraStar song, which plays the audio it names.
+    const QStringList songFiles{"a.mp3", "b.OGG", "c.wav", "d.mpc", "e.ape", "f.mid", "g.midi", "h.KAR", "song.txt"};
+    for (const QString& name : songFiles + QStringList{"cover.jpg"})
         WriteFileBytes(dir.filePath(name), "x");
 
     dialogs.chosen = {};

@@ -112,7 +112,7 @@ void UserList::fnAddSong()
 {
     const QStringList files = m_dialogs.OpenFileNames(
         QStringLiteral("SWV: ") + Text("DialogAddFiles"), m_state.Theme ? m_state.Theme->MusicPath : QString(),
-        DialogFilter(m_state.Language.GetRawText(QStringLiteral("FilterOpenAudio")), SongPatterns()));
+        DialogFilter(m_state.Language.GetRawText(QStringLiteral("FilterOpenAudio")), PlayerSongPatterns()));
     m_playlist.AppendFiles(files);
 }
 
