@@ -1,5 +1,6 @@
 #include "editor/LyricsImport.h"
 
+#include "formats/LyricsFiles.h"
 #include "core/FilePieces.h"
 #include "core/TextCodec.h"
 #include "lyrics/LyricsBlock.h"
@@ -35,6 +36,8 @@ std::optional<QString> ImportBlockText(QFile& file, qint64 begin, bool polish)
 
 bool ImportLyrics(LyricsState& lyrics, MidiFigures& figures, MP3Class* current, const QString& fileName, bool polish)
 {
+    if (FormatOfFile(fileName))
+        return ImportTimedLyrics(lyrics, fileName, polish);
     MP3Class file(polish);
     file.SetFilename(fileName);
     file.ReadFile();
@@ -48,6 +51,16 @@ bool ImportLyrics(LyricsState& lyrics, MidiFigures& figures, MP3Class* current, 
     if (file.LyricsExist() && ImportSongTagLyrics(lyrics, current))
         return true;
     return ImportMidiLyrics(lyrics, figures, fileName, polish);
+}
+
+bool ImportTimedLyrics(LyricsState& lyrics, const QString& fileName, bool polish)
+{
+    const auto timed = ReadTimedLyricsFile(fileName, polish);
+    if (!timed)
+        return false;
+    ResetEditor(lyrics);
+    lyrics.EditLyrics = timed->items;
+    return true;
 }
 
 bool ImportSongTagLyrics(LyricsState& lyrics, MP3Class* current)

@@ -27,6 +27,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <deque>
+#include <map>
 #include <gtest/gtest.h>
 
 namespace {
@@ -289,6 +290,47 @@ TEST_F(EditorWindow, NewAsksAboutChangedRowsAndAboutSavedOnesAsBefore)
     EXPECT_EQ(editor->Document().Count(), 2);
 }
 
+TEST_F(EditorWindow, OtherProgramsLyricsComeInAndGoOutInEveryFormat)
+{
+    ASSERT_TRUE(transport.OpenSong(song, false));
+    OpenEditor();
+    const QString ultraStar = dir.filePath("Band - Song.txt");
+    WriteFileBytes(ultraStar, "#TITLE:Song\n#ARTIST:Band\n#MP3:song.wav\n#BPM:300\n#GAP:500\n: 0 4 1 Hel\n: 4 4 2 lo \n- 8\n"
+                              ": 10 4 3 world\nE\n");
+    dialogs.files = {ultraStar};
+    editor->Command(QStringLiteral("MenuLyricsImport"));
+    ASSERT_EQ(editor->Document().Count(), 3);
+    EXPECT_EQ(Cell(1, 1), "Hel");
+    EXPECT_EQ(Cell(3, 1), "world");
+    EXPECT_EQ(state.Lyrics.EditLyrics[2].Time, 0.7);
+
+    QMenu* exports = editor->Menu(QStringLiteral("MenuLyricsExport"));
+    ASSERT_NE(exports, nullptr);
+    // Line-timed formats keep the lines, the others every syllable.
+    const std::map<QString, std::pair<QString, int>> expected = {{"ExportLrc", {"lrc", 2}},
+                                                                 {"ExportEnhancedLrc", {"lrc", 3}},
+                                                                 {"ExportUltraStar", {"txt", 3}},
+                                                                 {"ExportAss", {"ass", 3}},
+                                                                 {"ExportSrt", {"srt", 2}}};
+    ASSERT_EQ(exports->actions().size(), 5);
+    for (QAction* action : exports->actions()) {
+        const QString key = action->data().toString();
+        const auto& [suffix, rows] = expected.at(key);
+        dialogs.files = {dir.filePath(key)};
+        action->trigger();
+        const QString out = dir.filePath(key + u'.' + suffix);
+        ASSERT_TRUE(QFile::exists(out)) << "the format's own extension: " << out.toStdString();
+        dialogs.files = {out};
+        editor->Command(QStringLiteral("MenuLyricsImport"));
+        EXPECT_EQ(editor->Document().Count(), rows) << key.toStdString();
+        EXPECT_NEAR(state.Lyrics.EditLyrics[1].Time, 0.5, 0.01) << key.toStdString();
+        dialogs.files = {ultraStar};
+        editor->Command(QStringLiteral("MenuLyricsImport"));
+    }
+    EXPECT_EQ(dialogs.suggestions.first(), dir.filePath("song.lrc")) << "named after the song";
+    EXPECT_TRUE(dialogs.messages.isEmpty()) << dialogs.messages.join('\n').toStdString();
+}
+
 TEST_F(EditorWindow, ChangedRowsAreNeverLostWithoutTheQuestion)
 {
     const QString mp3 = CopyFixture(MediaFixture("id3v1.mp3"), dir.path());
@@ -514,7 +556,7 @@ TEST_F(EditorWindow, TheMenusStandInTheirPlacesAndTheWindowKeepsItsSize)
             found << (action->isSeparator() ? QStringLiteral("-") : action->data().toString());
         return found;
     };
-    EXPECT_EQ(keys("MenuFile"), (QStringList{"MenuNew", "MenuFileOpen", "MenuLyricsOpen", "MenuLyricsImport", "-",
+    EXPECT_EQ(keys("MenuFile"), (QStringList{"MenuNew", "MenuFileOpen", "MenuLyricsOpen", "MenuLyricsImport", "MenuLyricsExport", "-",
                                              "MenuSave", "MenuSaveAs", "-", "MenuTextOpen", "MenuTextSave", "-",
                                              "MenuPrint", "MenuUpdate", "-", "MenuExit"}));
     EXPECT_EQ(keys("MenuEdit"), (QStringList{"MenuCut", "MenuCopy", "MenuPaste", "MenuDelete", "MenuSelectAll",

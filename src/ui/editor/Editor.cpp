@@ -372,6 +372,8 @@ void Editor::BuildMenus()
             m_actions[key] = action;
         }
     }
+    QMenu& file = *m_menus[QStringLiteral("MenuFile")];
+    AddExportMenu(file, file.actions().value(file.actions().indexOf(m_actions[QStringLiteral("MenuLyricsImport")]) + 1));
 }
 
 void Editor::BuildToolBar()

@@ -137,6 +137,9 @@ private:
     void MenuFileOpen();
     void MenuLyricsOpen();
     void MenuLyricsImport();
+    // File > Export: the rows as LRC, enhanced LRC, UltraStar, ASS or SRT, by the item's key.
+    void AddExportMenu(QMenu& file, QAction* before);
+    void ExportLyrics(const QString& key);
     void MenuTextOpen();
     void MenuTextSave();
     void MenuVersion();

@@ -8,6 +8,7 @@
 #include "core/SiteAddresses.h"
 #include "editor/EditorFiles.h"
 #include "editor/LyricsImport.h"
+#include "formats/LyricsFiles.h"
 #include "lyrics/LyricsBlock.h"
 #include "lyrics/LyricsLoader.h"
 #include "playback/PlayerCommands.h"
@@ -19,6 +20,7 @@
 #include "ui/kit/AboutBoxes.h"
 
 #include <QApplication>
+#include <QMenu>
 #include <QFileInfo>
 #include <QStatusBar>
 #include <QDir>
@@ -201,7 +203,7 @@ void Editor::MenuLyricsImport()
     const QString path = m_dialogs.OpenFileName(
         kTitlePrefix + Text("DialogImportKaraoke"),
         DialogFilter(m_state.Language.GetRawText(QStringLiteral("FilterImportKaraoke")),
-                     SongPatterns()));
+                     SongPatterns() + QStringLiteral(";*.lrc;*.txt;*.ass;*.ssa;*.srt")));
     if (path.isEmpty())
         return;
     ImportLyrics(m_state.Lyrics, m_state.Midi, m_state.CurrentInfo.get(), path, m_state.Language.IsPolish);
@@ -209,6 +211,65 @@ void Editor::MenuLyricsImport()
     ShowOnDisplay(true);
     FillEditorList();
     m_document.MarkSaved();
+}
+
+namespace {
+
+struct ExportKind {
+    const char* key;
+    LyricsFormat format;
+    const char* name;
+    const char* pattern;
+};
+
+constexpr ExportKind kExports[] = {
+    {"ExportLrc", LyricsFormat::Lrc, "LRC", "lrc"},
+    {"ExportEnhancedLrc", LyricsFormat::EnhancedLrc, "Enhanced LRC", "lrc"},
+    {"ExportUltraStar", LyricsFormat::UltraStar, "UltraStar", "txt"},
+    {"ExportAss", LyricsFormat::Ass, "ASS", "ass"},
+    {"ExportSrt", LyricsFormat::Srt, "SRT", "srt"},
+};
+
+} // namespace
+
+void Editor::AddExportMenu(QMenu& file, QAction* before)
+{
+    auto* exports = new QMenu(Text("MenuLyricsExport"), &file);
+    exports->setObjectName(QStringLiteral("MenuLyricsExport"));
+    for (const ExportKind& kind : kExports) {
+        QAction* action = exports->addAction(QString::fromLatin1(kind.name) + QStringLiteral("..."));
+        const QString key = QString::fromLatin1(kind.key);
+        action->setData(key);
+        connect(action, &QAction::triggered, this, [this, key] { ExportLyrics(key); });
+    }
+    file.insertMenu(before, exports)->setData(exports->objectName());
+    m_menus[exports->objectName()] = exports;
+}
+
+void Editor::ExportLyrics(const QString& key)
+{
+    const auto kind = std::find_if(std::begin(kExports), std::end(kExports), [&](const ExportKind& k) { return key == QLatin1String(k.key); });
+    if (kind == std::end(kExports))
+        return;
+    if (m_document.Count() == 0) {
+        NothingToSave();
+        return;
+    }
+    const QString suffix = QString::fromLatin1(kind->pattern);
+    const QString suggested = m_state.EditorFile.isEmpty()
+                                  ? QString()
+                                  : QFileInfo(m_state.EditorFile).absoluteDir().filePath(QFileInfo(m_state.EditorFile).completeBaseName() + u'.' + suffix);
+    const QString chosen = m_dialogs.SaveFileName(kTitlePrefix + Text("DialogExportLyrics"), suggested,
+                                                  DialogFilter(QString::fromLatin1(kind->name), QStringLiteral("*.") + suffix));
+    if (chosen.isEmpty())
+        return;
+    const QString path = NameWithExtension(chosen, suffix);
+    const QFont font = m_state.Theme->LyricsFontFace();
+    if (!WriteTimedLyricsFile(path, kind->format, m_state.Lyrics.EditLyrics, m_state.EditorFile, font.family(), font.pointSize())) {
+        m_dialogs.Critical(m_state.Language.GetText(QStringLiteral("ErrorWriteFile")));
+        return;
+    }
+    ShowSaved(path);
 }
 
 void Editor::MenuTextOpen()
