@@ -73,20 +73,34 @@ namespace {
 // Detection reads this much at the most: enough to tell any encoding, bounded for any file.
 constexpr qsizetype kDetectedBytes = qsizetype(1) << 20;
 
-std::optional<QString> DecodeDetected(const QByteArray& bytes)
+// The encoding the bytes look like; empty when the detector is unsure or sees plain ASCII.
+QByteArray DetectedEncoding(const QByteArray& bytes)
 {
     uchardet_t detector = uchardet_new();
     uchardet_handle_data(detector, bytes.constData(), size_t(std::min(bytes.size(), kDetectedBytes)));
     uchardet_data_end(detector);
-    const QByteArray name = uchardet_get_charset(detector);
+    QByteArray name = uchardet_get_charset(detector);
     uchardet_delete(detector);
-    if (name.isEmpty() || name == "ASCII")
+    return name == "ASCII" ? QByteArray() : name;
+}
+
+std::optional<QString> DecodeAs(const QByteArray& encoding, const QByteArray& bytes)
+{
+    if (encoding.isEmpty())
         return std::nullopt;
-    QStringDecoder decoder(name.constData(), QStringDecoder::Flag::Stateless);
+    QStringDecoder decoder(encoding.constData(), QStringDecoder::Flag::Stateless);
     if (!decoder.isValid())
         return std::nullopt;
     QString text = decoder.decode(bytes);
     return decoder.hasError() ? std::nullopt : std::optional<QString>(std::move(text));
+}
+
+bool IsUtf8(const QByteArray& bytes)
+{
+    QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    // The decoding runs when its result becomes a string.
+    const QString decoded = utf8.decode(bytes);
+    return !utf8.hasError();
 }
 
 } // namespace
@@ -101,9 +115,19 @@ QString DecodeAnyText(const QByteArray& bytes, bool polish)
     const QString text = utf8.decode(bytes);
     if (!utf8.hasError())
         return text;
-    if (auto detected = DecodeDetected(bytes))
+    if (auto detected = DecodeAs(DetectedEncoding(bytes), bytes))
         return *detected;
     return DecodeText(bytes, polish);
+}
+
+QStringList DecodeTexts(const QList<QByteArray>& texts, bool polish)
+{
+    const QByteArray together = QByteArray(texts.join('\n')).left(kDetectedBytes);
+    const QByteArray encoding = IsUtf8(together) ? QByteArray() : DetectedEncoding(together);
+    QStringList decoded;
+    for (const QByteArray& text : texts)
+        decoded << DecodeAs(encoding, text).value_or(DecodeText(text, polish));
+    return decoded;
 }
 
 QByteArray EncodeText(const QString& text)

@@ -4,12 +4,16 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 
 QString DecodeText(const QByteArray& bytes, bool polish);
 // Text from elsewhere, in whatever encoding it came: UTF-8 (with or without a byte order mark)
 // when valid, UTF-16 with a mark, else what the bytes look like (KOI8-R, Windows-1251, Shift-JIS,
 // GB18030 ...), else, when that is unsure, the legacy code page of DecodeText.
 QString DecodeAnyText(const QByteArray& bytes, bool polish);
+// Short texts of one source (the text events of a MIDI track) read alike, by what their bytes
+// together look like: each alone is too short to tell its encoding.
+QStringList DecodeTexts(const QList<QByteArray>& texts, bool polish);
 // Files are written as UTF-8 without a byte order mark.
 QByteArray EncodeText(const QString& text);
 

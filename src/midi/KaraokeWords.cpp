@@ -136,9 +136,15 @@ struct TimedText {
 std::vector<TimedText> EventTexts(const MidiTrack& track, uint8_t metaType, double msPerTick, bool polish)
 {
     std::vector<TimedText> texts;
+    QList<QByteArray> bytes;
     for (const MidiEvent& event : track.Events)
-        if (event.Status == 0xFF && event.MetaType == metaType)
-            texts.push_back({RoundedSeconds(double(event.Tick) * msPerTick), DecodeText(event.Data, polish)});
+        if (event.Status == 0xFF && event.MetaType == metaType) {
+            texts.push_back({RoundedSeconds(double(event.Tick) * msPerTick), QString()});
+            bytes << event.Data;
+        }
+    const QStringList decoded = DecodeTexts(bytes, polish);
+    for (size_t i = 0; i < texts.size(); ++i)
+        texts[i].text = decoded[qsizetype(i)];
     return texts;
 }
 
@@ -341,19 +347,23 @@ void ResetLyrics(LyricsState& lyrics, std::vector<LyricItem>& songLyrics)
 
 void GetWords(const QByteArray& track, double msPerTick, bool polish, std::vector<LyricItem>& songLyrics)
 {
-    WordsCollector words(songLyrics);
-    double clock = 0;
     // Every 255 is taken for an event, also one inside a text or a delta; the search goes on
-    // one byte further, not behind the event.
+    // one byte further, not behind the event. The words are read first, then decoded together.
+    QList<QByteArray> texts;
+    std::vector<double> times;
+    double clock = 0;
     for (qsizetype at = track.indexOf('\xFF'); at >= 0; at = track.indexOf('\xFF', at + 1)) {
         const int length = ByteAt(track, at + 2);
-        QString word;
-        if (ByteAt(track, at + 1) == kTextEvent && ByteAt(track, at + 3) != '@')
-            word = DecodeText(track.mid(at + 3, length), polish);
+        const bool word = ByteAt(track, at + 1) == kTextEvent && ByteAt(track, at + 3) != '@';
+        texts << (word ? track.mid(at + 3, length) : QByteArray());
         const double delta = DeltaAt(track, at + 3 + length) * msPerTick;
         clock += delta;
-        words.Add(word, RoundedSeconds(clock - delta));
+        times.push_back(RoundedSeconds(clock - delta));
     }
+    WordsCollector words(songLyrics);
+    const QStringList decoded = DecodeTexts(texts, polish);
+    for (size_t i = 0; i < times.size(); ++i)
+        words.Add(decoded[qsizetype(i)], times[i]);
 }
 
 void FinishWords(std::vector<LyricItem>& songLyrics)

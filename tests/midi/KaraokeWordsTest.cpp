@@ -7,6 +7,7 @@
 #include "midi/KaraokeWords.h"
 #include "support/TestSupport.h"
 
+#include <QStringEncoder>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
@@ -195,6 +196,23 @@ TEST(KaraokeWords, LyricEventsKeepTheBlanksTheyCarry)
         {"A-", "ve ", "Ma-", "ri-", "a, ", "gra-", "ti-", "a ", "ple-", "na", "\rDo-", "mi-", "nus"});
     ASSERT_GT(prayer.size(), 2u);
     EXPECT_EQ(prayer[2].LineText, "Ave Maria, gratia plena ");
+}
+
+TEST(KaraokeWords, WordsInAnotherEncodingAreReadByWhatTheyLookLikeTogether)
+{
+    // A Russian karaoke file of the 1990s: KOI8-R, each word far too short to tell alone.
+    const QStringList russian = {QStringLiteral("Ой, "), QStringLiteral("то "), QStringLiteral("не "), QStringLiteral("ве"),
+                                 QStringLiteral("чер, "), QStringLiteral("то "), QStringLiteral("не "), QStringLiteral("ве"),
+                                 QStringLiteral("чер, "), QStringLiteral("мне "), QStringLiteral("ма"), QStringLiteral("ло "),
+                                 QStringLiteral("спа"), QStringLiteral("лось, "), QStringLiteral("ма"), QStringLiteral("ло "),
+                                 QStringLiteral("спа"), QStringLiteral("лось, "), QStringLiteral("ма"), QStringLiteral("ло "),
+                                 QStringLiteral("во "), QStringLiteral("сне "), QStringLiteral("ви"), QStringLiteral("де"),
+                                 QStringLiteral("лось")};
+    QStringEncoder koi8("KOI8-R");
+    TrackBuilder track;
+    for (const QString& word : russian)
+        track.Text(250, koi8.encode(word));
+    EXPECT_EQ(Texts(Words(track.End())), russian);
 }
 
 TEST(KaraokeWords, AMarkAtTheEndOfAWordEndsItsLine)
