@@ -12,6 +12,10 @@
 namespace {
 
 const QRegularExpression kLineBreaks(QStringLiteral("\r\n|\n|\r"));
+// What a song file may say: beats far beyond any song are held at this, tempos outside are no song.
+constexpr qint64 kFarthestBeat = 1'000'000'000;
+constexpr double kSlowestBpm = 1;
+constexpr double kFastestBpm = 100'000;
 const QRegularExpression kNote(QStringLiteral("^([:*FRG])\\s+(-?\\d{1,9})\\s+(-?\\d{1,9})\\s+(-?\\d{1,9})(?: (.*))?$"));
 const QRegularExpression kBreak(QStringLiteral("^-\\s*(-?\\d{1,9})(?:\\s+(-?\\d{1,9}))?\\s*$"));
 const QRegularExpression kPart(QStringLiteral("^P\\s*([123])\\s*$"));
@@ -70,7 +74,7 @@ std::optional<TimedLyrics> ReadUltraStar(const QString& text, int part)
     std::vector<std::vector<PendingSyllable>> lines(1);
     std::vector<size_t> noteOfSyllable;
     int current = 1;
-    int base = 0;  // the beat the relative numbers count from
+    qint64 base = 0;  // the beat the relative numbers count from
     bool notesStarted = false;
     for (const QString& raw : text.split(kLineBreaks)) {
         const QString trimmed = raw.trimmed();
@@ -89,13 +93,14 @@ std::optional<TimedLyrics> ReadUltraStar(const QString& text, int part)
             lines.emplace_back();
             continue;
         }
-        if (song.bpm <= 0 || !std::isfinite(song.bpm) || !std::isfinite(song.gapMs))
+        if (!(song.bpm >= kSlowestBpm && song.bpm <= kFastestBpm) || !std::isfinite(song.gapMs))
             return std::nullopt;
         const bool shown = current == part || current == 3;
         if (const QRegularExpressionMatch b = kBreak.match(trimmed); b.hasMatch()) {
             notesStarted = true;
             if (song.relative)
-                base += b.captured(2).isEmpty() ? b.captured(1).toInt() : b.captured(2).toInt();
+                base = std::clamp<qint64>(base + (b.captured(2).isEmpty() ? b.captured(1) : b.captured(2)).toLongLong(),
+                                          -kFarthestBeat, kFarthestBeat);
             if (shown)
                 lines.emplace_back();
             continue;
@@ -107,7 +112,7 @@ std::optional<TimedLyrics> ReadUltraStar(const QString& text, int part)
         notesStarted = true;
         UltraStarNote note;
         note.kind = char(n.captured(1).at(0).toLatin1());
-        note.beat = base + n.captured(2).toInt();
+        note.beat = int(std::clamp<qint64>(base + n.captured(2).toLongLong(), -kFarthestBeat, kFarthestBeat));
         note.length = n.captured(3).toInt();
         note.pitch = n.captured(4).toInt();
         note.part = current == 3 ? part : current;

@@ -184,6 +184,11 @@ TEST(TimedLyricsText, DamagedAndHugeTextBreaksNoReader)
         ReadAss(text);
         ReadSrt(text);
     }
+    const auto far = ReadUltraStar(QStringLiteral("#BPM:300\n#GAP:0\n#RELATIVE:yes\n: 0 1 0 a\n- 999999999 999999999\n"
+                                                 "- 999999999 999999999\n: 999999999 1 0 b\nE\n"));
+    ASSERT_TRUE(far);
+    EXPECT_EQ(far->ultraStar.notes.back().beat, 1'000'000'000) << "beats past any song are held";
+    EXPECT_FALSE(ReadUltraStar(QStringLiteral("#BPM:1e-300\n#GAP:0\n: 0 1 0 a\n"))) << "no tempo a song has";
     const QString huge = QStringLiteral("[00:01.00]") + QString(2'000'000, u'a') + QStringLiteral("\n[00:02.00]b\n");
     const auto lyrics = ReadLrc(huge);
     ASSERT_TRUE(lyrics);
