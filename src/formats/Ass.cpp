@@ -10,7 +10,6 @@
 
 namespace {
 
-const QRegularExpression kLineBreaks(QStringLiteral("\r\n|\n|\r"));
 const QRegularExpression kAssTime(QStringLiteral("^\\s*(\\d{1,3}):(\\d{1,2}):(\\d{1,2})(?:[.:](\\d{1,3}))?\\s*$"));
 const QRegularExpression kKaraokeTag(QStringLiteral("\\\\(?:kf|ko|k|K)(\\d{1,6})"));
 const QRegularExpression kOverride(QStringLiteral("\\{[^}]*\\}"));
@@ -110,7 +109,7 @@ std::optional<TimedLyrics> ReadAss(const QString& text)
         QString text;
     };
     std::vector<Event> events;
-    for (const QString& raw : text.split(kLineBreaks)) {
+    for (const QString& raw : TextLines(text)) {
         const QString line = raw.trimmed();
         if (line.startsWith(u'[')) {
             inEvents = line.compare(QStringLiteral("[Events]"), Qt::CaseInsensitive) == 0;

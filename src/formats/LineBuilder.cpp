@@ -1,6 +1,13 @@
 #include "formats/LineBuilder.h"
 
+#include <QRegularExpression>
 #include <cmath>
+
+QStringList TextLines(const QString& text)
+{
+    static const QRegularExpression lineBreaks(QStringLiteral("\r\n|\n|\r"));
+    return text.split(lineBreaks);
+}
 
 void LineBuilder::Add(double time, const QString& text)
 {

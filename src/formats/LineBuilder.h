@@ -4,6 +4,9 @@
 
 #include "formats/TimedLyrics.h"
 
+// The lines of a text whatever its line ends: CR LF, LF or CR.
+QStringList TextLines(const QString& text);
+
 class LineBuilder {
 public:
     void Add(double time, const QString& text);

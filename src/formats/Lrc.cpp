@@ -10,7 +10,6 @@
 
 namespace {
 
-const QRegularExpression kLineBreaks(QStringLiteral("\r\n|\n|\r"));
 const QRegularExpression kTime(QStringLiteral("^\\s*(\\d{1,6}):(\\d{1,2})(?:[.:](\\d{1,3}))?\\s*$"));
 const QRegularExpression kWordTag(QStringLiteral("<(\\d{1,6}:\\d{1,2}(?:[.:]\\d{1,3})?)>"));
 
@@ -94,7 +93,7 @@ std::optional<TimedLyrics> ReadLrc(const QString& text)
 {
     std::vector<TimedLine> lines;
     Header header;
-    for (const QString& line : text.split(kLineBreaks))
+    for (const QString& line : TextLines(text))
         ReadLine(line.trimmed(), lines, header);
     std::stable_sort(lines.begin(), lines.end(), [](const TimedLine& a, const TimedLine& b) { return a.time < b.time; });
 

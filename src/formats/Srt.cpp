@@ -8,7 +8,6 @@
 
 namespace {
 
-const QRegularExpression kLineBreaks(QStringLiteral("\r\n|\n|\r"));
 const QRegularExpression kCueTimes(
     QStringLiteral("^\\s*(\\d{1,4}):(\\d{1,2}):(\\d{1,2})[,.](\\d{1,3})\\s*-->\\s*(\\d{1,4}):(\\d{1,2}):(\\d{1,2})[,.](\\d{1,3})"));
 const QRegularExpression kMarkup(QStringLiteral("<[^>]*>|\\{\\\\[^}]*\\}"));
@@ -46,7 +45,7 @@ std::optional<TimedLyrics> ReadSrt(const QString& text)
         cueStart.reset();
         cueText.clear();
     };
-    for (const QString& line : text.split(kLineBreaks)) {
+    for (const QString& line : TextLines(text)) {
         const QRegularExpressionMatch times = kCueTimes.match(line);
         if (times.hasMatch()) {
             endCue();

@@ -11,7 +11,6 @@
 
 namespace {
 
-const QRegularExpression kLineBreaks(QStringLiteral("\r\n|\n|\r"));
 // What a song file may say: beats far beyond any song are held at this, tempos outside are no song.
 constexpr qint64 kFarthestBeat = 1'000'000'000;
 constexpr double kSlowestBpm = 1;
@@ -76,7 +75,7 @@ std::optional<TimedLyrics> ReadUltraStar(const QString& text, int part)
     int current = 1;
     qint64 base = 0;  // the beat the relative numbers count from
     bool notesStarted = false;
-    for (const QString& raw : text.split(kLineBreaks)) {
+    for (const QString& raw : TextLines(text)) {
         const QString trimmed = raw.trimmed();
         if (trimmed.isEmpty())
             continue;
