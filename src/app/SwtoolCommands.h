@@ -25,6 +25,8 @@ struct PlayerReading {
 
 // swtool lyrics FILE [--editor | --import] [--write OUT]
 int PrintLyrics(const QStringList& args);
+// swtool cdg FILE.cdg --at SECONDS -o OUT.png
+int PrintCdgScreen(const QStringList& args);
 // swtool convert IN --to lrs|lrc|elrc|ultrastar|ass|srt [-o OUT]
 int ConvertLyrics(const QStringList& args);
 // swtool midi FILE [--wav OUT.wav [--seconds N] [--transpose S] [--tempo F] [--mute CH]...]

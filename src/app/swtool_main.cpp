@@ -29,6 +29,8 @@ const char* const kUsage =
     "       [--seconds N]    any song as the player sounds it, through its own decoder, stretcher,\n"
     "                        vocal reducer and synthesiser, as 16-bit stereo at 44.1 kHz: -12 to 12\n"
     "                        semitones (even for MIDI), tempo 0.5 to 2; prints the file and length\n"
+    "  cdg FILE.cdg --at SECONDS -o OUT.png\n"
+    "                        the CD+G screen at that second, 300 x 216 with its border, as decoded\n"
     "  convert IN --to lrs|lrc|elrc|ultrastar|ass|srt [-o OUT]\n"
     "                        the lyrics of IN (a lyrics file of any of these formats, or a song,\n"
     "                        whose lyrics are found as the player finds them) in another format,\n"
@@ -135,6 +137,10 @@ int main(int argc, char* argv[])
     }
     if (command == QLatin1String("print")) {
         const int result = PrintPages(args);
+        return result == 2 ? Usage() : result;
+    }
+    if (command == QLatin1String("cdg")) {
+        const int result = PrintCdgScreen(args);
         return result == 2 ? Usage() : result;
     }
     if (command == QLatin1String("convert")) {

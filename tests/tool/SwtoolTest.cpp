@@ -472,6 +472,30 @@ TEST(Swtool, ConvertGivesTheLyricsInEveryFormatAndLyricsReadsThemAll)
     EXPECT_TRUE(empty.err.contains("Lyrics format doesn't seem to be valid."));
 }
 
+TEST(Swtool, CdgDrawsTheRawScreenAtASecond)
+{
+    QTemporaryDir home;
+    const auto packet = [](int instruction, QByteArray data) {
+        data.resize(16, '\0');
+        return QByteArray("\x09") + char(instruction) + QByteArray(2, '\0') + data + QByteArray(4, '\0');
+    };
+    // Colour 1 red; the screen in colour 0 (black); at 1 s a red tile in the top left corner.
+    QByteArray file = packet(30, QByteArray::fromHex("00003c00")) + packet(1, QByteArray(1, '\0'));
+    file += QByteArray(24 * 298, '\0');
+    file += packet(6, QByteArray::fromHex("00010000") + QByteArray(12, '\x3f'));
+    WriteFileBytes(home.filePath("song.cdg"), file);
+    const QString before = home.filePath("before.png"), after = home.filePath("after.png");
+    ASSERT_EQ(Swtool({"cdg", home.filePath("song.cdg"), "--at", "0.99", "-o", before}, home.path()).exitCode, 0);
+    ASSERT_EQ(Swtool({"cdg", home.filePath("song.cdg"), "--at", "1", "-o", after}, home.path()).exitCode, 0);
+    const QImage early(before), late(after);
+    EXPECT_EQ(late.size(), QSize(300, 216));
+    EXPECT_EQ(early.pixel(0, 0), 0xFF000000u) << "the tile's packet is at 1 s";
+    EXPECT_EQ(late.pixel(0, 0), 0xFFFF0000u);
+    EXPECT_EQ(late.pixel(6, 0), 0xFF000000u);
+    EXPECT_EQ(Swtool({"cdg", home.filePath("gone.cdg"), "--at", "1", "-o", after}, home.path()).exitCode, 1);
+    EXPECT_EQ(Swtool({"cdg", home.filePath("song.cdg"), "-o", after}, home.path()).exitCode, 2);
+}
+
 TEST(Swtool, SplitAndMergeAreTheEditorsTextCommands)
 {
     QTemporaryDir home;
