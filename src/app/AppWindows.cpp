@@ -159,6 +159,8 @@ void AppWindows::ShowFileInfo(const QString& format, const QString& path)
         dialog = new OggInfoDialog(path, polish, owner);
     } else if (format == u"WAV") {
         dialog = new WavInfoDialog(path, polish, owner);
+    } else if (format == u"KARAOKE") {
+        dialog = new KaraokeInfoDialog(path, polish, owner);
     } else if (format == u"MIDI") {
         // One MIDI box at a time.
         if (owner->findChild<MidiInfoDialog*>())

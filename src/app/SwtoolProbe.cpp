@@ -1,8 +1,10 @@
 // swtool probe: what the program reads of an audio file, as key<TAB>value lines.
 
 #include "app/SwtoolCommands.h"
+#include "cdg/CdgSong.h"
 #include "core/Language.h"
 #include "core/SettingsStore.h"
+#include "playback/SongKind.h"
 #include "tags/MP3Class.h"
 
 #include <QFileInfo>
@@ -87,10 +89,18 @@ int PrintProbe(const QStringList& args)
     LanguageTable language;
     language.LoadLanguage(store);
 
+    // A CD+G file or a zip is probed as the audio it plays.
+    std::unique_ptr<ZipSong> zip;
+    const QString audio = AudioOfKaraokeFile(args[0], zip);
+    if (audio.isEmpty()) {
+        QTextStream(stderr) << "No karaoke song in " << args[0] << '\n';
+        return 1;
+    }
     MP3Class song(language.IsPolish);
-    song.SetFilename(args[0]);
+    song.SetFilename(audio);
     QTextStream out(stdout);
     PrintReadFile(out, song, song.ReadFile());
+    out << "Kind\t" << SongKindText(audio, song.format()) << '\n';
     song.ReadTag();
     PrintReadTag(out, song);
     return 0;

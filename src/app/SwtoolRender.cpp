@@ -3,12 +3,14 @@
 // so the page is the one a listener sees at that moment.
 
 #include "app/SwtoolCommands.h"
+#include "cdg/CdgSong.h"
 #include "core/Language.h"
 #include "core/SettingsStore.h"
 #include "core/ThemeClass.h"
 #include "karaoke/KaraokeView.h"
 #include "lyrics/LyricsLoader.h"
 #include "tags/MP3Class.h"
+#include "video/VideoStream.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -104,13 +106,23 @@ void RunTicks(KaraokeView& view, RenderClock& clock, double until, const std::fu
         clock.Now = double(i) * kTick;
         view.StepTransition();
         double position = clock.Now;
-        view.Timeline().IsPlaying(position);
+        view.Tick(position);
         if (timerStarted >= 0 && clock.Now - timerStarted >= kLastTimerSeconds) {
             view.Restore();
             timerStarted = -1;
         }
         atTick(clock.Now);
     }
+}
+
+// The window's picture at a song second; a video song's frame is waited for, so a slow machine
+// renders the same frames.
+QImage Shown(const KaraokeView& view, const LyricsState& lyrics, double seconds)
+{
+    if (!lyrics.Video)
+        return view.Frame();
+    lyrics.Video->SettleAt(seconds);
+    return view.Composed();
 }
 
 } // namespace
@@ -128,11 +140,20 @@ int RenderFrames(const QStringList& args)
     if (o.mode >= 0)
         theme.DisplayMode = int16_t(o.mode);
 
+    // The song as the player opens it: the audio of a CD+G file, the pair a zip holds.
+    std::unique_ptr<ZipSong> zip;
+    const QString song = AudioOfKaraokeFile(o.song, zip);
+    if (song.isEmpty())
+        return Fail(QStringLiteral("No karaoke song in %1").arg(o.song));
     LyricsState lyrics;
     const LyricsEnvironment env = reading.Environment();
-    if (const QString error = LoadPlayerLyrics(lyrics, o.song, env); !error.isEmpty())
+    // A disc's graphics stand for the words a song of it has not; a video plays under them.
+    lyrics.Graphics = ReadCdgFile(CdgFileOf(song));
+    if (auto video = std::make_shared<VideoStream>(song); !lyrics.Graphics && !video->Failed())
+        lyrics.Video = std::move(video);
+    if (const QString error = LoadPlayerLyrics(lyrics, song, env);
+        !error.isEmpty() && !lyrics.Graphics && !lyrics.Video)
         return Fail(error);
-
     RenderClock clock;
     KaraokeView view(lyrics, theme, clock);
     view.ResizeMe(o.size, o.scale, o.fullScreen);
@@ -142,7 +163,7 @@ int RenderFrames(const QStringList& args)
 
     if (o.videoDir.isEmpty()) {
         RunTicks(view, clock, o.at, [](double) {});
-        if (!view.Frame().save(o.output))
+        if (!Shown(view, lyrics, o.at).save(o.output))
             return Fail(QStringLiteral("Cannot write %1").arg(o.output));
         return 0;
     }
@@ -155,7 +176,7 @@ int RenderFrames(const QStringList& args)
         // A frame is due once the tick has reached its time.
         while (written && o.from + double(frame) / o.fps <= now + kTick / 2 && o.from + double(frame) / o.fps <= o.to) {
             const QString name = QStringLiteral("%1/%2.png").arg(o.videoDir).arg(frame, 5, 10, QLatin1Char('0'));
-            written = view.Frame().save(name);
+            written = Shown(view, lyrics, now).save(name);
             ++frame;
         }
     });

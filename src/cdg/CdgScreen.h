@@ -65,3 +65,4 @@ private:
     int64_t m_applied = 0;               // packets in m_screen
     std::vector<CdgScreen> m_snapshots;  // [i]: after i * kSnapshotPackets packets
 };
+

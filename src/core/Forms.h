@@ -140,8 +140,8 @@ public:
     virtual EditorForm& LoadEditor() = 0;
     // The loaded windows in the order they were loaded.
     virtual std::vector<Form*> LoadedForms() = 0;
-    // The information dialog of a file by its kind ("MP3", "OGG", "WAV", "MIDI"), modeless over
-    // the main window.
+    // The information dialog of a file by its kind ("MP3", "OGG", "WAV", "MIDI", "KARAOKE" for a
+    // disc song or a video), modeless over the main window.
     virtual void ShowFileInfo(const QString& format, const QString& path) = 0;
     // The preferences window, one at a time, on a tab: 0 general to 5 the keyboard.
     virtual void ShowPreferences(int tab) = 0;

@@ -142,6 +142,7 @@ std::vector<ThemeClass::Setting> ThemeClass::Settings()
         text("fullscreen monitor", Monitor, QStringLiteral("Monitor 1 (primary)")),
         text("sound font", SoundFont, QString()),
         boolean("keep pitch", KeepPitch, true),
+        boolean("cdg smooth", CdgSmooth, false),
     };
 }
 

@@ -91,6 +91,8 @@ public:
     bool Scroll{};
     // An audio song's tempo knob keeps its key (the stretcher), else changes its rate and key.
     bool KeepPitch{};
+    // Karaoke disc graphics scaled smoothly; off, their pixels stay crisp.
+    bool CdgSmooth{};
     QString Monitor;
     QString SoundFont;  // the SoundFont of MIDI songs; empty for the one the system installs
     // Not persisted.

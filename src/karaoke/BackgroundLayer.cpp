@@ -85,6 +85,12 @@ QImage BackgroundLayer::Composed(bool withTimedPicture)
 {
     QImage background(m_size * m_dpr, QImage::Format_ARGB32_Premultiplied);
     background.setDevicePixelRatio(m_dpr);
+    // A video song's picture stands behind the words instead.
+    if (m_lyrics.Video) {
+        m_timedRect = {};
+        background.fill(Qt::transparent);
+        return background;
+    }
     background.fill(m_backColor);
     QPainter painter(&background);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);

@@ -1,7 +1,9 @@
 #include "karaoke/KaraokeView.h"
 
+#include "cdg/CdgScreen.h"
 #include "core/Colors.h"
 #include "karaoke/PicturePlacing.h"
+#include "video/VideoStream.h"
 
 #include <QFontMetrics>
 #include <QPainter>
@@ -9,6 +11,28 @@
 #include <chrono>
 
 namespace {
+
+// The smallest rectangle that holds every pixel that differs; the whole of `after` when there
+// is nothing to compare with.
+QRect ChangedArea(const QImage& before, const QImage& after)
+{
+    if (before.size() != after.size() || before.format() != after.format())
+        return after.rect();
+    QRect changed;
+    for (int y = 0; y < after.height(); ++y) {
+        const auto* a = reinterpret_cast<const QRgb*>(before.constScanLine(y));
+        const auto* b = reinterpret_cast<const QRgb*>(after.constScanLine(y));
+        if (std::equal(a, a + after.width(), b))
+            continue;
+        int left = 0, right = after.width() - 1;
+        while (a[left] == b[left])
+            ++left;
+        while (a[right] == b[right])
+            --right;
+        changed |= QRect(left, y, right - left + 1, 1);
+    }
+    return changed;
+}
 
 constexpr int kRowExtra = 9;
 constexpr int kBlockInset = 8;
@@ -105,6 +129,8 @@ void KaraokeView::ResizeMe(QSize size, qreal dpr, bool fullScreen)
     m_frame.setDevicePixelRatio(m_dpr);
     m_lastBlock = {};
     m_back.Resize(m_size, m_dpr);
+    if (m_lyrics.Video)
+        m_lyrics.Video->SetTargetSize(m_frame.size());
     m_ready = true;
     if (m_theme.LyricsFitFont)
         FitLyrics();
@@ -255,6 +281,7 @@ void KaraokeView::ResetFrame()
     m_frame = m_back.Image().copy();
     m_lastBlock = {};
     m_shownPage = {};
+    m_shownGraphics = QImage();
 }
 
 void KaraokeView::RepairLastBlock()
@@ -427,6 +454,8 @@ void KaraokeView::ChangeLyrics()
     m_titleShown = false;
     m_pageShown = false;
     m_pageIndex = 0;
+    if (m_lyrics.Video && m_ready)
+        m_lyrics.Video->SetTargetSize(m_frame.size());
     SetBackground(false);
     PaintTitle(false);
     PrepareUpcoming();
@@ -456,10 +485,89 @@ void KaraokeView::FadeLyrics(int16_t& mode)
     DrawPage();
 }
 
+void KaraokeView::Tick(double& position)
+{
+    if (m_lyrics.Graphics) {
+        DrawGraphics(position);
+        return;
+    }
+    m_timeline.IsPlaying(position);
+    if (m_lyrics.Video && m_lyrics.Video->Advance(position))
+        Show(QRect(QPoint(0, 0), m_size));
+}
+
+void KaraokeView::Paint(QPainter& painter, const QRect& area) const
+{
+    const QRectF source(area.x() * m_dpr, area.y() * m_dpr, area.width() * m_dpr, area.height() * m_dpr);
+    if (m_lyrics.Video) {
+        painter.fillRect(area, Qt::black);
+        // The frame was scaled to the window already; drawn again only while the window's new
+        // size has not reached the decoder.
+        if (const QImage& picture = m_lyrics.Video->Current(); !picture.isNull()) {
+            const QSizeF shown = QSizeF(picture.size()).scaled(QSizeF(m_size), Qt::KeepAspectRatio);
+            const QPointF corner((m_size.width() - shown.width()) / 2, (m_size.height() - shown.height()) / 2);
+            painter.setRenderHint(QPainter::SmoothPixmapTransform);
+            painter.drawImage(QRectF(corner, shown), picture);
+        }
+    }
+    painter.drawImage(QRectF(area), m_frame, source);
+}
+
+QImage KaraokeView::Composed() const
+{
+    QImage image(m_frame.size(), QImage::Format_RGB32);
+    image.setDevicePixelRatio(m_dpr);
+    image.fill(Qt::black);
+    QPainter painter(&image);
+    Paint(painter, QRect(QPoint(0, 0), m_size));
+    return image;
+}
+
+void KaraokeView::DrawGraphics(double position)
+{
+    if (!m_ready)
+        return;
+    QImage shown = CdgShownImage(m_lyrics.Graphics->ScreenAt(position));
+    const QRect changed = ChangedArea(m_shownGraphics, shown);
+    if (changed.isEmpty())
+        return;
+    const bool whole = m_shownGraphics.isNull();
+    m_shownGraphics = std::move(shown);
+    // The screen's place in the frame, in device pixels, its shape kept.
+    const QSizeF device = m_frame.size();
+    const QSizeF fitted = QSizeF(m_shownGraphics.size()).scaled(device, Qt::KeepAspectRatio);
+    const QRectF place(QPointF((device.width() - fitted.width()) / 2, (device.height() - fitted.height()) / 2), fitted);
+    const double scale = fitted.width() / m_shownGraphics.width();
+    // Only what changed is drawn again: the whole screen drawn through a clip is the same there
+    // as drawn whole, without a seam where the scale is not whole.
+    const QRect clip = whole ? QRect(QPoint(0, 0), m_frame.size())
+                             : QRectF(place.x() + (changed.x() - 1) * scale, place.y() + (changed.y() - 1) * scale,
+                                      (changed.width() + 2) * scale, (changed.height() + 2) * scale)
+                                   .toAlignedRect()
+                                   .intersected(QRect(QPoint(0, 0), m_frame.size()));
+    QPainter painter(&m_frame);
+    painter.setCompositionMode(QPainter::CompositionMode_Source);
+    painter.resetTransform();
+    painter.scale(1 / m_dpr, 1 / m_dpr);
+    painter.setClipRect(clip);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, m_theme.CdgSmooth);
+    if (whole)
+        painter.fillRect(clip, Qt::black);
+    painter.drawImage(place, m_shownGraphics);
+    painter.end();
+    const QRectF logical(clip.x() / m_dpr, clip.y() / m_dpr, clip.width() / m_dpr, clip.height() / m_dpr);
+    Show(logical.toAlignedRect());
+}
+
 void KaraokeView::Repaint()
 {
     if (!m_ready)
         return;
+    if (m_lyrics.Graphics) {
+        m_shownGraphics = QImage();
+        DrawGraphics(m_song.Position());
+        return;
+    }
     ResetFrame();
     const auto& lyrics = m_lyrics.PlayLyrics;
     // The text leaves the screen 8 seconds after the last syllable.

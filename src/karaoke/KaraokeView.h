@@ -26,8 +26,17 @@ public:
 
     // Rebuilds the layers for a new client size, fits the font when the setting asks, repaints.
     void ResizeMe(QSize size, qreal dpr, bool fullScreen);
+    // The words over the background; over nothing, for a video song.
     const QImage& Frame() const { return m_frame; }
+    // What the window shows of `area`: the video song's picture, its shape kept on black, under
+    // the frame, else the frame alone.
+    void Paint(QPainter& painter, const QRect& area) const;
+    // The whole of what the window shows, as an image.
+    QImage Composed() const;
     KaraokeTimeline& Timeline() { return m_timeline; }
+    // A tick of the song clock: the disc graphics of an MP3+G song at `position`, else the
+    // timeline's syllables and the video song's frame.
+    void Tick(double& position);
 
     // The window's hooks: the part of the frame that changed, and the end-of-song timer.
     std::function<void(const QRect&)> Changed;
@@ -89,6 +98,9 @@ private:
     int RowHeight() const;
     int BlockTop(int rows) const;
     void DrawPage();
+    // The disc graphics at a song second, scaled to the window with their shape kept; only the
+    // part that changed since the last tick is drawn again.
+    void DrawGraphics(double position);
     bool LightNextSyllable();
     void DrawRow(const PageRow& row, int y, bool current);
     void DrawBall(int x, int y, const QString& line);
@@ -124,6 +136,7 @@ private:
     Page m_shownPage;  // what the frame holds
     int32_t m_pageIndex = 0;
     QRect m_lastBlock;
+    QImage m_shownGraphics;  // the disc graphics on the frame, unscaled; null when none are
     std::vector<std::future<PreparedImages>> m_preparedLines;
     std::future<void> m_preparer;  // waited for when the view goes
 };

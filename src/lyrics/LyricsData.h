@@ -3,11 +3,14 @@
 
 #include <QByteArray>
 #include <QString>
+#include <memory>
 #include <cstdint>
 #include <vector>
 
 class QFont;
 class SongTags;
+class CdgDecoder;
+class VideoStream;
 
 struct LyricItem {
     QString LineText;
@@ -69,9 +72,15 @@ struct LyricsState {
     // was damaged.
     QString DamagedLyricsFile;
     QByteArray RawLyricsText;  // the bytes of the last block or lyrics file read
+    // The disc graphics of an MP3+G song, shown instead of the words; null for other songs.
+    // Both stay while the song's words are read again.
+    std::shared_ptr<CdgDecoder> Graphics;
+    // The moving picture of a video song, under the words; null for other songs.
+    std::shared_ptr<VideoStream> Video;
 };
 
-// Empties the display arrays to their header and clears the header's song-specific fields.
+// Empties the display arrays to their header and clears the header's song-specific fields; the
+// graphics and the video go with their song, not with its words.
 void ResetLyricsData(LyricsState& lyrics);
 
 // "artist|title" of the loaded lyrics, else of the song's tags, else the song's display name.

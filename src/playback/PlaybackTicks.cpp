@@ -39,8 +39,10 @@ void PlaybackTicks::PlaybackTick()
 
     m_state.CurrentPosition = m_state.Clock.Position();
 
+    // A disc song's graphics and a video's picture follow the clock as words do.
     KaraokeForm* lyric = m_forms.Lyric();
-    if (m_state.KaraokeOpen && lyric && m_state.Lyrics.PlayLyrics.size() > 1) {
+    const LyricsState& shown = m_state.Lyrics;
+    if (m_state.KaraokeOpen && lyric && (shown.PlayLyrics.size() > 1 || shown.Graphics || shown.Video)) {
         m_state.LyricsRunning = true;
         lyric->IsPlaying(m_state.CurrentPosition);
     }

@@ -1,8 +1,10 @@
 #include "playback/PlayerCommands.h"
 
+#include "cdg/CdgSong.h"
 #include "core/Dialogs.h"
 #include "playback/PlayerState.h"
 #include "playback/PlayerTransport.h"
+#include "playback/SongKind.h"
 #include "playback/VoiceCommands.h"
 #include "tags/MP3Class.h"
 
@@ -100,9 +102,17 @@ void PlayerCommands::GetInfo()
     const QString path = m_transport.SelectedPath();
     if (path.isEmpty())
         return;
+    // A disc song or a video shows what kind it is; it is read as the audio it plays.
+    std::unique_ptr<ZipSong> zip;
+    const QString audio = AudioOfKaraokeFile(path, zip);
     MP3Class song(m_state.Language.IsPolish);
-    song.SetFilename(path);
-    if (!song.ReadFile())
+    song.SetFilename(audio);
+    const bool read = song.ReadFile();
+    if (const QString kind = SongKindText(audio, song.format()); kind.startsWith(u"CDG") || kind.startsWith(u"VIDEO")) {
+        m_forms.ShowFileInfo(QStringLiteral("KARAOKE"), path);
+        return;
+    }
+    if (!read)
         return;
     const QString& format = song.format();
     static const QStringList kShown = {QStringLiteral("MP3"), QStringLiteral("OGG"), QStringLiteral("WAV"),

@@ -184,6 +184,9 @@ void PlayerTransport::CloseSong()
     m_state.Sound = {};
     m_state.VocalsOff = false;
     m_state.SongKey.clear();
+    m_state.Lyrics.Graphics.reset();
+    m_state.Lyrics.Video.reset();
+    m_zipSong.reset();
     TransportLamps(PlayerLamp::Stop);
 }
 

@@ -3,6 +3,7 @@
 // song, play, pause, stop, close, seek, volume and mute, the loading of songs and the walks
 // of Next and Previous over the playlist.
 
+#include "cdg/CdgSong.h"
 #include "core/Forms.h"
 #include "core/KeyTable.h"
 #include "formats/TimedLyrics.h"
@@ -99,9 +100,11 @@ private:
     void TransportLamps(PlayerLamp lit);
     void StopVoice();
     void OpenAudioSong(const QString& path, bool autoplay);
-    // The audio a song file stands for: itself, or the one an UltraStar file names, whose words
-    // are then kept for the load.
+    // The audio a song file stands for: itself, the one a `.cdg` file draws for, the one a zip
+    // holds (taken out for as long as the song is open), or the one an UltraStar file names,
+    // whose words are then kept for the load.
     QString AudioOfSongFile(const QString& path);
+    QString ZipFaultText(const ZipSong& zip) const;
     void OpenMidiSong(const QString& path);
     // Names the song that cannot play and why: empty, no song the program knows, damaged, or
     // what keeps its whole kind from playing.
@@ -109,6 +112,12 @@ private:
     QString UnplayableReason(const QString& path) const;
     void ShowSongLabels();
     void LoadSongLyrics();
+    // The disc graphics beside an audio song, shown instead of its words; the karaoke window
+    // names a graphics file it cannot show.
+    void ShowGraphicsOf(const QString& path);
+    // The moving picture of a video song, under its words; the karaoke window names a video
+    // whose picture cannot be decoded.
+    void ShowVideoOf(const QString& path);
     // The playlist for Next and Previous; false when the song stopped or closed instead.
     bool MayWalkList();
     // Tries the rows from `first` towards `last` (either way); true when one opened.
@@ -125,6 +134,8 @@ private:
     PlaybackTicks m_ticks;
     bool m_opening = false;
     std::optional<TimedLyrics> m_songFileLyrics;  // the words of an UltraStar file being opened
+    std::unique_ptr<ZipSong> m_zipSong;            // the pair of the zip song that is open
+    QString m_songFileFault;  // why the zip being opened holds no song to play
     QString m_unavailableKind;  // the message of a session that could play no song of its kind
     bool m_unavailableReported = false;
 };

@@ -1,6 +1,7 @@
 // Song loading: OpenSong and the ways into it (command line, the open dialog, playlist rows,
 // Next, Previous).
 
+#include "cdg/CdgSong.h"
 #include "core/Dialogs.h"
 #include "core/Numbers.h"
 #include "formats/LyricsFiles.h"
@@ -10,6 +11,7 @@
 #include "playback/PlayerState.h"
 #include "playback/PlayerTransport.h"
 #include "playback/SongSound.h"
+#include "video/VideoStream.h"
 
 #include <QFileInfo>
 
@@ -25,6 +27,18 @@ QString SongListText(const MP3Class& song)
 QString PlayerTransport::AudioOfSongFile(const QString& path)
 {
     m_songFileLyrics.reset();
+    m_songFileFault.clear();
+    // A disc's graphics file opens the song it draws, a zip the pair it holds.
+    if ((IsCdgName(path) || IsZipName(path)) && QFileInfo(path).isFile()) {
+        const QString audio = AudioOfKaraokeFile(path, m_zipSong);
+        if (m_zipSong && m_zipSong->Fault() != ZipSong::Problem::None) {
+            m_songFileFault = ZipFaultText(*m_zipSong);
+            m_zipSong.reset();
+        } else if (audio.isEmpty()) {
+            m_songFileFault = m_state.Language.GetText(QStringLiteral("ReasonCdgNoAudio"));
+        }
+        return audio.isEmpty() ? path : audio;
+    }
     if (FormatOfFile(path) != LyricsFormat::UltraStar)
         return path;
     // An UltraStar song file plays the audio it names, with its own words.
@@ -34,6 +48,18 @@ QString PlayerTransport::AudioOfSongFile(const QString& path)
         return path;
     m_songFileLyrics = std::move(lyrics);
     return audio;
+}
+
+QString PlayerTransport::ZipFaultText(const ZipSong& zip) const
+{
+    switch (zip.Fault()) {
+    case ZipSong::Problem::NoPair:
+        return m_state.Language.GetText(QStringLiteral("ReasonZipNoPair"));
+    case ZipSong::Problem::BrokenMember:
+        return MessageNamingFile(m_state.Language.GetText(QStringLiteral("ReasonZipBroken")), zip.BrokenName());
+    default:
+        return m_state.Language.GetText(QStringLiteral("ReasonZipUnreadable"));
+    }
 }
 
 bool PlayerTransport::OpenSong(const QString& songFile, bool autoplay)
@@ -46,7 +72,9 @@ bool PlayerTransport::OpenSong(const QString& songFile, bool autoplay)
     ResetLyricsData(m_state.Lyrics);
     const QString path = AudioOfSongFile(songFile);
     const bool exists = QFileInfo(path).isFile();
-    if (exists) {
+    if (!m_songFileFault.isEmpty()) {
+        ReportUnplayable(songFile);
+    } else if (exists) {
         m_ticks.Stop();
         m_state.CurrentInfo = std::make_unique<MP3Class>(m_state.Language.IsPolish);
         m_state.CurrentInfo->SetFilename(path);
@@ -60,13 +88,15 @@ bool PlayerTransport::OpenSong(const QString& songFile, bool autoplay)
         lyric->ClearNewLyrics();
     }
     m_opening = false;
-    return exists;
+    return exists || !m_songFileFault.isEmpty();
 }
 
 QString PlayerTransport::UnplayableReason(const QString& path) const
 {
     if (!m_unavailableKind.isEmpty())
         return m_unavailableKind;
+    if (!m_songFileFault.isEmpty())
+        return m_songFileFault;
     const char* reason = "ReasonDamaged";
     if (QFileInfo(path).size() == 0)
         reason = "ReasonEmpty";
@@ -116,6 +146,8 @@ void PlayerTransport::OpenAudioSong(const QString& path, bool autoplay)
         lyric->ClearNewLyrics();
     }
     LoadSongLyrics();
+    ShowGraphicsOf(path);
+    ShowVideoOf(path);
     if (m_state.KaraokeOpen && lyric)
         lyric->ChangeLyrics();
 }
@@ -156,6 +188,31 @@ void PlayerTransport::LoadSongLyrics()
     if (const QString& damaged = m_state.Lyrics.DamagedLyricsFile; !damaged.isEmpty())
         m_state.Lyrics.LyricsTitleText = m_state.Language.GetText(QStringLiteral("LyricsDamaged")) + u'|' +
                                          QFileInfo(damaged).fileName();
+}
+
+void PlayerTransport::ShowGraphicsOf(const QString& path)
+{
+    const QString cdg = CdgFileOf(path);
+    if (cdg.isEmpty())
+        return;
+    m_state.Lyrics.Graphics = ReadCdgFile(cdg);
+    if (!m_state.Lyrics.Graphics)
+        m_state.Lyrics.LyricsTitleText =
+            m_state.Language.GetText(QStringLiteral("GraphicsDamaged")) + u'|' + QFileInfo(cdg).fileName();
+}
+
+void PlayerTransport::ShowVideoOf(const QString& path)
+{
+    if (m_state.Lyrics.Graphics)
+        return;
+    auto video = std::make_shared<VideoStream>(path);
+    if (!video->Facts().Valid())
+        return;
+    if (!video->Failed())
+        m_state.Lyrics.Video = std::move(video);
+    else if (m_state.Lyrics.PlayLyrics.size() <= 1)
+        m_state.Lyrics.LyricsTitleText =
+            m_state.Language.GetText(QStringLiteral("VideoDamaged")) + u'|' + QFileInfo(path).fileName();
 }
 
 void PlayerTransport::OpenMidiSong(const QString& path)

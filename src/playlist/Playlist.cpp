@@ -18,7 +18,7 @@ QStringList AudioFilesIn(const QStringList& paths)
             QDirIterator it(path, QDir::Files, QDirIterator::Subdirectories);
             while (it.hasNext()) {
                 const QString file = it.next();
-                if (SongSuffixes().contains(QFileInfo(file).suffix().toLower()))
+                if (IsFolderSongName(file))
                     found << file;
             }
             found.sort(Qt::CaseInsensitive);

@@ -1,5 +1,6 @@
 #include "playlist/SongProber.h"
 
+#include "cdg/CdgSong.h"
 #include "tags/MP3Class.h"
 
 #include <QFileInfo>
@@ -9,8 +10,11 @@ std::optional<SongFacts> ProbeSong(const QString& path, bool polish)
 {
     if (!QFileInfo(path).isFile())
         return std::nullopt;
+    // A zipped MP3+G song is named by the tags of the audio it holds, a CD+G file by its audio's.
+    std::unique_ptr<ZipSong> zip = IsZipName(path) ? ZipSong::Open(path) : nullptr;
+    const QString audio = zip ? zip->Audio() : IsCdgName(path) ? AudioOfCdgFile(path) : path;
     MP3Class song(polish);
-    song.SetFilename(path);
+    song.SetFilename(audio.isEmpty() ? path : audio);
     song.ReadFile();
     return SongFacts{song.Artist(), song.Title(), song.Length()};
 }

@@ -8,6 +8,7 @@
 #include "tags/InfoTexts.h"
 #include "tags/Lyrics3.h"
 #include "tags/TagBridge.h"
+#include "video/VideoStream.h"
 #include "core/Numbers.h"
 
 #include <QFileInfo>
@@ -36,7 +37,16 @@ QString SongPatterns()
 
 QString PlayerSongPatterns()
 {
-    return SongPatterns() + QStringLiteral(";*.txt");
+    QString patterns = SongPatterns() + QStringLiteral(";*.cdg;*.zip");
+    for (const QString& suffix : VideoSuffixes())
+        patterns += QStringLiteral(";*.") + suffix;
+    return patterns + QStringLiteral(";*.txt");
+}
+
+bool IsFolderSongName(const QString& path)
+{
+    const QString suffix = QFileInfo(path).suffix().toLower();
+    return SongSuffixes().contains(suffix) || suffix == u"zip" || VideoSuffixes().contains(suffix);
 }
 
 QString MP3Class::CutSp(QString& text)

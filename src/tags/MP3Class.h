@@ -35,8 +35,11 @@ bool IsMidiName(const QString& path);
 // The suffixes of the songs the program opens, in lower case; a file dialog's "*.mp3;*.ogg;..."
 const QStringList& SongSuffixes();
 QString SongPatterns();
-// The same with UltraStar song files, which play the audio they name: for the player's dialogs.
+// The same with zipped MP3+G songs, videos, and the CD+G and UltraStar song files that play the
+// audio they draw for or name: for the player's dialogs.
 QString PlayerSongPatterns();
+// A song the playlist takes from a folder: the songs above, zipped MP3+G songs and videos.
+bool IsFolderSongName(const QString& path);
 
 class MP3Class final : public SongTags {
 public:

@@ -102,3 +102,26 @@ TEST_F(Rows, SavingAddsTheExtensionAndWritesPathsOfItsFolderBare)
     EXPECT_FALSE(songs.SaveListFile(dir.filePath("empty.m3u"))) << "an empty list writes nothing";
     EXPECT_FALSE(QFileInfo::exists(dir.filePath("empty.m3u")));
 }
+
+TEST_F(Rows, DiscSongsAndVideosJoinFromFoldersNamedByTheAudioTheyPlay)
+{
+    const QByteArray tagged = ReadFileBytes(MediaFixture("id3v2.mp3"));
+    WriteZip(dir.filePath("songs/Disc 1.zip"), {{"track.mp3", tagged}, {"track.cdg", QByteArray(24 * 300, '\0')}});
+    WriteFileBytes(dir.filePath("songs/beside.mp3"), tagged);
+    WriteFileBytes(dir.filePath("songs/beside.CDG"), QByteArray(24, '\0'));
+    WriteFileBytes(dir.filePath("songs/clip.MKV"), "not looked into here");
+    WriteFileBytes(dir.filePath("songs/notes.txt"), "no song");
+
+    EXPECT_EQ(AudioFilesIn({dir.filePath("songs")}),
+              (QStringList{dir.filePath("songs/beside.mp3"), dir.filePath("songs/clip.MKV"), dir.filePath("songs/Disc 1.zip")}))
+        << "a graphics file beside its audio is no second song";
+
+    const auto zipped = ProbeSong(dir.filePath("songs/Disc 1.zip"), false);
+    ASSERT_TRUE(zipped);
+    EXPECT_EQ(zipped->Title, "Title Two");
+    EXPECT_EQ(zipped->Artist, "Artist Two");
+    EXPECT_GT(zipped->Length, 1.0);
+    const auto graphics = ProbeSong(dir.filePath("songs/beside.CDG"), false);
+    ASSERT_TRUE(graphics);
+    EXPECT_EQ(graphics->Title, "Title Two") << "a graphics file is named by its audio";
+}

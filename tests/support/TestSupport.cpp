@@ -3,6 +3,9 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QProcess>
+#include <stdexcept>
+#include <zip.h>
 
 QByteArray ReadFileBytes(const QString& path)
 {
@@ -75,4 +78,43 @@ QString CopyFixture(const QString& fixture, const QString& dir, const QString& n
     const QString target = dir + u'/' + (name.isEmpty() ? QFileInfo(fixture).fileName() : name);
     WriteFileBytes(target, ReadFileBytes(fixture));
     return target;
+}
+
+void WriteZip(const QString& path, const QList<QPair<QString, QByteArray>>& members)
+{
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    int error = 0;
+    zip_t* archive = zip_open(QFile::encodeName(path).constData(), ZIP_CREATE | ZIP_TRUNCATE, &error);
+    if (!archive)
+        throw std::runtime_error("cannot create " + path.toStdString());
+    for (const auto& [name, bytes] : members) {
+        zip_source_t* source = zip_source_buffer(archive, bytes.constData(), zip_uint64_t(bytes.size()), 0);
+        const zip_int64_t index = zip_file_add(archive, name.toUtf8().constData(), source, ZIP_FL_OVERWRITE);
+        if (index < 0) {
+            zip_source_free(source);
+            throw std::runtime_error("cannot add " + name.toStdString());
+        }
+        zip_set_file_compression(archive, zip_uint64_t(index), ZIP_CM_STORE, 0);
+    }
+    if (zip_close(archive) != 0)
+        throw std::runtime_error("cannot write " + path.toStdString());
+}
+
+bool RunProgram(const QString& program, const QStringList& arguments)
+{
+    QProcess process;
+    process.setProcessChannelMode(QProcess::MergedChannels);
+    process.start(program, arguments);
+    return process.waitForFinished(120000) && process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
+}
+
+QString MakeTestVideo(const QString& path, double seconds, QSize size)
+{
+    const QString length = QString::number(seconds);
+    const QString picture = QStringLiteral("testsrc2=size=%1x%2:rate=25").arg(size.width()).arg(size.height());
+    if (!RunProgram("ffmpeg", {"-v", "error", "-y", "-f", "lavfi", "-i", picture, "-f", "lavfi", "-i",
+                               "sine=frequency=440:sample_rate=44100", "-t", length, "-c:v", "libx264", "-preset",
+                               "ultrafast", "-g", "25", "-pix_fmt", "yuv420p", "-c:a", "aac", "-shortest", "-movflags", "+faststart", path}))
+        throw std::runtime_error("ffmpeg could not make " + path.toStdString());
+    return path;
 }

@@ -6,6 +6,7 @@
 
 #include <QByteArray>
 #include <QMap>
+#include <QSize>
 #include <QString>
 #include <QStringList>
 #include <ostream>
@@ -38,6 +39,16 @@ void WriteFileBytes(const QString& path, const QByteArray& bytes);
 QString WriteRampWav(const QString& path, int frames, int sampleRate = 48000);
 // The left sample of frame `frame` of that file, as float audio.
 float RampSample(long long frame);
+
+// A zip file of the members (name, bytes), stored without compression so a test can find and
+// damage a member's bytes in the file.
+void WriteZip(const QString& path, const QList<QPair<QString, QByteArray>>& members);
+
+// Runs a program of the system (ffmpeg, say) to its end; false when it failed or is missing.
+bool RunProgram(const QString& program, const QStringList& arguments);
+// A test video made by ffmpeg: its test picture (a frame counter that moves) in H.264 with a
+// 440 Hz tone in AAC, `seconds` long at 25 frames a second. Returns the path.
+QString MakeTestVideo(const QString& path, double seconds, QSize size = QSize(320, 240));
 
 // A file of the source tree, by its path from the top.
 QString SourcePath(const QString& relative);

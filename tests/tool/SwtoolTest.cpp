@@ -55,7 +55,7 @@ TEST(Swtool, SettingsPrintsEveryKeyInLoadOrderAsStored)
     const ToolRun run = Swtool({"settings"}, home.path());
     ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
     const QStringList lines = run.out.split(u'\n', Qt::SkipEmptyParts);
-    ASSERT_EQ(lines.size(), 44);
+    ASSERT_EQ(lines.size(), 45);
     EXPECT_EQ(lines[0], "karaoke window\t1");
     EXPECT_EQ(lines[1], "karaoke offset\t0.5");
     EXPECT_EQ(lines[2], "record device\t4099");
@@ -64,7 +64,8 @@ TEST(Swtool, SettingsPrintsEveryKeyInLoadOrderAsStored)
     EXPECT_TRUE(lines.contains(QStringLiteral("karaoke background picture\tdefault")));
     EXPECT_EQ(lines[41], "fullscreen monitor\tMonitor 1 (primary)") << "an absent monitor gives the first";
     EXPECT_EQ(lines[42], "sound font\t");
-    EXPECT_EQ(lines.last(), "keep pitch\t1");
+    EXPECT_EQ(lines[43], "keep pitch\t1");
+    EXPECT_EQ(lines.last(), "cdg smooth\t0");
     EXPECT_EQ(ReadFileBytes(home.filePath(QStringLiteral("Tonehaven/Songweaver.conf"))),
               "[General]\nkaraoke%20offset=\"0,5\"\nkaraoke%20ball=-1\nfullscreen%20monitor=Monitor 9\n")
         << "looking does not write";
@@ -640,4 +641,56 @@ TEST(Swtool, PrintOfAKaraokeSongShowsItsWordsAsTheEditorTakesThemUp)
     WriteFileBytes(tune, "MThd\0\0");
     const ToolRun damaged = Swtool({"print", tune}, home.path());
     EXPECT_EQ(damaged.exitCode, 1) << "no words: no blank page";
+}
+
+TEST(Swtool, ProbeAndRenderTakeDiscSongsZipsAndVideos)
+{
+    QTemporaryDir home;
+    const auto packet = [](int instruction, QByteArray data) {
+        data.resize(16, '\0');
+        return QByteArray("\x09") + char(instruction) + QByteArray(2, '\0') + data + QByteArray(4, '\0');
+    };
+    // Colour 1 red over the whole screen from the start.
+    const QByteArray graphics = packet(30, QByteArray::fromHex("00003c00")) + packet(1, QByteArray(1, '\x01')) +
+                                QByteArray(24 * 600, '\0');
+    QFile::copy(MediaFixture("plain.mp3"), home.filePath("Disc.mp3"));
+    WriteFileBytes(home.filePath("disc.cdg"), graphics);
+    WriteZip(home.filePath("zipped.zip"), {{"Z.mp3", ReadFileBytes(MediaFixture("plain.mp3"))}, {"z.cdg", graphics}});
+    const QString video = MakeTestVideo(home.filePath("clip.mp4"), 2, QSize(640, 360));
+
+    const auto kind = [&](const QString& path) {
+        const ToolRun run = Swtool({"probe", path}, home.path());
+        for (const QString& line : run.out.split(u'\n'))
+            if (line.startsWith("Kind\t"))
+                return line.mid(5);
+        return QStringLiteral("exit %1: %2").arg(run.exitCode).arg(run.err);
+    };
+    EXPECT_EQ(kind(home.filePath("Disc.mp3")), "CDG MP3");
+    EXPECT_EQ(kind(home.filePath("disc.cdg")), "CDG MP3");
+    EXPECT_EQ(kind(home.filePath("zipped.zip")), "CDG MP3");
+    EXPECT_EQ(kind(video), "VIDEO h264 640x360 25 fps");
+    EXPECT_EQ(kind(MediaFixture("plain.mp3")), "MP3");
+
+    for (const QString& song : {home.filePath("Disc.mp3"), home.filePath("zipped.zip")}) {
+        const QString png = home.filePath("shown.png");
+        const ToolRun run = Swtool({"render", song, "--at", "0.5", "--size", "600x432", "-o", png}, home.path());
+        ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
+        const QImage shown(png);
+        EXPECT_EQ(shown.pixel(300, 216), 0xFFFF0000u) << song.toStdString();
+    }
+    const QString png = home.filePath("video.png");
+    const ToolRun run = Swtool({"render", video, "--at", "1.2", "--size", "640x360", "-o", png}, home.path());
+    ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
+    const QString reference = home.filePath("ffmpeg.png");
+    ASSERT_TRUE(RunProgram("ffmpeg", {"-v", "error", "-ss", "1.2", "-i", video, "-frames:v", "1", reference}));
+    const QImage shown(png), expected(reference);
+    ASSERT_EQ(shown.size(), expected.size());
+    double difference = 0;
+    for (int y = 0; y < shown.height(); y += 3)
+        for (int x = 0; x < shown.width(); x += 3)
+            difference += std::abs(qGreen(shown.pixel(x, y)) - qGreen(expected.pixel(x, y)));
+    EXPECT_LT(difference / (214.0 * 120.0), 4.0) << "the frame ffmpeg gives at that second, words or none";
+
+    WriteZip(home.filePath("lonely.zip"), {{"song.mp3", "ID3"}});
+    EXPECT_EQ(Swtool({"render", home.filePath("lonely.zip"), "--at", "1", "-o", png}, home.path()).exitCode, 1);
 }

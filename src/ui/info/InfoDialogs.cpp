@@ -1,10 +1,12 @@
 #include "ui/info/InfoDialogs.h"
 
+#include "cdg/CdgSong.h"
 #include "core/Forms.h"
 #include "core/Numbers.h"
 #include "midi/KaraokeWords.h"
 #include "midi/MidiBytes.h"
 #include "midi/MidiRead.h"
+#include "playback/SongKind.h"
 #include "tags/Genres.h"
 #include "ui/kit/Palette.h"
 
@@ -382,6 +384,34 @@ WavInfoDialog::WavInfoDialog(const QString& path, bool polish, QWidget* parent) 
 QString WavInfoDialog::Shown() const
 {
     return m_info->toPlainText();
+}
+
+KaraokeInfoDialog::KaraokeInfoDialog(const QString& path, bool polish, QWidget* parent) : QDialog(parent)
+{
+    Prepare(*this, QStringLiteral("KaraokeInfo"), QStringLiteral("Karaoke information - %1").arg(QFileInfo(path).fileName()));
+    std::unique_ptr<ZipSong> zip;
+    const QString audio = AudioOfKaraokeFile(path, zip);
+    MP3Class song(polish);
+    ReadWholly(song, audio);
+    QStringList lines{QStringLiteral("Kind: ") + SongKindText(audio, song.format()),
+                      QStringLiteral("Length: ") + FormatTime(song.Length()),
+                      QStringLiteral("Song: ") + RowText(song.Artist(), song.Title())};
+    if (const QString graphics = CdgFileOf(audio); !graphics.isEmpty())
+        lines << QStringLiteral("Graphics: ") + QFileInfo(graphics).fileName();
+    m_info = new QLabel(lines.join(u'\n'));
+    m_info->setObjectName(QStringLiteral("KaraokeInfoText"));
+    m_info->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    auto* form = new QFormLayout;
+    form->addRow(QStringLiteral("File"), PathBox(path));
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(form);
+    layout->addWidget(m_info);
+    layout->addWidget(OkBox(*this));
+}
+
+QString KaraokeInfoDialog::Shown() const
+{
+    return m_info->text();
 }
 
 MidiInfoDialog::MidiInfoDialog(const QString& path, bool polish, QWidget* parent) : QDialog(parent)

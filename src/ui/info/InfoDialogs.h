@@ -93,6 +93,18 @@ private:
     QPlainTextEdit* m_info;
 };
 
+// A karaoke disc song (CD+G) or a video: what it is, how long it plays, its title and artist, and
+// for a disc song its graphics file.
+class KaraokeInfoDialog final : public QDialog {
+    Q_OBJECT
+public:
+    KaraokeInfoDialog(const QString& path, bool polish, QWidget* parent = nullptr);
+    QString Shown() const;
+
+private:
+    QLabel* m_info;
+};
+
 // A MIDI file's tempo, measure and length.
 class MidiInfoDialog final : public QDialog {
     Q_OBJECT

@@ -126,7 +126,7 @@ void LyricWindow::Unload()
 void LyricWindow::IsPlaying(double& position)
 {
     const int32_t before = m_lyrics.CurrentLyric;
-    m_view.Timeline().IsPlaying(position);
+    m_view.Tick(position);
     const int32_t now = m_lyrics.CurrentLyric;
     if (now == before)
         return;
@@ -178,9 +178,7 @@ void LyricWindow::paintEvent(QPaintEvent* event)
         painter.fillRect(event->rect(), Qt::black);
         return;
     }
-    const QRect area = event->rect();
-    const qreal dpr = frame.devicePixelRatio();
-    painter.drawImage(QRectF(area), frame, QRectF(area.x() * dpr, area.y() * dpr, area.width() * dpr, area.height() * dpr));
+    m_view.Paint(painter, event->rect());
 }
 
 void LyricWindow::resizeEvent(QResizeEvent*)

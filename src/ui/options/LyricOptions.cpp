@@ -410,6 +410,7 @@ QWidget* LyricOptions::BuildKaraoke()
                                      {{Text("AlignmentTop"), 1}, {Text("AlignmentCenter"), 0}, {Text("AlignmentBottom"), 2}}));
     displayForm->addRow(bind.Check(Text("DisplayBall"), "Ball", t.LyricsShowBall));
     displayForm->addRow(bind.Check(Text("DisplayTitle"), "Title", t.ShowLyricsTitle));
+    displayForm->addRow(bind.Check(Text("CdgSmooth"), "CdgSmooth", t.CdgSmooth));
 
     auto* reset = new QPushButton(Text("ResetDefault"));
     reset->setObjectName(QStringLiteral("ResetDefault"));
