@@ -7,6 +7,7 @@
 
 #include <QElapsedTimer>
 #include <cstddef>
+#include <sys/resource.h>
 
 class MemorySettings final : public SettingsStore {
 public:
@@ -42,4 +43,18 @@ inline MachineStalls MeasureMachineStalls(int milliseconds)
         last = now;
     }
     return stalls;
+}
+
+// Seconds of CPU, user and system, of a usage report.
+inline double CpuSeconds(const rusage& usage)
+{
+    return double(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) +
+           double(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
+}
+// Seconds of CPU this process (RUSAGE_SELF), or its waited-for children, have taken so far.
+inline double CpuSeconds(int who = RUSAGE_SELF)
+{
+    rusage usage{};
+    getrusage(who, &usage);
+    return CpuSeconds(usage);
 }

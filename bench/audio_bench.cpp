@@ -59,13 +59,6 @@ double Percentile(std::vector<double> v, double p)
     return v.empty() ? 0 : v[std::min(v.size() - 1, size_t(p * v.size()))];
 }
 
-double CpuSeconds(int who)
-{
-    rusage usage{};
-    getrusage(who, &usage);
-    return usage.ru_utime.tv_sec + usage.ru_stime.tv_sec + (usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
-}
-
 // Notes the steady time of the first buffer that carried sound.
 class FirstSoundProbe final : public AudioSource {
 public:

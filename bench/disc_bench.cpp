@@ -125,14 +125,6 @@ void DecodeAndSeek()
                 stalls.longestMs);
 }
 
-double CpuSeconds(int who = RUSAGE_SELF)
-{
-    rusage usage{};
-    getrusage(who, &usage);
-    return double(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) +
-           double(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
-}
-
 struct Stage {
     MemorySettings store;
     std::vector<MonitorRecord> monitors;
@@ -218,11 +210,8 @@ double MpvShare(const QString& file, int seconds)
     if (posix_spawnp(&pid, "mpv", nullptr, nullptr, argv.data(), envp.data()) == 0) {
         int status = 0;
         rusage usage{};
-        if (wait4(pid, &status, 0, &usage) == pid && WIFEXITED(status) && WEXITSTATUS(status) == 0) {
-            const double cpu = double(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) +
-                               double(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
-            share = 100 * cpu / (double(wall.nsecsElapsed()) / 1e9);
-        }
+        if (wait4(pid, &status, 0, &usage) == pid && WIFEXITED(status) && WEXITSTATUS(status) == 0)
+            share = 100 * CpuSeconds(usage) / (double(wall.nsecsElapsed()) / 1e9);
     }
     display.terminate();
     display.waitForFinished(3000);

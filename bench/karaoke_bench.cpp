@@ -138,13 +138,6 @@ void PageCost(const char* label, QSize size, qreal dpr, int gapMs)
                 stalls.count, stalls.longestMs);
 }
 
-double CpuSeconds()
-{
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    return double(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) + double(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
-}
-
 void CpuShare(int seconds)
 {
     QTemporaryDir dir;

@@ -3,6 +3,7 @@
 // null device, and how closely the lyrics clock of a MIDI song follows its audible time.
 // BENCH_CLOCK_SECONDS sets the length of the clock and CPU runs (20 by default).
 
+#include "BenchKit.h"
 #include "audio/AudioEngine.h"
 #include "audio/ManualDevice.h"
 #include "audio/NullDevice.h"
@@ -29,13 +30,6 @@
 namespace {
 
 constexpr int kRate = 44100;
-
-double CpuSeconds(int who)
-{
-    rusage usage{};
-    getrusage(who, &usage);
-    return usage.ru_utime.tv_sec + usage.ru_stime.tv_sec + (usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
-}
 
 // User and system seconds the kernel has charged a thread of this process with. On a shared
 // virtual machine the system part also holds interrupt work done while the thread was current.

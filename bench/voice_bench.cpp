@@ -3,6 +3,7 @@
 // voice file, the CPU share of monitoring and recording on the null device, and what starting
 // the latency test costs the interface thread, and what placing a take costs the worker.
 
+#include "BenchKit.h"
 #include "audio/AudioEngine.h"
 #include "audio/CaptureWriter.h"
 #include "audio/ManualDevice.h"
@@ -126,13 +127,6 @@ void Alignment(const QString& folder)
                     start, click, static_cast<long long>(loudest), kVoiceRate, expected, double(loudest) - expected,
                     (double(loudest) - expected) / kVoiceRate * 1000);
     }
-}
-
-double CpuSeconds()
-{
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    return double(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) + (usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
 }
 
 // CPU share of `seconds` of wall time.

@@ -18,26 +18,15 @@ namespace {
 
 constexpr int kRate = 48000;
 
-QByteArray Packet(int instruction, std::initializer_list<int> data)
-{
-    QByteArray packet(24, '\0');
-    packet[0] = 9;
-    packet[1] = char(instruction);
-    int i = 4;
-    for (int byte : data)
-        packet[i++] = char(byte);
-    return packet;
-}
-
 // Red from the start, blue from second 1, for `seconds`.
 QByteArray RedThenBlue(int seconds)
 {
-    QByteArray bytes = Packet(30, {0, 0, 0x3C, 0, 0, 0x0F}) + Packet(1, {1});
+    QByteArray bytes = CdgPacket(30, {0, 0, 0x3C, 0, 0, 0x0F}) + CdgPacket(1, {1});
     while (bytes.size() < 300 * 24)
-        bytes += Packet(0, {});
-    bytes += Packet(1, {2});
+        bytes += CdgPacket(0, {});
+    bytes += CdgPacket(1, {2});
     while (bytes.size() < seconds * 300 * 24)
-        bytes += Packet(0, {});
+        bytes += CdgPacket(0, {});
     return bytes;
 }
 

@@ -14,28 +14,17 @@
 
 namespace {
 
-QByteArray Packet(int instruction, std::initializer_list<int> data)
-{
-    QByteArray packet(CdgDecoder::kPacketBytes, '\0');
-    packet[0] = 9;
-    packet[1] = char(instruction);
-    int i = 4;
-    for (int byte : data)
-        packet[i++] = char(byte);
-    return packet;
-}
-
 // Colour 1 is pure red, colour 2 pure blue; the screen is red from packet 0, blue from `blueAt`,
 // and its border green (colour 3) throughout.
 std::shared_ptr<CdgDecoder> RedThenBlue(int blueAt)
 {
-    QByteArray colours = Packet(30, {0, 0, 0x3C, 0, 0, 0x0F, 0x03, 0x30});
-    QByteArray bytes = colours + Packet(1, {1}) + Packet(2, {3});
+    QByteArray colours = CdgPacket(30, {0, 0, 0x3C, 0, 0, 0x0F, 0x03, 0x30});
+    QByteArray bytes = colours + CdgPacket(1, {1}) + CdgPacket(2, {3});
     while (bytes.size() < blueAt * CdgDecoder::kPacketBytes)
-        bytes += Packet(0, {});
-    bytes += Packet(1, {2}) + Packet(2, {3});
+        bytes += CdgPacket(0, {});
+    bytes += CdgPacket(1, {2}) + CdgPacket(2, {3});
     for (int i = 0; i < 600; ++i)
-        bytes += Packet(0, {});
+        bytes += CdgPacket(0, {});
     return std::make_shared<CdgDecoder>(bytes);
 }
 
@@ -99,10 +88,10 @@ TEST(DiscGraphics, TheScreenFillsTheWindowWithItsShapeAndChangesAtItsPacket)
 TEST(DiscGraphics, CrispPixelsOrSmoothScalingAsTheSettingSays)
 {
     // A one-pixel chequer of the two colours scaled up 4 times: crisp keeps pure colours.
-    QByteArray bytes = Packet(30, {0, 0, 0x3C, 0, 0, 0x0F});
+    QByteArray bytes = CdgPacket(30, {0, 0, 0x3C, 0, 0, 0x0F});
     for (int row = 1; row < 17; ++row)
         for (int column = 1; column < 49; ++column) {
-            QByteArray tile = Packet(6, {0, 1, row, column});
+            QByteArray tile = CdgPacket(6, {0, 1, row, column});
             for (int i = 0; i < 12; ++i)
                 tile[8 + i] = char(i % 2 ? 0x2A : 0x15);
             bytes += tile;
@@ -167,10 +156,10 @@ TEST(VideoSong, ItsWordsLightOverItsPicture)
 TEST(DiscGraphics, AScreenDrawnTickByTickEqualsTheSameScreenDrawnWhole)
 {
     // Tiles of two colours, three a tick, over a screen scaled by a factor that is not whole.
-    QByteArray bytes = Packet(30, {0, 0, 0x3C, 0, 0, 0x0F, 0x3F, 0});
+    QByteArray bytes = CdgPacket(30, {0, 0, 0x3C, 0, 0, 0x0F, 0x3F, 0});
     QRandomGenerator random(5);
     for (int i = 0; i < 900; ++i) {
-        QByteArray tile = Packet(i % 4 ? 6 : 38, {1 + random.bounded(3), 2, 1 + random.bounded(16), 1 + random.bounded(48)});
+        QByteArray tile = CdgPacket(i % 4 ? 6 : 38, {1 + random.bounded(3), 2, 1 + random.bounded(16), 1 + random.bounded(48)});
         for (int row = 0; row < 12; ++row)
             tile[8 + row] = char(random.bounded(64));
         bytes += tile;

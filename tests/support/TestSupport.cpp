@@ -118,3 +118,14 @@ QString MakeTestVideo(const QString& path, double seconds, QSize size)
         throw std::runtime_error("ffmpeg could not make " + path.toStdString());
     return path;
 }
+
+QByteArray CdgPacket(int instruction, std::initializer_list<int> data)
+{
+    QByteArray packet(24, '\0');
+    packet[0] = 9;
+    packet[1] = char(instruction);
+    int i = 4;
+    for (int byte : data)
+        packet[i++] = char(byte);
+    return packet;
+}

@@ -9,6 +9,7 @@
 #include <QSize>
 #include <QString>
 #include <QStringList>
+#include <initializer_list>
 #include <ostream>
 
 class MemoryStore final : public SettingsStore {
@@ -39,6 +40,9 @@ void WriteFileBytes(const QString& path, const QByteArray& bytes);
 QString WriteRampWav(const QString& path, int frames, int sampleRate = 48000);
 // The left sample of frame `frame` of that file, as float audio.
 float RampSample(long long frame);
+
+// A CD+G packet of the graphics command: the instruction and the first of its 16 data bytes.
+QByteArray CdgPacket(int instruction, std::initializer_list<int> data);
 
 // A zip file of the members (name, bytes), stored without compression so a test can find and
 // damage a member's bytes in the file.

@@ -646,13 +646,8 @@ TEST(Swtool, PrintOfAKaraokeSongShowsItsWordsAsTheEditorTakesThemUp)
 TEST(Swtool, ProbeAndRenderTakeDiscSongsZipsAndVideos)
 {
     QTemporaryDir home;
-    const auto packet = [](int instruction, QByteArray data) {
-        data.resize(16, '\0');
-        return QByteArray("\x09") + char(instruction) + QByteArray(2, '\0') + data + QByteArray(4, '\0');
-    };
     // Colour 1 red over the whole screen from the start.
-    const QByteArray graphics = packet(30, QByteArray::fromHex("00003c00")) + packet(1, QByteArray(1, '\x01')) +
-                                QByteArray(24 * 600, '\0');
+    const QByteArray graphics = CdgPacket(30, {0, 0, 0x3C, 0}) + CdgPacket(1, {1}) + QByteArray(24 * 600, '\0');
     QFile::copy(MediaFixture("plain.mp3"), home.filePath("Disc.mp3"));
     WriteFileBytes(home.filePath("disc.cdg"), graphics);
     WriteZip(home.filePath("zipped.zip"), {{"Z.mp3", ReadFileBytes(MediaFixture("plain.mp3"))}, {"z.cdg", graphics}});

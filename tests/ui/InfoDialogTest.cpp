@@ -207,3 +207,17 @@ TEST_F(InfoWindow, ADownloadWithALyingTagSizeIsRefusedWithTheMessageAndKeptWhole
     EXPECT_TRUE(dialog->isVisible());
     delete dialog;
 }
+
+TEST_F(InfoWindow, ADiscSongOrAVideoTellsItsKind)
+{
+    WriteZip(dir.filePath("Disc 2.zip"), {{"song.mp3", ReadFileBytes(MediaFixture("id3v2.mp3"))},
+                                          {"SONG.cdg", QByteArray(24 * 300, '\0')}});
+    KaraokeInfoDialog zipped(dir.filePath("Disc 2.zip"), false);
+    EXPECT_EQ(zipped.Shown(), "Kind: CDG MP3\nLength: 00:01\nSong: Artist Two - Title Two\nGraphics: SONG.cdg");
+    EXPECT_EQ(zipped.findChild<QLineEdit*>(QStringLiteral("Filepath"))->text(), dir.filePath("Disc 2.zip"))
+        << "the file the user chose, not the one taken out";
+    Capture(zipped, QStringLiteral("info-karaoke"));
+
+    KaraokeInfoDialog video(MakeTestVideo(dir.filePath("clip.mp4"), 1, QSize(160, 120)), false);
+    EXPECT_TRUE(video.Shown().startsWith("Kind: VIDEO h264 160x120 25 fps\nLength: 00:01")) << video.Shown().toStdString();
+}

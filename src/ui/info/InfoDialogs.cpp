@@ -113,6 +113,21 @@ QDialogButtonBox* OkBox(QDialog& dialog)
     return buttons;
 }
 
+// A read-only dialog's page: the file's path, its facts as selectable lines, OK.
+QLabel* FactsPage(QDialog& dialog, const QString& path, const QString& name, const QString& facts)
+{
+    auto* info = new QLabel(facts);
+    info->setObjectName(name);
+    info->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    auto* form = new QFormLayout;
+    form->addRow(QStringLiteral("File"), PathBox(path));
+    auto* layout = new QVBoxLayout(&dialog);
+    layout->addLayout(form);
+    layout->addWidget(info);
+    layout->addWidget(OkBox(dialog));
+    return info;
+}
+
 // A file as its dialog shows it: the stream, then every tag.
 void ReadWholly(MP3Class& song, const QString& path)
 {
@@ -398,15 +413,7 @@ KaraokeInfoDialog::KaraokeInfoDialog(const QString& path, bool polish, QWidget* 
                       QStringLiteral("Song: ") + RowText(song.Artist(), song.Title())};
     if (const QString graphics = CdgFileOf(audio); !graphics.isEmpty())
         lines << QStringLiteral("Graphics: ") + QFileInfo(graphics).fileName();
-    m_info = new QLabel(lines.join(u'\n'));
-    m_info->setObjectName(QStringLiteral("KaraokeInfoText"));
-    m_info->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    auto* form = new QFormLayout;
-    form->addRow(QStringLiteral("File"), PathBox(path));
-    auto* layout = new QVBoxLayout(this);
-    layout->addLayout(form);
-    layout->addWidget(m_info);
-    layout->addWidget(OkBox(*this));
+    m_info = FactsPage(*this, path, QStringLiteral("KaraokeInfoText"), lines.join(u'\n'));
 }
 
 QString KaraokeInfoDialog::Shown() const
@@ -423,19 +430,12 @@ MidiInfoDialog::MidiInfoDialog(const QString& path, bool polish, QWidget* parent
     MeasureSong(bytes, figures);
     std::vector<LyricItem> words(1);
     ReadFile(bytes, figures, words, polish);
-    m_info = new QLabel(QStringLiteral("Tempo: %1 BPM\nMeasure: %2/%3\nLength: %4")
-                            .arg(QString::number(figures.MidiBpm, 'f', 2))
-                            .arg(figures.BeatsPerMeasure)
-                            .arg(figures.Beat)
-                            .arg(FormatTime(figures.MidiDuration)));
-    m_info->setObjectName(QStringLiteral("MidiFacts"));
-    m_info->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    auto* form = new QFormLayout;
-    form->addRow(QStringLiteral("File"), PathBox(path));
-    auto* layout = new QVBoxLayout(this);
-    layout->addLayout(form);
-    layout->addWidget(m_info);
-    layout->addWidget(OkBox(*this));
+    m_info = FactsPage(*this, path, QStringLiteral("MidiFacts"),
+                       QStringLiteral("Tempo: %1 BPM\nMeasure: %2/%3\nLength: %4")
+                           .arg(QString::number(figures.MidiBpm, 'f', 2))
+                           .arg(figures.BeatsPerMeasure)
+                           .arg(figures.Beat)
+                           .arg(FormatTime(figures.MidiDuration)));
 }
 
 QString MidiInfoDialog::Shown() const
