@@ -42,18 +42,38 @@ std::optional<QString> OpenedText(const QString& path, qint64 limit, const Langu
 
 int PrintSplit(const QStringList& args)
 {
-    if (args.size() != 1)
+    QString file, language;
+    bool syllables = false;
+    for (qsizetype i = 0; i < args.size(); ++i) {
+        if (args[i] == u"--syllables")
+            syllables = true;
+        else if (args[i] == u"--lang" && i + 1 < args.size())
+            language = args[++i];
+        else if (!args[i].startsWith(u'-') && file.isEmpty())
+            file = args[i];
+        else
+            return 2;
+    }
+    if (file.isEmpty() || (!language.isEmpty() && !syllables))
         return 2;
     QSettingsStore store;
-    LanguageTable language;
-    language.LoadLanguage(store);
-    const std::optional<QString> text = OpenedText(args[0], kTextFileLimit, language);
+    LanguageTable table;
+    table.LoadLanguage(store);
+    const std::optional<QString> text = OpenedText(file, kTextFileLimit, table);
     if (!text)
         return 1;
 
+    std::optional<Hyphenator> hyphenator;
+    if (syllables) {
+        hyphenator.emplace(language.isEmpty() ? DefaultLyricsLanguage(table.IsPolish) : language);
+        if (!hyphenator->Loaded())
+            QTextStream(stderr) << MessageNamingFile(table.GetText(QStringLiteral("NoHyphenation")),
+                                                     language.isEmpty() ? DefaultLyricsLanguage(table.IsPolish) : language)
+                                << '\n';
+    }
     LyricsState lyrics;
     EditorDocument document(lyrics);
-    document.Split(*text);
+    document.Split(*text, hyphenator ? &*hyphenator : nullptr);
     QTextStream out(stdout);
     for (int row = 1; row <= document.Count(); ++row)
         out << row << '\t' << document.TimeText(row) << '\t' << document.Entry(row).Text << '\t'

@@ -69,6 +69,9 @@ constexpr std::array kKeys = {
     KeyBinding{W::Editor, Qt::Key_S, kCtrl, C::SaveLyrics, "Ctrl+S", "ShortSave"},
     KeyBinding{W::Editor, Qt::Key_P, kCtrl, C::PrintLyrics, "Ctrl+P", "ShortPrint"},
     KeyBinding{W::Editor, Qt::Key_F1, kNone, C::Help, "F1", "ShortHelp"},
+    KeyBinding{W::Editor, Qt::Key_Z, kCtrl | kShift, C::Redo, "Ctrl+Shift+Z", nullptr},
+    KeyBinding{W::Editor, Qt::Key_Z, kCtrl, C::Undo, "Ctrl+Z", "ShortUndo"},
+    KeyBinding{W::Editor, Qt::Key_Y, kCtrl, C::Redo, "Ctrl+Y", "ShortRedo"},
 
     KeyBinding{W::Karaoke, 0, kNone, C::FullScreen, nullptr, "ShortFullscreen"},
     KeyBinding{W::Karaoke, Qt::Key_Up, kAlt, C::KeyUp, "Alt+Up", nullptr},

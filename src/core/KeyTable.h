@@ -50,6 +50,8 @@ enum class KeyCommand {
     TempoDown,
     OwnSound,
     VocalsOff,
+    Undo,
+    Redo,
 };
 
 struct KeyBinding {

@@ -27,7 +27,7 @@ void EditorDocument::Clear()
     Entries().assign(1, LyricItem{});
 }
 
-bool EditorDocument::Split(const QString& text)
+bool EditorDocument::Split(const QString& text, const Hyphenator* syllables)
 {
     if (text.isEmpty())
         return false;
@@ -48,10 +48,14 @@ bool EditorDocument::Split(const QString& text)
     for (const QString& line : text.split(lineBreak)) {
         const QStringList words = line.split(u' ', Qt::SkipEmptyParts);
         for (qsizetype w = 0; w < words.size(); ++w) {
-            LyricItem entry;
-            entry.Text = words[w] + u' ';
-            entry.LineEnd = w == words.size() - 1;
-            Entries().push_back(entry);
+            const QStringList parts = syllables ? syllables->Syllables(words[w]) : QStringList{words[w]};
+            for (qsizetype p = 0; p < parts.size(); ++p) {
+                LyricItem entry;
+                const bool wordEnd = p == parts.size() - 1;
+                entry.Text = wordEnd ? parts[p] + u' ' : parts[p];
+                entry.LineEnd = wordEnd && w == words.size() - 1;
+                Entries().push_back(entry);
+            }
         }
     }
     RebuildLineTexts();

@@ -4,6 +4,7 @@
 // them. Showing an edit on the karaoke display is the caller's step: it copies the working
 // arrays onto the display arrays while a song is open.
 
+#include "editor/Syllables.h"
 #include "lyrics/LyricsData.h"
 
 #include <QString>
@@ -28,8 +29,9 @@ public:
 
     // New and Remove all: the header alone, reset.
     void Clear();
-    // One entry per word, a blank behind each; a line's last word ends it. False for no text.
-    bool Split(const QString& text);
+    // One entry per word, a blank behind each, or with `syllables` one per syllable, the blank
+    // behind a word's last; a line's last word ends it. False for no text.
+    bool Split(const QString& text, const Hyphenator* syllables = nullptr);
     // The text that Split would make the entries again from.
     QString Merge() const;
 

@@ -157,7 +157,7 @@ TEST_F(Evening, WordsTappedInTheEditorLightOnTheKaraokeWindowAndPlayBackAfterThe
     Editor& editor = *windows.EditorWidget();
     ASSERT_TRUE(editor.isVisible());
     editor.LyricsBox().setPlainText(QStringLiteral("Here we go\r\nsing it now"));
-    editor.Command(QStringLiteral("MenuSplitText"));
+    editor.Command(QStringLiteral("MenuSplitWords"));
     Play(0.5);
     EXPECT_TRUE(lit.empty()) << "rows without a time are not sung";
 

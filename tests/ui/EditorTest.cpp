@@ -54,7 +54,7 @@ protected:
     void Split(const QString& text)
     {
         editor->LyricsBox().setPlainText(text);
-        editor->Command(QStringLiteral("MenuSplitText"));
+        editor->Command(QStringLiteral("MenuSplitWords"));
     }
     void Key(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
     {
@@ -559,10 +559,10 @@ TEST_F(EditorWindow, TheMenusStandInTheirPlacesAndTheWindowKeepsItsSize)
     EXPECT_EQ(keys("MenuFile"), (QStringList{"MenuNew", "MenuFileOpen", "MenuLyricsOpen", "MenuLyricsImport", "MenuLyricsExport", "-",
                                              "MenuSave", "MenuSaveAs", "-", "MenuTextOpen", "MenuTextSave", "-",
                                              "MenuPrint", "MenuUpdate", "-", "MenuExit"}));
-    EXPECT_EQ(keys("MenuEdit"), (QStringList{"MenuCut", "MenuCopy", "MenuPaste", "MenuDelete", "MenuSelectAll",
-                                             "MenuRemoveAll"}));
-    EXPECT_EQ(keys("MenuKaraoke"), (QStringList{"MenuDetails", "-", "MenuSplitText", "MenuMergeText", "-",
-                                                "MenuInsert", "MenuAddNew", "-", "MenuClear"}));
+    EXPECT_EQ(keys("MenuEdit"), (QStringList{"MenuUndo", "MenuRedo", "-", "MenuCut", "MenuCopy", "MenuPaste",
+                                             "MenuDelete", "MenuSelectAll", "MenuRemoveAll"}));
+    EXPECT_EQ(keys("MenuKaraoke"), (QStringList{"MenuDetails", "-", "MenuSplitText", "MenuSplitWords", "LyricsLanguage",
+                                                "MenuMergeText", "-", "MenuInsert", "MenuAddNew", "-", "MenuClear"}));
     EXPECT_EQ(editor->List().model()->headerData(2, Qt::Horizontal).toString(), "Line break");
 
     editor->resize(300, 200);
@@ -630,4 +630,90 @@ TEST_F(EditorWindow, TheVersionCheckIsAPageThatPostsTheVersionToTheAddressOfTheS
     EXPECT_TRUE(page.contains("document.go.submit();"));
     QFile::remove(dialogs.browsed[0]);
     QCoreApplication::setApplicationVersion(QString());
+}
+
+TEST_F(EditorWindow, SyllablesComeFromTheLyricsLanguagesDictionary)
+{
+    OpenEditor();
+    QMenu* languages = editor->Menu(QStringLiteral("LyricsLanguage"));
+    ASSERT_TRUE(languages);
+    QStringList offered, checked;
+    for (QAction* action : languages->actions()) {
+        offered << action->data().toString();
+        if (action->isChecked())
+            checked << action->data().toString();
+    }
+    EXPECT_TRUE(offered.contains("en") && offered.contains("pl"));
+    EXPECT_EQ(checked, QStringList{"en"}) << "the interface's language at first";
+
+    editor->LyricsBox().setPlainText(QStringLiteral("Wonderful day"));
+    editor->Command(QStringLiteral("MenuSplitText"));
+    EXPECT_EQ(editor->Document().Count(), 4);
+    EXPECT_EQ(editor->Document().Entry(3).Text, "ful ");
+
+    for (QAction* action : languages->actions())
+        if (action->data().toString() == u"pl")
+            action->trigger();
+    editor->LyricsBox().setPlainText(QStringLiteral("Wlazł kotek"));
+    editor->Command(QStringLiteral("MenuSplitText"));
+    EXPECT_EQ(editor->Document().Count(), 3) << "Wlazł ko-tek";
+    EXPECT_TRUE(dialogs.messages.isEmpty());
+
+    qputenv("SONGWEAVER_HYPHEN_DIR", dir.path().toUtf8());
+    editor->Command(QStringLiteral("MenuSplitText"));
+    qunsetenv("SONGWEAVER_HYPHEN_DIR");
+    EXPECT_EQ(editor->Document().Count(), 2) << "words, when the language has no dictionary";
+    ASSERT_EQ(dialogs.messages.size(), 1);
+    EXPECT_TRUE(dialogs.messages[0].contains("No syllable dictionary is installed for this language"));
+}
+
+TEST_F(EditorWindow, UndoAndRedoTakeBackEachChangeAndSayWhatItWas)
+{
+    transport.OpenFromCommandLine(song);
+    OpenEditor();
+    QAction* undo = nullptr;
+    for (QAction* action : editor->Menu(QStringLiteral("MenuEdit"))->actions())
+        if (action->data().toString() == u"MenuUndo")
+            undo = action;
+    ASSERT_TRUE(undo);
+    EXPECT_FALSE(undo->isEnabled()) << "nothing to undo in a document just opened";
+    EXPECT_EQ(undo->text(), "&Undo\tCtrl+Z");
+
+    Split(QStringLiteral("One two three"));
+    EXPECT_TRUE(undo->isEnabled());
+    EXPECT_EQ(undo->text(), "&Undo split text into words\tCtrl+Z");
+    Play(0.6);
+    Key(Qt::Key_Space);
+    Play(0.4);
+    Key(Qt::Key_Space);
+    EXPECT_EQ(undo->text(), "&Undo capture\tCtrl+Z");
+    const double first = editor->Document().Entry(1).Time;
+    ASSERT_GT(editor->Document().Entry(2).Time, 0);
+
+    // A held correction is one step however many ticks it ran.
+    editor->CorrectTimer().setInterval(3600 * 1000);
+    editor->List().setFocus();
+    editor->List().SelectRow(1);
+    QTest::keyPress(&editor->List(), Qt::Key_Plus, Qt::KeypadModifier);
+    for (int tick = 0; tick < 12; ++tick)
+        editor->CorrectionTick();
+    QTest::keyRelease(&editor->List(), Qt::Key_Plus, Qt::KeypadModifier);
+    ASSERT_NE(editor->Document().Entry(1).Time, first);
+    Key(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_DOUBLE_EQ(editor->Document().Entry(1).Time, first) << "one undo takes the whole correction back";
+
+    Key(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(editor->Document().Entry(2).Time, 0) << "then the second tap";
+    QTest::keyClick(&editor->LyricsBox(), Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_GT(editor->Document().Entry(2).Time, 0) << "redone from anywhere in the window";
+    Key(Qt::Key_Z, Qt::ControlModifier);
+    Key(Qt::Key_Z, Qt::ControlModifier);
+    Key(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(editor->Document().Count(), 0) << "back to the document as opened";
+    Key(Qt::Key_Y, Qt::ControlModifier);
+    EXPECT_EQ(editor->Document().Count(), 3);
+
+    dialogs.files = {dir.filePath("kept.lrs")};
+    editor->Command(QStringLiteral("MenuSaveAs"));
+    EXPECT_TRUE(undo->isEnabled()) << "saving keeps the steps";
 }

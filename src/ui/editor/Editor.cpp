@@ -16,6 +16,7 @@
 #include "ui/kit/Palette.h"
 #include "ui/print/Printer.h"
 
+#include <QActionGroup>
 #include <QApplication>
 #include <QCheckBox>
 #include <QCloseEvent>
@@ -66,6 +67,7 @@ const std::map<QString, KeyCommand>& MenuKeys()
         {QStringLiteral("MenuPaste"), KeyCommand::PasteRows},       {QStringLiteral("MenuDelete"), KeyCommand::RemoveRows},
         {QStringLiteral("MenuSelectAll"), KeyCommand::SelectAll},   {QStringLiteral("MenuInsert"), KeyCommand::InsertRow},
         {QStringLiteral("MenuAddNew"), KeyCommand::AddRow},         {QStringLiteral("MenuTutorial"), KeyCommand::Help},
+        {QStringLiteral("MenuUndo"), KeyCommand::Undo},             {QStringLiteral("MenuRedo"), KeyCommand::Redo},
     };
     return keys;
 }
@@ -77,7 +79,8 @@ QString WindowWideMenuCommand(const KeyBinding* binding)
     static const std::set<KeyCommand> windowWide = {KeyCommand::NewLyrics,   KeyCommand::OpenSong,
                                                     KeyCommand::OpenLyrics,  KeyCommand::SaveLyrics,
                                                     KeyCommand::SaveLyricsAs, KeyCommand::PrintLyrics,
-                                                    KeyCommand::SelectAll,   KeyCommand::Help};
+                                                    KeyCommand::SelectAll,   KeyCommand::Help,
+                                                    KeyCommand::Undo,        KeyCommand::Redo};
     if (!binding || !windowWide.contains(binding->command))
         return {};
     for (const auto& [menu, command] : MenuKeys())
@@ -181,7 +184,7 @@ bool Editor::EditsSongThatPlays() const
 Editor::Editor(PlayerState& state, SettingsStore& store, FormProvider& forms, PlayerTransport& transport,
                PlayerCommands& commands, Dialogs& dialogs)
     : m_state(state), m_store(store), m_forms(forms), m_transport(transport), m_commands(commands),
-      m_dialogs(dialogs), m_document(state.Lyrics),
+      m_dialogs(dialogs), m_document(state.Lyrics), m_history(state.Lyrics),
       m_timing(m_document, state.Lyrics, state.Clock,
                [this] { return EditsSongThatPlays(); })
 {
@@ -350,10 +353,12 @@ void Editor::BuildMenus()
         {"MenuFile",
          {"MenuNew", "MenuFileOpen", "MenuLyricsOpen", "MenuLyricsImport", nullptr, "MenuSave", "MenuSaveAs", nullptr,
           "MenuTextOpen", "MenuTextSave", nullptr, "MenuPrint", "MenuUpdate", nullptr, "MenuExit"}},
-        {"MenuEdit", {"MenuCut", "MenuCopy", "MenuPaste", "MenuDelete", "MenuSelectAll", "MenuRemoveAll"}},
+        {"MenuEdit",
+         {"MenuUndo", "MenuRedo", nullptr, "MenuCut", "MenuCopy", "MenuPaste", "MenuDelete", "MenuSelectAll",
+          "MenuRemoveAll"}},
         {"MenuKaraoke",
-         {"MenuDetails", nullptr, "MenuSplitText", "MenuMergeText", nullptr, "MenuInsert", "MenuAddNew", nullptr,
-          "MenuClear"}},
+         {"MenuDetails", nullptr, "MenuSplitText", "MenuSplitWords", "MenuMergeText", nullptr, "MenuInsert", "MenuAddNew",
+          nullptr, "MenuClear"}},
         {"MenuHelp", {"MenuTutorial", "MenuSupport", "MenuVersion", nullptr, "MenuAbout"}},
     };
     for (const auto& [name, items] : menus) {
@@ -374,6 +379,26 @@ void Editor::BuildMenus()
     }
     QMenu& file = *m_menus[QStringLiteral("MenuFile")];
     AddExportMenu(file, file.actions().value(file.actions().indexOf(m_actions[QStringLiteral("MenuLyricsImport")]) + 1));
+    QMenu& karaoke = *m_menus[QStringLiteral("MenuKaraoke")];
+    AddLanguageMenu(karaoke, m_actions[QStringLiteral("MenuMergeText")]);
+}
+
+void Editor::AddLanguageMenu(QMenu& karaoke, QAction* before)
+{
+    m_lyricsLanguage = DefaultLyricsLanguage(m_state.Language.IsPolish);
+    auto* languages = new QMenu(&karaoke);
+    languages->setObjectName(QStringLiteral("LyricsLanguage"));
+    auto* group = new QActionGroup(languages);
+    for (const QString& code : HyphenationLanguages()) {
+        QAction* action = languages->addAction(code);
+        action->setCheckable(true);
+        action->setChecked(code == m_lyricsLanguage);
+        action->setData(code);
+        group->addAction(action);
+        connect(action, &QAction::triggered, this, [this, code] { m_lyricsLanguage = code; });
+    }
+    karaoke.insertMenu(before, languages)->setData(languages->objectName());
+    m_menus[languages->objectName()] = languages;
 }
 
 void Editor::BuildToolBar()
@@ -417,6 +442,7 @@ void Editor::ApplyLanguage()
         menu->setTitle(Text(name.toLatin1().constData()));
     for (auto& [key, action] : m_actions)
         action->setText(WithKeyLabel(Text(key.toLatin1().constData()), key));
+    ShowUndoState();
     if (auto* tools = findChild<QToolBar*>(QStringLiteral("eBTN")))
         for (QAction* action : tools->actions())
             if (!action->isSeparator())
@@ -561,6 +587,9 @@ void Editor::Command(const QString& key)
         {QStringLiteral("MenuTextSave"), &Editor::MenuTextSave},
         {QStringLiteral("MenuUpdate"), &Editor::MenuUpdate},
         {QStringLiteral("MenuSplitText"), &Editor::SplitText},
+        {QStringLiteral("MenuSplitWords"), &Editor::SplitWords},
+        {QStringLiteral("MenuUndo"), &Editor::Undo},
+        {QStringLiteral("MenuRedo"), &Editor::Redo},
         {QStringLiteral("MenuMergeText"), &Editor::fnMoveTime},
         {QStringLiteral("MenuInsert"), &Editor::InsertRow},
         {QStringLiteral("MenuAddNew"), &Editor::AddNewRow},
@@ -673,6 +702,8 @@ bool Editor::ListKeyUp(QKeyEvent* event)
 
 void Editor::FillEditorList()
 {
+    m_history.Reset();
+    ShowUndoState();
     m_filling = true;
     m_model->Reset();
     m_break->setChecked(m_document.Count() > 0 && m_document.Entry(1).LineEnd);
@@ -682,6 +713,44 @@ void Editor::FillEditorList()
     ShowCorrect();
     MeasureLab();
     m_filling = false;
+}
+
+void Editor::Recorded(const char* change)
+{
+    if (m_history.Record(QString::fromLatin1(change)))
+        ShowUndoState();
+}
+
+void Editor::ShowUndoState()
+{
+    // "Undo Split text into syllables": the change as its menu item or button names it.
+    const auto named = [this](const char* verb, const QString& change) {
+        QString name = Text(change.toLatin1().constData()).remove(u'&').remove(QStringLiteral("..."));
+        return WithKeyLabel(change.isEmpty() ? Text(verb) : Text(verb) + u' ' + name.toLower(),
+                            QString::fromLatin1(verb));
+    };
+    QAction* undo = m_actions[QStringLiteral("MenuUndo")];
+    QAction* redo = m_actions[QStringLiteral("MenuRedo")];
+    undo->setText(named("MenuUndo", m_history.UndoChange()));
+    undo->setEnabled(m_history.CanUndo());
+    redo->setText(named("MenuRedo", m_history.RedoChange()));
+    redo->setEnabled(m_history.CanRedo());
+}
+
+void Editor::Undo()
+{
+    if (m_correctTimer.isActive() || !m_history.Undo())
+        return;
+    RowsReplaced(m_list->SelectedRow());
+    ShowUndoState();
+}
+
+void Editor::Redo()
+{
+    if (m_correctTimer.isActive() || !m_history.Redo())
+        return;
+    RowsReplaced(m_list->SelectedRow());
+    ShowUndoState();
 }
 
 void Editor::RowsReplaced(int selectRow)
@@ -720,8 +789,10 @@ void Editor::MenuDetails()
 {
     const QString folder = m_state.EditorFile.isEmpty() ? QString() : QFileInfo(m_state.EditorFile).absolutePath();
     DetailsDialog dialog(m_state.Lyrics, *m_state.Theme, m_state.Language, m_dialogs, folder, this);
-    if (dialog.exec() == QDialog::Accepted)
+    if (dialog.exec() == QDialog::Accepted) {
         ShowOnDisplay(true);
+        Recorded("MenuDetails");
+    }
 }
 
 void Editor::ShowRowState(int row)
@@ -749,13 +820,29 @@ void Editor::MenuNew()
     m_timing.SetCorrect(0, 0);
     ShowCorrect();
     RowsReplaced(0);
+    m_history.Reset();
+    ShowUndoState();
 }
 
 void Editor::SplitText()
 {
-    if (!m_document.Split(m_lyrics->toPlainText()))
+    const Hyphenator syllables(m_lyricsLanguage);
+    if (!syllables.Loaded())
+        m_dialogs.Inform(MessageNamingFile(m_state.Language.GetText(QStringLiteral("NoHyphenation")), m_lyricsLanguage));
+    SplitRows(syllables.Loaded() ? &syllables : nullptr);
+}
+
+void Editor::SplitWords()
+{
+    SplitRows(nullptr);
+}
+
+void Editor::SplitRows(const Hyphenator* syllables)
+{
+    if (!m_document.Split(m_lyrics->toPlainText(), syllables))
         return;
     RowsReplaced(1);
+    Recorded(syllables ? "MenuSplitText" : "MenuSplitWords");
 }
 
 void Editor::fnMoveTime()
@@ -771,11 +858,13 @@ void Editor::InsertRow()
         return;
     m_document.Insert(row);
     RowsReplaced(row);
+    Recorded("MenuInsert");
 }
 
 void Editor::AddNewRow()
 {
     RowsReplaced(m_document.AddNew());
+    Recorded("MenuAddNew");
 }
 
 void Editor::DeleteRows()
@@ -785,6 +874,7 @@ void Editor::DeleteRows()
         return;
     m_document.Delete(rows);
     RowsReplaced(rows.front());
+    Recorded("MenuDelete");
 }
 
 void Editor::CutRows()
@@ -794,6 +884,7 @@ void Editor::CutRows()
         return;
     m_document.Cut(rows);
     RowsReplaced(rows.front());
+    Recorded("MenuCut");
 }
 
 void Editor::CopyRows()
@@ -806,8 +897,10 @@ void Editor::CopyRows()
 void Editor::PasteRows()
 {
     const int row = m_list->SelectedRow();
-    if (m_document.Paste(row == 0 ? m_document.Count() + 1 : row))
+    if (m_document.Paste(row == 0 ? m_document.Count() + 1 : row)) {
         RowsReplaced(row == 0 ? 1 : row);
+        Recorded("MenuPaste");
+    }
 }
 
 void Editor::RemoveAll()
@@ -822,6 +915,7 @@ void Editor::RemoveAll()
     if (EditsSongThatPlays())
         if (KaraokeForm* lyric = m_forms.Lyric(); lyric && m_state.KaraokeOpen)
             lyric->ClearLyrics();
+    Recorded("MenuClear");
 }
 
 void Editor::TextEdited(int row, const QString& text)
@@ -829,6 +923,7 @@ void Editor::TextEdited(int row, const QString& text)
     m_document.EditText(row, text);
     m_model->RowsChanged(1, m_document.Count());
     ShowOnDisplay(true);
+    Recorded("EditTextChange");
 }
 
 void Editor::BreakClicked(bool checked)
@@ -839,6 +934,7 @@ void Editor::BreakClicked(bool checked)
     m_document.SetBreak(row, checked);
     m_model->RowsChanged(1, m_document.Count());
     ShowOnDisplay(true);
+    Recorded("LineBreak");
 }
 
 // ---- Timing -------------------------------------------------------------------------------------
@@ -861,6 +957,7 @@ void Editor::CaptureLine()
             m_list->scrollTo(m_model->index(next, 0));
     }
     ShowCorrect();
+    Recorded("Capture");
 }
 
 void Editor::CorrectUp()
@@ -905,6 +1002,7 @@ void Editor::EndCorrection()
     const int row = m_timing.StopCorrection();
     m_list->SelectRow(row);
     m_list->setFocus();
+    Recorded("EditCorrection");
 }
 
 void Editor::CorrectEdited(double seconds)
@@ -915,6 +1013,7 @@ void Editor::CorrectEdited(double seconds)
         ShowCorrect();
     else if (row > 0)
         m_model->RowsChanged(row, row);
+    Recorded("EditCorrection");
 }
 
 void Editor::RowChosen()
@@ -944,4 +1043,5 @@ void Editor::DoOff()
         ShowCorrect();
     }
     ShowOnDisplay(false);
+    Recorded("Offset");
 }

@@ -6,6 +6,7 @@
 
 #include "core/Forms.h"
 #include "editor/EditorDocument.h"
+#include "editor/EditorHistory.h"
 #include "editor/EditorTiming.h"
 
 #include <QMainWindow>
@@ -107,7 +108,13 @@ private:
 
     // Edit and Karaoke menu commands.
     void MenuNew();
+    // The text box into rows: a syllable a row by the lyrics language's dictionary (words when
+    // it has none, which is said), or a word a row.
     void SplitText();
+    void SplitWords();
+    void SplitRows(const Hyphenator* syllables);
+    // Karaoke > Language of the lyrics: the languages with a dictionary, the chosen one checked.
+    void AddLanguageMenu(QMenu& karaoke, QAction* before);
     void InsertRow();
     void AddNewRow();
     void DeleteRows();
@@ -117,6 +124,12 @@ private:
     void RemoveAll();
     void EditMenuCommand(const QString& key);
     void TextEdited(int row, const QString& text);
+    // After a change to the document: a step of Undo named by the change's caption key.
+    void Recorded(const char* change);
+    // Edit > Undo and Redo say what they take back or do again, and are off when there is none.
+    void ShowUndoState();
+    void Undo();
+    void Redo();
     // The rows were added, removed or replaced: the list again, and the display when a song is open.
     void RowsReplaced(int selectRow);
     // The karaoke display takes the document while a song is open; after new rows it lays them out anew.
@@ -167,6 +180,7 @@ private:
     PlayerCommands& m_commands;
     Dialogs& m_dialogs;
     EditorDocument m_document;
+    EditorHistory m_history;
     EditorTiming m_timing;
 
     LyricsTableModel* m_model = nullptr;
@@ -186,5 +200,6 @@ private:
     QTimer m_correctTimer;
     QTimer m_actionTimer;
     QString m_actionTag;
+    QString m_lyricsLanguage;  // of the syllable split
     bool m_filling = false;
 };
