@@ -72,6 +72,9 @@ constexpr std::array kKeys = {
     KeyBinding{W::Editor, Qt::Key_Z, kCtrl | kShift, C::Redo, "Ctrl+Shift+Z", nullptr},
     KeyBinding{W::Editor, Qt::Key_Z, kCtrl, C::Undo, "Ctrl+Z", "ShortUndo"},
     KeyBinding{W::Editor, Qt::Key_Y, kCtrl, C::Redo, "Ctrl+Y", "ShortRedo"},
+    KeyBinding{W::Editor, Qt::Key_F6, kNone, C::SpeedHalf, "F6", "ShortSpeed50"},
+    KeyBinding{W::Editor, Qt::Key_F7, kNone, C::SpeedThreeQuarters, "F7", "ShortSpeed75"},
+    KeyBinding{W::Editor, Qt::Key_F8, kNone, C::SpeedFull, "F8", "ShortSpeed100"},
 
     KeyBinding{W::Karaoke, 0, kNone, C::FullScreen, nullptr, "ShortFullscreen"},
     KeyBinding{W::Karaoke, Qt::Key_Up, kAlt, C::KeyUp, "Alt+Up", nullptr},

@@ -52,6 +52,9 @@ enum class KeyCommand {
     VocalsOff,
     Undo,
     Redo,
+    SpeedHalf,
+    SpeedThreeQuarters,
+    SpeedFull,
 };
 
 struct KeyBinding {

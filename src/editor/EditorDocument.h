@@ -10,7 +10,7 @@
 #include <QString>
 #include <vector>
 
-// What a capture takes off the song's position: the singer's reaction.
+// What a capture takes off the song's position: the singer's reaction, in the singer's seconds.
 constexpr double kReactionSeconds = 0.25;
 
 // The step of a held correction key at its `ticks`-th tick (the first is 1): thousandths to tick

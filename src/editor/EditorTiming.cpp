@@ -13,7 +13,7 @@ int EditorTiming::CaptureLine(int selected)
     if (!m_song.HasSong() || m_document.Count() == 0)
         return 0;
     const int row = selected >= 1 && selected <= m_document.Count() ? selected : 1;
-    const double time = m_song.Position() - kReactionSeconds;
+    const double time = m_song.Position() - kReactionSeconds * m_tempo();
     m_document.SetTime(row, time);
     if (m_editsSongThatPlays())
         ShowEntryOnDisplay(row);

@@ -17,6 +17,10 @@ public:
     {
     }
 
+    // How fast the song plays (1 as it is, 0.5 at half speed): the reaction is the singer's
+    // quarter second, which is less of the song when it plays slower.
+    void SetTempo(std::function<double()> tempo) { m_tempo = std::move(tempo); }
+
     // Stamps row `selected` (row 1 when none is) with the song's position less the reaction.
     // Returns the row to select next: the following one, or the same when it is the last; 0 when
     // nothing was stamped.
@@ -46,6 +50,7 @@ private:
     LyricsState& m_lyrics;
     const SongClock& m_song;
     std::function<bool()> m_editsSongThatPlays;
+    std::function<double()> m_tempo = [] { return 1.0; };
     double m_correct = 0;
     int m_correctIndex = 0;
     int m_correctTicks = 0;

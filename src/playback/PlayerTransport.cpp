@@ -272,6 +272,13 @@ void PlayerTransport::ReopenAround(const QString& path, const std::function<void
     }
 }
 
+void PlayerTransport::PlayAtSpeed(double tempo)
+{
+    ApplySongTempo(m_state, tempo);
+    if (ControlsForm* midi = m_forms.MidiEq())
+        midi->Refresh();
+}
+
 bool PlayerTransport::ChangeSound(KeyCommand command)
 {
     switch (command) {

@@ -89,6 +89,8 @@ public:
     // The key, tempo or vocals of the song that plays, moved by a key or a menu; false for a
     // command of another kind. A song whose vocals cannot go says so.
     bool ChangeSound(KeyCommand command);
+    // The song plays at `tempo` (0.5, 0.75, 1), its key kept, as the editor's speed buttons ask.
+    void PlayAtSpeed(double tempo);
 
 private:
     PlayerForm& Player() { return m_forms.Player(); }

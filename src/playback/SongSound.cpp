@@ -126,10 +126,15 @@ void StepTempo(PlayerState& state, int direction)
                                    : top + direction * kTempoKeyTops);
 }
 
+void ApplySongTempo(PlayerState& state, double tempo)
+{
+    ApplyTempo(state, NearestTop(tempo, [&state](int top) { return TempoAt(state, top); }));
+}
+
 void ApplyChoice(PlayerState& state, const SongChoice& choice)
 {
     ApplyTranspose(state, NearestTop(choice.semitones, [&state](int top) { return double(SemitonesAt(state, top)); }));
-    ApplyTempo(state, NearestTop(choice.tempo, [&state](int top) { return TempoAt(state, top); }));
+    ApplySongTempo(state, choice.tempo);
     if (!ApplyVocalsOff(state, choice.vocalsOff))
         state.VocalsOff = false;
 }

@@ -23,6 +23,9 @@ void PaceVoice(PlayerState& state);
 int KnobSemitones(const PlayerState& state);
 double KnobTempo(const PlayerState& state);
 
+// The TEMPO knob set where it gives `tempo` most nearly (0.5 for half speed), and applied.
+void ApplySongTempo(PlayerState& state, double tempo);
+
 // The keys' steps: a semitone up or down (two for MIDI), a step of tempo up or down.
 void StepKey(PlayerState& state, int direction);
 void StepTempo(PlayerState& state, int direction);

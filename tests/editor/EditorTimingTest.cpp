@@ -105,3 +105,17 @@ TEST(EditorFiles, LimitsNamesTextAndTheVersionPage)
               "<input type=hidden name=board value=1.4.2>\r\n</form>\r\n<SCRIPT LANGUAGE=JAVASCRIPT>\r\n"
               "document.go.submit();\r\n</SCRIPT>\r\n");
 }
+
+TEST_F(Timing, AtHalfSpeedTheReactionIsTheSingersQuarterSecondNotTheSongs)
+{
+    lyrics.PlayLyrics = lyrics.EditLyrics;
+    double tempo = 1.0;
+    timing.SetTempo([&tempo] { return tempo; });
+    // A syllable sung at song second 10 is tapped a quarter of the singer's second later.
+    for (const double speed : {1.0, 0.75, 0.5}) {
+        tempo = speed;
+        song.position = 10.0 + 0.25 * speed;
+        timing.CaptureLine(1);
+        EXPECT_DOUBLE_EQ(document.Entry(1).Time, 10.0) << "at " << speed;
+    }
+}

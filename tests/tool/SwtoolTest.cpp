@@ -506,6 +506,18 @@ TEST(Swtool, SplitAndMergeAreTheEditorsTextCommands)
     ASSERT_EQ(split.exitCode, 0) << split.err.toStdString();
     EXPECT_EQ(split.out, "1\t0\tRow, \t0\n2\t0\trow, \t0\n3\t0\trow \t1\n4\t0\tyour \t0\n5\t0\tboat \t1\n");
 
+    WriteFileBytes(home.filePath("song.txt"), "Wonderful day\r\nKotek mruga\r\n");
+    const ToolRun english = Swtool({"split", home.filePath("song.txt"), "--syllables", "--lang", "en"}, home.path());
+    EXPECT_EQ(english.out, "1\t0\tWon\t0\n2\t0\tder\t0\n3\t0\tful \t0\n4\t0\tday \t1\n5\t0\tKotek \t0\n"
+                           "6\t0\tmruga \t1\n") << "Polish words by English rules stay whole";
+    const ToolRun polish = Swtool({"split", home.filePath("song.txt"), "--syllables", "--lang", "pl"}, home.path());
+    EXPECT_TRUE(polish.out.endsWith("5\t0\tKo\t0\n6\t0\ttek \t0\n7\t0\tmru\t0\n8\t0\tga \t1\n")) << polish.out.toStdString();
+    const ToolRun unknown = Swtool({"split", home.filePath("song.txt"), "--syllables", "--lang", "xx"}, home.path());
+    EXPECT_EQ(unknown.exitCode, 0);
+    EXPECT_EQ(unknown.out.count(u'\n'), 4) << "words";
+    EXPECT_TRUE(unknown.err.contains("No syllable dictionary is installed for this language")) << unknown.err.toStdString();
+    EXPECT_EQ(Swtool({"split", home.filePath("song.txt"), "--lang", "en"}, home.path()).exitCode, 2);
+
     const QString big = home.filePath("big.txt");
     WriteFileBytes(big, QByteArray(500001, 'a'));
     const ToolRun refused = Swtool({"split", big}, home.path());

@@ -10,6 +10,7 @@
 #include "playback/PlayerCommands.h"
 #include "playback/PlayerState.h"
 #include "playback/PlayerTransport.h"
+#include "playback/SongSound.h"
 #include "SessionWindows.h"
 #include "support/PlayerSetup.h"
 #include "support/ScriptedDialogs.h"
@@ -716,4 +717,33 @@ TEST_F(EditorWindow, UndoAndRedoTakeBackEachChangeAndSayWhatItWas)
     dialogs.files = {dir.filePath("kept.lrs")};
     editor->Command(QStringLiteral("MenuSaveAs"));
     EXPECT_TRUE(undo->isEnabled()) << "saving keeps the steps";
+}
+
+TEST_F(EditorWindow, AFastVerseTappedAtHalfSpeedLandsOnTheSameSongSeconds)
+{
+    transport.OpenFromCommandLine(song);
+    OpenEditor();
+    Split(QStringLiteral("one two three"));
+    Key(Qt::Key_F6);
+    EXPECT_DOUBLE_EQ(KnobTempo(state), 0.5);
+    EXPECT_TRUE(editor->findChild<QAction*>(QStringLiteral("Speed50"))->isChecked());
+
+    // Each syllable is tapped a quarter of the singer's second after it is heard.
+    Play(0.5);  // the change is heard within a tenth of a second
+    const double heard = Position();
+    Play(0.25);
+    EXPECT_NEAR(Position() - heard, 0.125, 0.011) << "half the song's time passes";
+    Key(Qt::Key_Space);
+    EXPECT_NEAR(editor->Document().Entry(1).Time, heard, 0.011);
+
+    editor->findChild<QAction*>(QStringLiteral("Speed100"))->trigger();
+    EXPECT_DOUBLE_EQ(KnobTempo(state), 1.0);
+    Play(0.3);  // the change is heard within a tenth of a second
+    const double again = Position();
+    Play(0.25);
+    Key(Qt::Key_Space);
+    EXPECT_NEAR(editor->Document().Entry(2).Time, again, 0.011);
+
+    Key(Qt::Key_F7);
+    EXPECT_NEAR(KnobTempo(state), 0.75, 0.01) << "the knob's nearest step";
 }

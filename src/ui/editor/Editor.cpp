@@ -9,6 +9,7 @@
 #include "playback/PlayerCommands.h"
 #include "playback/PlayerState.h"
 #include "playback/PlayerTransport.h"
+#include "playback/SongSound.h"
 #include "ui/editor/DetailsDialog.h"
 #include "ui/editor/LyricsTable.h"
 #include "ui/editor/TimeSpin.h"
@@ -68,6 +69,8 @@ const std::map<QString, KeyCommand>& MenuKeys()
         {QStringLiteral("MenuSelectAll"), KeyCommand::SelectAll},   {QStringLiteral("MenuInsert"), KeyCommand::InsertRow},
         {QStringLiteral("MenuAddNew"), KeyCommand::AddRow},         {QStringLiteral("MenuTutorial"), KeyCommand::Help},
         {QStringLiteral("MenuUndo"), KeyCommand::Undo},             {QStringLiteral("MenuRedo"), KeyCommand::Redo},
+        {QStringLiteral("Speed50"), KeyCommand::SpeedHalf},         {QStringLiteral("Speed75"), KeyCommand::SpeedThreeQuarters},
+        {QStringLiteral("Speed100"), KeyCommand::SpeedFull},
     };
     return keys;
 }
@@ -80,7 +83,9 @@ QString WindowWideMenuCommand(const KeyBinding* binding)
                                                     KeyCommand::OpenLyrics,  KeyCommand::SaveLyrics,
                                                     KeyCommand::SaveLyricsAs, KeyCommand::PrintLyrics,
                                                     KeyCommand::SelectAll,   KeyCommand::Help,
-                                                    KeyCommand::Undo,        KeyCommand::Redo};
+                                                    KeyCommand::Undo,        KeyCommand::Redo,
+                                                    KeyCommand::SpeedHalf,   KeyCommand::SpeedThreeQuarters,
+                                                    KeyCommand::SpeedFull};
     if (!binding || !windowWide.contains(binding->command))
         return {};
     for (const auto& [menu, command] : MenuKeys())
@@ -188,6 +193,7 @@ Editor::Editor(PlayerState& state, SettingsStore& store, FormProvider& forms, Pl
       m_timing(m_document, state.Lyrics, state.Clock,
                [this] { return EditsSongThatPlays(); })
 {
+    m_timing.SetTempo([this] { return m_state.SongOpen() ? KnobTempo(m_state) : 1.0; });
     setObjectName(QStringLiteral("Editor"));
     setPalette(ControlsPalette());
     setAutoFillBackground(true);
@@ -431,6 +437,42 @@ void Editor::BuildToolBar()
             }
         });
     }
+    // Slower playback for a fast verse: the taps stamp song time all the same.
+    tools->addSeparator();
+    auto* speeds = new QActionGroup(tools);
+    for (const char* key : {"Speed50", "Speed75", "Speed100"}) {
+        QAction* action = tools->addAction(QString::fromLatin1(key).mid(5) + u'%');
+        action->setObjectName(QString::fromLatin1(key));
+        action->setData(QString::fromLatin1(key));
+        action->setCheckable(true);
+        action->setChecked(key == std::string_view("Speed100"));
+        speeds->addAction(action);
+        connect(action, &QAction::triggered, this, [this, key] { Command(QString::fromLatin1(key)); });
+    }
+    if (QWidget* button = tools->widgetForAction(speeds->actions().first()))
+        button->setMinimumWidth(button->fontMetrics().horizontalAdvance(QStringLiteral("100%")) + 12);
+}
+
+void Editor::PlayAt(double tempo, const char* key)
+{
+    m_transport.PlayAtSpeed(tempo);
+    if (auto* action = findChild<QAction*>(QString::fromLatin1(key)))
+        action->setChecked(true);
+}
+
+void Editor::PlayAtHalf()
+{
+    PlayAt(0.5, "Speed50");
+}
+
+void Editor::PlayAtThreeQuarters()
+{
+    PlayAt(0.75, "Speed75");
+}
+
+void Editor::PlayAtFull()
+{
+    PlayAt(1.0, "Speed100");
 }
 
 void Editor::ApplyLanguage()
@@ -446,7 +488,9 @@ void Editor::ApplyLanguage()
     if (auto* tools = findChild<QToolBar*>(QStringLiteral("eBTN")))
         for (QAction* action : tools->actions())
             if (!action->isSeparator())
-                action->setToolTip(Text(action->data().toString().toLatin1().constData()).remove(u'&'));
+                action->setToolTip(WithKeyLabel(Text(action->data().toString().toLatin1().constData()).remove(u'&'),
+                                                action->data().toString())
+                                       .replace(u'\t', QStringLiteral(" - ")));
     m_lyricsHeading->setText(Text("HeaderEditor"));
     m_break->setText(Text("LineBreak"));
     m_doOff->setText(Text("Offset"));
@@ -590,6 +634,9 @@ void Editor::Command(const QString& key)
         {QStringLiteral("MenuSplitWords"), &Editor::SplitWords},
         {QStringLiteral("MenuUndo"), &Editor::Undo},
         {QStringLiteral("MenuRedo"), &Editor::Redo},
+        {QStringLiteral("Speed50"), &Editor::PlayAtHalf},
+        {QStringLiteral("Speed75"), &Editor::PlayAtThreeQuarters},
+        {QStringLiteral("Speed100"), &Editor::PlayAtFull},
         {QStringLiteral("MenuMergeText"), &Editor::fnMoveTime},
         {QStringLiteral("MenuInsert"), &Editor::InsertRow},
         {QStringLiteral("MenuAddNew"), &Editor::AddNewRow},

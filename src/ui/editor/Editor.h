@@ -130,6 +130,11 @@ private:
     void ShowUndoState();
     void Undo();
     void Redo();
+    // The song at half, three quarters or its own speed, its key kept.
+    void PlayAt(double tempo, const char* key);
+    void PlayAtHalf();
+    void PlayAtThreeQuarters();
+    void PlayAtFull();
     // The rows were added, removed or replaced: the list again, and the display when a song is open.
     void RowsReplaced(int selectRow);
     // The karaoke display takes the document while a song is open; after new rows it lays them out anew.
