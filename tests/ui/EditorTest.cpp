@@ -17,6 +17,7 @@
 #include "ui/editor/Editor.h"
 #include "ui/editor/LyricsTable.h"
 #include "ui/editor/TimeSpin.h"
+#include "ui/editor/WaveformStrip.h"
 
 #include <QCheckBox>
 #include <QFileInfo>
@@ -746,4 +747,49 @@ TEST_F(EditorWindow, AFastVerseTappedAtHalfSpeedLandsOnTheSameSongSeconds)
 
     Key(Qt::Key_F7);
     EXPECT_NEAR(KnobTempo(state), 0.75, 0.01) << "the knob's nearest step";
+}
+
+TEST_F(EditorWindow, AStampDraggedOnTheWaveformStaysBetweenItsNeighboursAndUndoes)
+{
+    // A tone that swells and fades, so the waveform has a shape to show.
+    const QString tone = dir.filePath(QStringLiteral("tone.wav"));
+    ASSERT_TRUE(RunProgram("sox", {"-n", "-r", "48000", "-c", "2", tone, "synth", "10", "sine", "300", "tremolo", "0.7", "90"}));
+    transport.OpenFromCommandLine(tone);
+    OpenEditor();
+    Split(QStringLiteral("one two three"));
+    Play(1.0);
+    Key(Qt::Key_Space);
+    Play(1.0);
+    Key(Qt::Key_Space);
+    Play(1.0);
+    Key(Qt::Key_Space);
+    auto* wave = editor->findChild<WaveformStrip*>(QStringLiteral("Waveform"));
+    ASSERT_TRUE(wave);
+    wave->resize(1000, 80);
+    ASSERT_TRUE(QTest::qWaitFor([wave] { return wave->HasPeaks(); }, 10000)) << "the song's peaks come from the worker";
+    QTest::qWait(100);  // the marks at the waveform's next frame
+    EXPECT_NEAR(wave->VisibleSeconds(), 10.0, 0.01) << "a short song shows whole";
+
+    const double first = editor->Document().Entry(1).Time, second = editor->Document().Entry(2).Time,
+                 third = editor->Document().Entry(3).Time;
+    const auto drag = [wave](double from, double to) {
+        QTest::mousePress(wave, Qt::LeftButton, {}, QPoint(wave->XOf(from), 40));
+        QTest::mouseMove(wave, QPoint(wave->XOf(to), 40));
+        QTest::mouseRelease(wave, Qt::LeftButton, {}, QPoint(wave->XOf(to), 40));
+    };
+    drag(second, second + 0.3);
+    EXPECT_NEAR(editor->Document().Entry(2).Time, second + 0.3, 0.011);
+    drag(editor->Document().Entry(2).Time, third + 2.0);
+    EXPECT_DOUBLE_EQ(editor->Document().Entry(2).Time, third) << "never past the row below";
+    EXPECT_EQ(editor->Document().Entry(1).Time, first) << "no other row moved";
+
+    Key(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_NEAR(editor->Document().Entry(2).Time, second + 0.3, 0.011) << "each drag is one step";
+    Key(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_DOUBLE_EQ(editor->Document().Entry(2).Time, second);
+
+    // A click away from the marks plays the song from there.
+    Picture(QStringLiteral("editor-waveform"));
+    QTest::mouseClick(wave, Qt::LeftButton, {}, QPoint(wave->XOf(6.0), 40));
+    EXPECT_NEAR(Position(), 6.0, 0.05);
 }

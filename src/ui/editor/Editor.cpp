@@ -9,6 +9,7 @@
 #include "playback/PlayerCommands.h"
 #include "playback/PlayerState.h"
 #include "playback/PlayerTransport.h"
+#include "playback/SongMemory.h"
 #include "playback/SongSound.h"
 #include "ui/editor/DetailsDialog.h"
 #include "ui/editor/LyricsTable.h"
@@ -29,9 +30,12 @@
 #include <QPainter>
 #include <QPainterPath>
 #include <QPlainTextEdit>
+#include <QPointer>
 #include <QPushButton>
 #include <QSplitter>
+#include <QStandardPaths>
 #include <QStatusBar>
+#include <QThreadPool>
 #include <QToolBar>
 #include <QVBoxLayout>
 #include <map>
@@ -44,6 +48,8 @@ constexpr QSize kMinimumSize(567, 320);
 constexpr QSize kFirstSize(780, 520);
 // A held correction key repeats about as fast as a keyboard does.
 constexpr int kCorrectIntervalMs = 33;
+// The waveform's pace: a frame of a 30 Hz display.
+constexpr int kWaveIntervalMs = 33;
 // The key left of 1: "`" on most layouts, and by its place on the keyboard on any other.
 bool IsCaptureKey(const QKeyEvent* event)
 {
@@ -207,6 +213,8 @@ Editor::Editor(PlayerState& state, SettingsStore& store, FormProvider& forms, Pl
     WatchKeys();
 
     m_correctTimer.setInterval(kCorrectIntervalMs);
+    m_waveTimer.setInterval(kWaveIntervalMs);
+    connect(&m_waveTimer, &QTimer::timeout, this, &Editor::FollowSong);
     connect(&m_correctTimer, &QTimer::timeout, this, [this] { CorrectionTick(); });
     m_actionTimer.setSingleShot(true);
     m_actionTimer.setInterval(0);
@@ -265,6 +273,13 @@ void Editor::BuildWindow()
     m_list->RowChosen = [this] { RowChosen(); };
     connect(m_list->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] { ShowRowCount(); });
     listLayout->addWidget(m_list, 1);
+    m_wave = new WaveformStrip(listSide);
+    connect(m_wave, &WaveformStrip::seekRequested, this, [this](double seconds) {
+        if (EditsSongThatPlays())
+            m_transport.SeekToSeconds(seconds);
+    });
+    connect(m_wave, &WaveformStrip::stampMoved, this, &Editor::StampDragged);
+    listLayout->addWidget(m_wave);
     listLayout->addWidget(BuildTimingBar());
 
     auto* textSide = new QWidget(splitter);
@@ -576,6 +591,7 @@ void Editor::Open()
 
 void Editor::Show()
 {
+    m_waveTimer.start();
     show();
     raise();
     activateWindow();
@@ -760,6 +776,55 @@ void Editor::FillEditorList()
     ShowCorrect();
     MeasureLab();
     m_filling = false;
+}
+
+void Editor::FollowSong()
+{
+    if (!isVisible())
+        return;
+    const QString song = EditsSongThatPlays() ? m_state.CurrentFile : QString();
+    if (song != m_waveSong)
+        LoadWaveform(song);
+    std::vector<WaveformStrip::Mark> marks;
+    const std::vector<int> selected = m_list->SelectedRows();
+    for (int row = 1; row <= m_document.Count(); ++row)
+        marks.push_back({m_document.Entry(row).Time, m_document.Entry(row).Text,
+                         std::find(selected.begin(), selected.end(), row) != selected.end()});
+    m_wave->SetMarks(std::move(marks));
+    const SongSession* session = m_state.Session.get();
+    m_wave->SetPlayhead(m_state.Clock.Position(), session && session->GetState() == SongSession::Running);
+}
+
+void Editor::LoadWaveform(const QString& song)
+{
+    m_waveSong = song;
+    m_wave->SetPeaks(std::nullopt);
+    if (song.isEmpty())
+        return;
+    // Decoded on a worker; the answer is taken only if the editor still shows that song.
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::CacheLocation) + QStringLiteral("/waveforms");
+    QPointer<Editor> self(this);
+    QThreadPool::globalInstance()->start([self, song, folder] {
+        auto peaks = PeaksOfSong(folder, song, SongMemory::SongKey(song));
+        QMetaObject::invokeMethod(qApp, [self, song, peaks = std::move(peaks)]() mutable {
+            if (self && self->m_waveSong == song)
+                self->m_wave->SetPeaks(std::move(peaks));
+        });
+    });
+}
+
+void Editor::StampDragged(int row, double seconds)
+{
+    if (row < 1 || row > m_document.Count())
+        return;
+    m_document.SetTime(row, seconds);
+    m_model->RowsChanged(row, row);
+    if (row == m_list->SelectedRow()) {
+        m_timing.SetCorrect(seconds, row);
+        ShowCorrect();
+    }
+    ShowOnDisplay(false);
+    Recorded("DragStamp");
 }
 
 void Editor::Recorded(const char* change)

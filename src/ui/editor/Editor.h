@@ -9,6 +9,8 @@
 #include "editor/EditorHistory.h"
 #include "editor/EditorTiming.h"
 
+#include "ui/editor/WaveformStrip.h"
+
 #include <QMainWindow>
 #include <QTimer>
 #include <map>
@@ -124,6 +126,12 @@ private:
     void RemoveAll();
     void EditMenuCommand(const QString& key);
     void TextEdited(int row, const QString& text);
+    // The waveform follows the song the editor times: its peaks (from a worker, cached), the
+    // rows' marks and the playhead.
+    void FollowSong();
+    void LoadWaveform(const QString& song);
+    // A mark let go on the waveform: its row's stamp, one step of Undo.
+    void StampDragged(int row, double seconds);
     // After a change to the document: a step of Undo named by the change's caption key.
     void Recorded(const char* change);
     // Edit > Undo and Redo say what they take back or do again, and are off when there is none.
@@ -203,6 +211,9 @@ private:
     std::map<QString, QMenu*> m_menus;
     std::map<QString, QAction*> m_actions;
     QTimer m_correctTimer;
+    QTimer m_waveTimer;
+    WaveformStrip* m_wave = nullptr;
+    QString m_waveSong;  // whose peaks the waveform shows or awaits
     QTimer m_actionTimer;
     QString m_actionTag;
     QString m_lyricsLanguage;  // of the syllable split
