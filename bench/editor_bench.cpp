@@ -1,6 +1,9 @@
-// The editor's tap: from a Space press in the list (a synthetic key event, as the window gets
-// it) to the karaoke display array holding the new time, and to the karaoke window's next
-// painted page, while a song plays on the null device's wall clock. Prints figures; judges nothing.
+// The timing editor's costs: the waveform's peaks of a 5-minute MP3, the first time and from the
+// cache; the tap, from a Space press in the list (a synthetic key event, as the window gets it)
+// to the karaoke display array holding the new time and to the karaoke window's next painted
+// page, while a song plays on the null device's wall clock; and a mark dragged on the waveform,
+// from the mouse move to the strip's paint. The machine's own stalls are measured beside.
+// Prints figures; judges nothing.
 
 #include "app/AppState.h"
 #include "app/AppWindows.h"
@@ -10,21 +13,26 @@
 #include "BenchKit.h"
 #include "core/SettingsStore.h"
 #include "core/ThemeClass.h"
+#include "editor/Waveform.h"
 #include "playback/PlayerCommands.h"
 #include "playback/PlayerTransport.h"
 #include "ui/editor/Editor.h"
 #include "ui/editor/LyricsTable.h"
+#include "ui/editor/WaveformStrip.h"
 #include "ui/karaoke/LyricWindow.h"
 #include "ui/kit/DesktopDialogs.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QKeyEvent>
+#include <QMouseEvent>
 #include <QPlainTextEdit>
+#include <QProcess>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <algorithm>
 #include <cstdio>
+#include <thread>
 
 namespace {
 
@@ -50,10 +58,64 @@ public:
 
 void PrintFigures(const char* what, std::vector<double> micros)
 {
+    if (micros.empty()) {
+        std::printf("%-34s no figures\n", what);
+        return;
+    }
     std::sort(micros.begin(), micros.end());
     const auto at = [&micros](double share) { return micros[size_t(share * double(micros.size() - 1))]; };
-    std::printf("%-34s median %8.1f us   p90 %8.1f us   max %8.1f us   (%zu taps)\n", what, at(0.5), at(0.9),
+    std::printf("%-34s median %8.1f us   p99 %8.1f us   max %8.1f us   (%zu)\n", what, at(0.5), at(0.99),
                 micros.back(), micros.size());
+}
+
+// The peaks of a 5-minute MP3, decoded the first time and read from the cache the second.
+void WaveformPeaksCost(const QTemporaryDir& dir)
+{
+    const QString song = dir.filePath("five-minutes.mp3");
+    QProcess::execute("ffmpeg", {"-nostdin", "-v", "quiet", "-y", "-f", "lavfi", "-i",
+                                 "sine=frequency=220:sample_rate=44100:duration=300", "-ac", "2", "-b:a", "192k", song});
+    const QString cache = dir.filePath("cache");
+    QElapsedTimer timer;
+    timer.start();
+    const auto first = PeaksOfSong(cache, song, QStringLiteral("bench-song"));
+    const double firstMs = double(timer.nsecsElapsed()) / 1e6;
+    timer.restart();
+    const auto cached = PeaksOfSong(cache, song, QStringLiteral("bench-song"));
+    const double cachedMs = double(timer.nsecsElapsed()) / 1e6;
+    std::printf("waveform peaks of a 5-minute MP3: %.0f ms the first time (%.1f s of sound), %.1f ms from the cache\n",
+                firstMs, first ? first->Seconds() : 0.0, cachedMs);
+}
+
+// A mark dragged along the waveform: each mouse move to the strip's next paint.
+std::vector<double> DragToRepaint(Editor& editor, PaintCounter& counter)
+{
+    auto* wave = editor.findChild<WaveformStrip*>(QStringLiteral("Waveform"));
+    std::vector<double> micros;
+    const int row = 20;
+    const double stamp = editor.Document().Entry(row).Time;
+    if (!wave || stamp <= 0)
+        return micros;
+    wave->installEventFilter(&counter);
+    wave->ZoomBy(0.1, stamp);
+    QMouseEvent press(QEvent::MouseButtonPress, QPointF(wave->XOf(stamp), 30), wave->mapToGlobal(QPointF(wave->XOf(stamp), 30)),
+                      Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(wave, &press);
+    for (int step = 1; step <= 100; ++step) {
+        const QPointF at(wave->XOf(stamp) + (step % 10) - 5, 30);
+        QMouseEvent move(QEvent::MouseMove, at, wave->mapToGlobal(at), Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
+        const int paints = counter.paints;
+        QElapsedTimer clock;
+        clock.start();
+        QCoreApplication::sendEvent(wave, &move);
+        while (counter.paints == paints && clock.elapsed() < 1000)
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        if (counter.paints > paints)
+            micros.push_back(double(clock.nsecsElapsed()) / 1000.0);
+    }
+    QMouseEvent release(QEvent::MouseButtonRelease, QPointF(wave->XOf(stamp), 30), wave->mapToGlobal(QPointF(wave->XOf(stamp), 30)),
+                        Qt::LeftButton, Qt::NoButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(wave, &release);
+    return micros;
 }
 
 } // namespace
@@ -65,6 +127,7 @@ int main(int argc, char* argv[])
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
     QTemporaryDir dir;
+    WaveformPeaksCost(dir);
     const QString song = dir.filePath("song.wav");
     WriteStereoWav(song, std::vector<float>(size_t(48000 * 2 * 120), 0.0f), 48000);
 
@@ -89,11 +152,13 @@ int main(int argc, char* argv[])
     for (int line = 0; line < 40; ++line)
         words += QStringLiteral("the quick brown fox jumps over\r\n");
     editor.LyricsBox().setPlainText(words);
-    editor.Command(QStringLiteral("MenuSplitText"));
+    editor.Command(QStringLiteral("MenuSplitWords"));
 
     PaintCounter counter;
     windows.LyricWidget()->installEventFilter(&counter);
     std::vector<double> toArray, toPage;
+    MachineStalls stalls;
+    std::thread probe([&stalls] { stalls = MeasureMachineStalls(kTaps * 160); });
     for (int tap = 0; tap < kTaps && tap < editor.Document().Count(); ++tap) {
         // A tap about every 150 ms, as a singer's syllables come.
         QEventLoop pause;
@@ -117,7 +182,15 @@ int main(int argc, char* argv[])
         if (counter.paints > paints)
             toPage.push_back(double(clock.nsecsElapsed()) / 1000.0);
     }
+    probe.join();
     PrintFigures("Space to the display array", toArray);
     PrintFigures("Space to the next painted page", toPage);
+    PaintCounter stripPaints;
+    MachineStalls dragStalls;
+    std::thread dragProbe([&dragStalls] { dragStalls = MeasureMachineStalls(1500); });
+    PrintFigures("a waveform drag to its repaint", DragToRepaint(editor, stripPaints));
+    dragProbe.join();
+    std::printf("machine stalls over 1 ms: %zu while tapping (longest %.2f ms), %zu while dragging (longest %.2f ms)\n",
+                stalls.count, stalls.longestMs, dragStalls.count, dragStalls.longestMs);
     return 0;
 }

@@ -31,8 +31,10 @@ int PrintCdgScreen(const QStringList& args);
 int ConvertLyrics(const QStringList& args);
 // swtool midi FILE [--wav OUT.wav [--seconds N] [--transpose S] [--tempo F] [--mute CH]...]
 int PrintMidi(const QStringList& args);
-// swtool split TEXTFILE: the rows Split makes of a text.
+// swtool split TEXTFILE [--syllables [--lang CODE]]: the rows Split makes of a text.
 int PrintSplit(const QStringList& args);
+// swtool onsets SONG: where sounds start in the song, as Snap to onsets finds them.
+int PrintOnsets(const QStringList& args);
 // swtool merge LYRICS: the text Merge makes of a song's (or a ".lrs" file's) lyrics.
 int PrintMerge(const QStringList& args);
 // swtool embed SONG LYRICS.lrs: the lyrics stored in the song as the editor's Save stores them.

@@ -1,4 +1,5 @@
-// swtool split, merge and embed: the editor's text commands and its Save, for batch work.
+// swtool split, onsets, merge and embed: the editor's text commands, its onsets and its Save, for
+// batch work.
 
 #include "app/SwtoolCommands.h"
 #include "core/Language.h"
@@ -6,6 +7,7 @@
 #include "core/ThemeClass.h"
 #include "editor/EditorDocument.h"
 #include "editor/EditorFiles.h"
+#include "editor/Onsets.h"
 #include "lyrics/LyricsBlock.h"
 #include "lyrics/LyricsLoader.h"
 #include "tags/LyricsEmbedding.h"
@@ -78,6 +80,21 @@ int PrintSplit(const QStringList& args)
     for (int row = 1; row <= document.Count(); ++row)
         out << row << '\t' << document.TimeText(row) << '\t' << document.Entry(row).Text << '\t'
             << (document.Entry(row).LineEnd ? 1 : 0) << '\n';
+    return 0;
+}
+
+int PrintOnsets(const QStringList& args)
+{
+    if (args.size() != 1 || args[0].startsWith(u'-'))
+        return 2;
+    if (!QFileInfo(args[0]).isFile())
+        return Refuse(QStringLiteral("File not found: %1").arg(args[0]));
+    const std::vector<double> onsets = FindOnsets(args[0]);
+    if (onsets.empty())
+        return Refuse(QStringLiteral("No onsets found in %1").arg(args[0]));
+    QTextStream out(stdout);
+    for (double seconds : onsets)
+        out << QString::number(seconds, 'f', 3) << '\n';
     return 0;
 }
 

@@ -35,7 +35,10 @@ const char* const kUsage =
     "                        the lyrics of IN (a lyrics file of any of these formats, or a song,\n"
     "                        whose lyrics are found as the player finds them) in another format,\n"
     "                        to OUT or to standard output\n"
-    "  split TEXTFILE        the editor's rows of a text: row<TAB>time<TAB>text<TAB>break (1 or 0)\n"
+    "  split TEXTFILE [--syllables [--lang CODE]]\n"
+    "                        the editor's rows of a text: row<TAB>time<TAB>text<TAB>break (1 or 0),\n"
+    "                        a word a row, or a syllable a row by the language's dictionary\n"
+    "  onsets SONG           where sounds start in the song, in seconds, one a line\n"
     "  merge LYRICS          the editor's text of a song's (or a .lrs file's) lyrics\n"
     "  embed SONG LYRICS.lrs the lyrics stored in the song file as the editor's Save stores them\n"
     "  probe FILE            what the program reads of an audio file: kind, length, tags, texts\n"
@@ -111,6 +114,10 @@ int main(int argc, char* argv[])
     }
     if (command == QLatin1String("split")) {
         const int result = PrintSplit(args);
+        return result == 2 ? Usage() : result;
+    }
+    if (command == QLatin1String("onsets")) {
+        const int result = PrintOnsets(args);
         return result == 2 ? Usage() : result;
     }
     if (command == QLatin1String("merge")) {

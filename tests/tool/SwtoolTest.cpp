@@ -701,3 +701,19 @@ TEST(Swtool, ProbeAndRenderTakeDiscSongsZipsAndVideos)
     WriteZip(home.filePath("lonely.zip"), {{"song.mp3", "ID3"}});
     EXPECT_EQ(Swtool({"render", home.filePath("lonely.zip"), "--at", "1", "-o", png}, home.path()).exitCode, 1);
 }
+
+TEST(Swtool, OnsetsPrintsWhereSoundsStart)
+{
+    QTemporaryDir home;
+    const QString song = home.filePath("bursts.wav");
+    ASSERT_TRUE(RunProgram("sox", {"-n", "-r", "44100", "-c", "1", song, "synth", "1", "sine", "0", ":", "synth", "0.3",
+                                   "sine", "440", ":", "synth", "0.7", "sine", "0"}));
+    const ToolRun run = Swtool({"onsets", song}, home.path());
+    ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
+    const QStringList lines = run.out.split(u'\n', Qt::SkipEmptyParts);
+    ASSERT_EQ(lines.size(), 1) << run.out.toStdString();
+    EXPECT_NEAR(lines[0].toDouble(), 1.0, 0.03);
+    EXPECT_EQ(lines[0].section(u'.', 1).size(), 3) << "three decimals";
+    EXPECT_EQ(Swtool({"onsets", home.filePath("gone.wav")}, home.path()).exitCode, 1);
+    EXPECT_EQ(Swtool({"onsets"}, home.path()).exitCode, 2);
+}

@@ -564,7 +564,8 @@ TEST_F(EditorWindow, TheMenusStandInTheirPlacesAndTheWindowKeepsItsSize)
     EXPECT_EQ(keys("MenuEdit"), (QStringList{"MenuUndo", "MenuRedo", "-", "MenuCut", "MenuCopy", "MenuPaste",
                                              "MenuDelete", "MenuSelectAll", "MenuRemoveAll"}));
     EXPECT_EQ(keys("MenuKaraoke"), (QStringList{"MenuDetails", "-", "MenuSplitText", "MenuSplitWords", "LyricsLanguage",
-                                                "MenuMergeText", "-", "MenuInsert", "MenuAddNew", "-", "MenuClear"}));
+                                                "MenuMergeText", "-", "MenuSnapOnsets", "-", "MenuInsert", "MenuAddNew",
+                                                "-", "MenuClear"}));
     EXPECT_EQ(editor->List().model()->headerData(2, Qt::Horizontal).toString(), "Line break");
 
     editor->resize(300, 200);
@@ -792,4 +793,30 @@ TEST_F(EditorWindow, AStampDraggedOnTheWaveformStaysBetweenItsNeighboursAndUndoe
     Picture(QStringLiteral("editor-waveform"));
     QTest::mouseClick(wave, Qt::LeftButton, {}, QPoint(wave->XOf(6.0), 40));
     EXPECT_NEAR(Position(), 6.0, 0.05);
+}
+
+TEST_F(EditorWindow, SnapToOnsetsMovesTheSelectedStampsAndOneUndoTakesItBack)
+{
+    const QString bursts = dir.filePath(QStringLiteral("bursts.wav"));
+    ASSERT_TRUE(RunProgram("sox", {"-n", "-r", "48000", "-c", "2", bursts, "synth", "1", "sine", "0", ":", "synth", "0.3",
+                                   "sine", "440", ":", "synth", "0.7", "sine", "0", ":", "synth", "0.3", "sine", "660",
+                                   ":", "synth", "1", "sine", "0"}));
+    transport.OpenFromCommandLine(bursts);
+    OpenEditor();
+    Split(QStringLiteral("one two"));
+    Play(1.30);  // heard at 1.05, tapped a quarter second later
+    Key(Qt::Key_Space);
+    Play(1.0);   // heard at 2.05
+    Key(Qt::Key_Space);
+    const double first = editor->Document().Entry(1).Time, second = editor->Document().Entry(2).Time;
+    ASSERT_NEAR(first, 1.05, 0.02);
+
+    QTest::qWait(50);  // the waveform takes up the song
+    editor->List().selectAll();
+    editor->Command(QStringLiteral("MenuSnapOnsets"));
+    EXPECT_NEAR(editor->Document().Entry(1).Time, 1.0, 0.03);
+    EXPECT_NEAR(editor->Document().Entry(2).Time, 2.0, 0.03);
+    Key(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_DOUBLE_EQ(editor->Document().Entry(1).Time, first) << "one undo takes the whole snap back";
+    EXPECT_DOUBLE_EQ(editor->Document().Entry(2).Time, second);
 }

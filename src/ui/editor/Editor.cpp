@@ -5,6 +5,7 @@
 #include "core/SettingsStore.h"
 #include "core/WindowPosition.h"
 #include "editor/LyricsDetails.h"
+#include "editor/Onsets.h"
 #include "lyrics/LyricsLoader.h"
 #include "playback/PlayerCommands.h"
 #include "playback/PlayerState.h"
@@ -378,8 +379,8 @@ void Editor::BuildMenus()
          {"MenuUndo", "MenuRedo", nullptr, "MenuCut", "MenuCopy", "MenuPaste", "MenuDelete", "MenuSelectAll",
           "MenuRemoveAll"}},
         {"MenuKaraoke",
-         {"MenuDetails", nullptr, "MenuSplitText", "MenuSplitWords", "MenuMergeText", nullptr, "MenuInsert", "MenuAddNew",
-          nullptr, "MenuClear"}},
+         {"MenuDetails", nullptr, "MenuSplitText", "MenuSplitWords", "MenuMergeText", nullptr, "MenuSnapOnsets", nullptr,
+          "MenuInsert", "MenuAddNew", nullptr, "MenuClear"}},
         {"MenuHelp", {"MenuTutorial", "MenuSupport", "MenuVersion", nullptr, "MenuAbout"}},
     };
     for (const auto& [name, items] : menus) {
@@ -648,6 +649,7 @@ void Editor::Command(const QString& key)
         {QStringLiteral("MenuUpdate"), &Editor::MenuUpdate},
         {QStringLiteral("MenuSplitText"), &Editor::SplitText},
         {QStringLiteral("MenuSplitWords"), &Editor::SplitWords},
+        {QStringLiteral("MenuSnapOnsets"), &Editor::SnapToOnsets},
         {QStringLiteral("MenuUndo"), &Editor::Undo},
         {QStringLiteral("MenuRedo"), &Editor::Redo},
         {QStringLiteral("Speed50"), &Editor::PlayAtHalf},
@@ -798,7 +800,9 @@ void Editor::FollowSong()
 void Editor::LoadWaveform(const QString& song)
 {
     m_waveSong = song;
+    m_onsets.reset();
     m_wave->SetPeaks(std::nullopt);
+    m_wave->SetOnsets({});
     if (song.isEmpty())
         return;
     // Decoded on a worker; the answer is taken only if the editor still shows that song.
@@ -810,7 +814,33 @@ void Editor::LoadWaveform(const QString& song)
             if (self && self->m_waveSong == song)
                 self->m_wave->SetPeaks(std::move(peaks));
         });
+        auto onsets = FindOnsets(song);
+        QMetaObject::invokeMethod(qApp, [self, song, onsets = std::move(onsets)]() mutable {
+            if (self && self->m_waveSong == song) {
+                self->m_onsets = onsets;
+                self->m_wave->SetOnsets(std::move(onsets));
+            }
+        });
     });
+}
+
+void Editor::SnapToOnsets()
+{
+    if (m_waveSong.isEmpty() || m_document.Count() == 0)
+        return;
+    // Found on the worker with the waveform; asked for before it is done, found here.
+    if (!m_onsets)
+        m_onsets = FindOnsets(m_waveSong);
+    std::vector<int> rows = m_list->SelectedRows();
+    if (SnapRows(m_state.Lyrics.EditLyrics, rows, *m_onsets) == 0)
+        return;
+    m_model->RowsChanged(1, m_document.Count());
+    if (const int row = m_list->SelectedRow(); row > 0) {
+        m_timing.SetCorrect(m_document.Entry(row).Time, row);
+        ShowCorrect();
+    }
+    ShowOnDisplay(false);
+    Recorded("MenuSnapOnsets");
 }
 
 void Editor::StampDragged(int row, double seconds)

@@ -130,6 +130,8 @@ private:
     // rows' marks and the playhead.
     void FollowSong();
     void LoadWaveform(const QString& song);
+    // Karaoke > Snap to onsets: the selected stamps to the nearest onset within 80 ms.
+    void SnapToOnsets();
     // A mark let go on the waveform: its row's stamp, one step of Undo.
     void StampDragged(int row, double seconds);
     // After a change to the document: a step of Undo named by the change's caption key.
@@ -214,6 +216,7 @@ private:
     QTimer m_waveTimer;
     WaveformStrip* m_wave = nullptr;
     QString m_waveSong;  // whose peaks the waveform shows or awaits
+    std::optional<std::vector<double>> m_onsets;  // of m_waveSong, once found
     QTimer m_actionTimer;
     QString m_actionTag;
     QString m_lyricsLanguage;  // of the syllable split

@@ -16,6 +16,7 @@ const QColor kWave(96, 150, 220);
 const QColor kMark(230, 200, 90);
 const QColor kSelected(255, 120, 60);
 const QColor kPlayhead(240, 240, 240);
+const QColor kOnset(140, 220, 140);
 
 } // namespace
 
@@ -41,6 +42,12 @@ void WaveformStrip::SetMarks(std::vector<Mark> marks)
     if (m_dragged >= 0 || marks == m_marks)
         return;
     m_marks = std::move(marks);
+    update();
+}
+
+void WaveformStrip::SetOnsets(std::vector<double> onsets)
+{
+    m_onsets = std::move(onsets);
     update();
 }
 
@@ -125,6 +132,10 @@ void WaveformStrip::paintEvent(QPaintEvent*)
         painter.drawLine(x, half + 2 - int(high * half), x, half + 2 - int(low * half));
     }
     painter.restore();
+    painter.setPen(kOnset);
+    const auto firstOnset = std::lower_bound(m_onsets.begin(), m_onsets.end(), m_start);
+    for (auto it = firstOnset; it != m_onsets.end() && *it <= m_start + m_span; ++it)
+        painter.drawLine(XOf(*it), height() - 6, XOf(*it), height());
     const QFontMetrics metrics(font());
     for (const Mark& mark : m_marks) {
         if (mark.seconds <= 0 || mark.seconds < m_start || mark.seconds > m_start + m_span)

@@ -24,6 +24,8 @@ public:
     void SetPeaks(std::optional<WaveformPeaks> peaks);
     bool HasPeaks() const { return m_peaks.has_value(); }
     void SetMarks(std::vector<Mark> marks);
+    // Where sounds start, drawn as ticks along the foot of the strip.
+    void SetOnsets(std::vector<double> onsets);
     // While playing, the view moves on to keep the playhead in it.
     void SetPlayhead(double seconds, bool playing);
 
@@ -54,6 +56,7 @@ private:
 
     std::optional<WaveformPeaks> m_peaks;
     std::vector<Mark> m_marks;
+    std::vector<double> m_onsets;
     double m_playhead = 0;
     double m_start = 0;
     double m_span = 10;
