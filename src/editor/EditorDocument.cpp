@@ -154,6 +154,12 @@ void EditorDocument::SetTime(int row, double seconds)
         Entries()[size_t(row)].Time = seconds;
 }
 
+void EditorDocument::SetLength(int row, double seconds)
+{
+    if (IsRow(row))
+        Entries()[size_t(row)].Length = std::max(0.0, seconds);
+}
+
 void EditorDocument::Offset(const std::vector<int>& rows, double seconds)
 {
     for (int row : rows)

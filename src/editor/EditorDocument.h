@@ -50,6 +50,7 @@ public:
     void EditText(int row, const QString& text);
     void SetBreak(int row, bool lineEnd);
     void SetTime(int row, double seconds);
+    void SetLength(int row, double seconds);
     // Adds `seconds` to each of the rows' times.
     void Offset(const std::vector<int>& rows, double seconds);
     // Each line's text into every entry of the line, line by line up to the last break.

@@ -25,6 +25,15 @@ int EditorTiming::CaptureLine(int selected)
     return row + 1;
 }
 
+void EditorTiming::HoldEnd(int row)
+{
+    if (!m_song.HasSong() || row < 1 || row > m_document.Count() || m_document.Entry(row).Time == 0)
+        return;
+    m_document.SetLength(row, m_song.Position() - kReactionSeconds * m_tempo() - m_document.Entry(row).Time);
+    if (m_editsSongThatPlays())
+        ShowEntryOnDisplay(row);
+}
+
 void EditorTiming::ShowEntryOnDisplay(int row)
 {
     if (size_t(row) < m_lyrics.PlayLyrics.size())

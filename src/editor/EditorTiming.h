@@ -26,6 +26,10 @@ public:
     // nothing was stamped.
     int CaptureLine(int selected);
 
+    // The tap key let go after a held tap on `row`: the syllable lasts until now, less the
+    // same reaction as its start.
+    void HoldEnd(int row);
+
     // The time the spin control shows, in seconds.
     double Correct() const { return m_correct; }
     // The spin control moved by hand or by the timer: the row under correction, else the

@@ -134,6 +134,9 @@ QString WriteLrc(const std::vector<LyricItem>& lyrics, bool enhanced)
         if (enhanced)
             out += u'<' + LrcTime(syllable.Time) + u'>' + syllable.Text;
         lineStart = syllable.LineEnd || i + 1 == lyrics.size();
+        // A line's last syllable closes with its end where a held tap measured it.
+        if (enhanced && lineStart && syllable.Length > 0)
+            out += u'<' + LrcTime(syllable.Time + syllable.Length) + u'>';
         if (lineStart)
             out += QStringLiteral("\r\n");
     }

@@ -183,6 +183,9 @@ QString WriteUltraStar(const std::vector<LyricItem>& lyrics, const QString& audi
         long long until = i + 1 < lyrics.size() ? beatOf(lyrics[i + 1].Time) : start + longestLast;
         if (last)
             until = std::min(until, start + longestLast);
+        // A held tap measured how long the syllable is sung.
+        if (s.Length > 0)
+            until = std::min(until, beatOf(s.Time + s.Length));
         const long long length = std::max(1LL, until - start);
         out += QStringLiteral(": %1 %2 0 %3\r\n").arg(start).arg(length).arg(s.Text.isEmpty() ? QStringLiteral("~") : s.Text);
         if (last && i + 1 < lyrics.size())

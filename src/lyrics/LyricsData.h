@@ -16,6 +16,7 @@ struct LyricItem {
     QString LineText;
     QString Text;
     double Time = 0;  // seconds from the start of the song; 0 means no time is set
+    double Length = 0;  // seconds the syllable is sung, as a held tap measured it; 0 unknown
     bool LineEnd = false;
     // Header fields, element 0 only. Colours are Win32 colour numbers, -1 for "the setting applies".
     QString Picture;

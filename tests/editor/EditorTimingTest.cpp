@@ -119,3 +119,21 @@ TEST_F(Timing, AtHalfSpeedTheReactionIsTheSingersQuarterSecondNotTheSongs)
         EXPECT_DOUBLE_EQ(document.Entry(1).Time, 10.0) << "at " << speed;
     }
 }
+
+TEST_F(Timing, AHeldTapStampsTheStartAndKeepsTheLengthToTheRelease)
+{
+    lyrics.PlayLyrics = lyrics.EditLyrics;
+    song.position = 2.25;
+    EXPECT_EQ(timing.CaptureLine(1), 2);
+    song.position = 2.85;
+    timing.HoldEnd(1);
+    EXPECT_DOUBLE_EQ(document.Entry(1).Time, 2.0);
+    EXPECT_NEAR(document.Entry(1).Length, 0.6, 1e-9);
+    EXPECT_NEAR(lyrics.PlayLyrics[1].Length, 0.6, 1e-9) << "on the karaoke display too";
+
+    timing.HoldEnd(2);
+    EXPECT_EQ(document.Entry(2).Length, 0) << "a row not stamped keeps no length";
+    song.position = 1.0;
+    timing.HoldEnd(1);
+    EXPECT_EQ(document.Entry(1).Length, 0) << "never below nothing";
+}

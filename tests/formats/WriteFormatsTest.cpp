@@ -137,3 +137,23 @@ TEST(WriteFormats, AWriteReplacesTheFileWholeOrFails)
     EXPECT_FALSE(WriteTimedLyricsFile(nowhere, LyricsFormat::Lrc, EditorLyrics(), {}));
     EXPECT_FALSE(QFile::exists(nowhere));
 }
+
+TEST(WriteFormats, HeldTapLengthsEndTheNotesAndTheLinesTheyMeasured)
+{
+    std::vector<LyricItem> lyrics = EditorLyrics();
+    lyrics[2].Length = 0.2;    // "row, " sung 200 ms, then a rest before "row "
+    lyrics[5].Length = 0.5;    // "boat ", the line's last
+    const QString ultraStar = WriteUltraStar(lyrics, QStringLiteral("a.mp3"));
+    // Beats of 2.5 ms from the gap at 12.345 s: "row, " starts at beat 182 and lasts 80.
+    EXPECT_TRUE(ultraStar.contains(": 182 80 0 row, \r\n")) << ultraStar.toStdString();
+    EXPECT_TRUE(ultraStar.contains(": 711 200 0 boat \r\n")) << ultraStar.toStdString();
+    const auto back = ReadUltraStar(ultraStar);
+    ASSERT_TRUE(back);
+    ExpectSameSyllables(back->items, lyrics, "UltraStar with lengths");
+
+    const QString enhanced = WriteLrc(lyrics, true);
+    EXPECT_TRUE(enhanced.contains("<00:14.12>boat <00:14.62>\r\n")) << enhanced.toStdString();
+    const auto lrc = ReadLrc(enhanced);
+    ASSERT_TRUE(lrc);
+    ExpectSameSyllables(lrc->items, lyrics, "enhanced LRC with a line's end");
+}

@@ -564,8 +564,8 @@ TEST_F(EditorWindow, TheMenusStandInTheirPlacesAndTheWindowKeepsItsSize)
     EXPECT_EQ(keys("MenuEdit"), (QStringList{"MenuUndo", "MenuRedo", "-", "MenuCut", "MenuCopy", "MenuPaste",
                                              "MenuDelete", "MenuSelectAll", "MenuRemoveAll"}));
     EXPECT_EQ(keys("MenuKaraoke"), (QStringList{"MenuDetails", "-", "MenuSplitText", "MenuSplitWords", "LyricsLanguage",
-                                                "MenuMergeText", "-", "MenuSnapOnsets", "-", "MenuInsert", "MenuAddNew",
-                                                "-", "MenuClear"}));
+                                                "MenuMergeText", "-", "MenuHeldTaps", "MenuSnapOnsets", "-", "MenuInsert",
+                                                "MenuAddNew", "-", "MenuClear"}));
     EXPECT_EQ(editor->List().model()->headerData(2, Qt::Horizontal).toString(), "Line break");
 
     editor->resize(300, 200);
@@ -819,4 +819,32 @@ TEST_F(EditorWindow, SnapToOnsetsMovesTheSelectedStampsAndOneUndoTakesItBack)
     Key(Qt::Key_Z, Qt::ControlModifier);
     EXPECT_DOUBLE_EQ(editor->Document().Entry(1).Time, first) << "one undo takes the whole snap back";
     EXPECT_DOUBLE_EQ(editor->Document().Entry(2).Time, second);
+}
+
+TEST_F(EditorWindow, HeldTapsMarkEachSyllablesStartAndLengthAsOneStep)
+{
+    transport.OpenFromCommandLine(song);
+    OpenEditor();
+    Split(QStringLiteral("long note"));
+    QAction* held = nullptr;
+    for (QAction* action : editor->Menu(QStringLiteral("MenuKaraoke"))->actions())
+        if (action->data().toString() == u"MenuHeldTaps")
+            held = action;
+    ASSERT_TRUE(held && held->isCheckable());
+    held->trigger();
+
+    Play(1.0);
+    const double pressed = Position();
+    QTest::keyPress(&editor->List(), Qt::Key_Space);
+    Play(0.6);
+    QTest::keyRelease(&editor->List(), Qt::Key_Space);
+    EXPECT_NEAR(editor->Document().Entry(1).Time, pressed - 0.25, 0.011);
+    EXPECT_NEAR(editor->Document().Entry(1).Length, 0.6, 0.021);
+    Key(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(editor->Document().Entry(1).Time, 0) << "the start and the length are one step";
+    EXPECT_EQ(editor->Document().Entry(1).Length, 0);
+
+    held->trigger();
+    Key(Qt::Key_Space);
+    EXPECT_EQ(editor->Document().Entry(1).Length, 0) << "a plain tap measures nothing";
 }

@@ -379,8 +379,8 @@ void Editor::BuildMenus()
          {"MenuUndo", "MenuRedo", nullptr, "MenuCut", "MenuCopy", "MenuPaste", "MenuDelete", "MenuSelectAll",
           "MenuRemoveAll"}},
         {"MenuKaraoke",
-         {"MenuDetails", nullptr, "MenuSplitText", "MenuSplitWords", "MenuMergeText", nullptr, "MenuSnapOnsets", nullptr,
-          "MenuInsert", "MenuAddNew", nullptr, "MenuClear"}},
+         {"MenuDetails", nullptr, "MenuSplitText", "MenuSplitWords", "MenuMergeText", nullptr, "MenuHeldTaps",
+          "MenuSnapOnsets", nullptr, "MenuInsert", "MenuAddNew", nullptr, "MenuClear"}},
         {"MenuHelp", {"MenuTutorial", "MenuSupport", "MenuVersion", nullptr, "MenuAbout"}},
     };
     for (const auto& [name, items] : menus) {
@@ -401,6 +401,7 @@ void Editor::BuildMenus()
     }
     QMenu& file = *m_menus[QStringLiteral("MenuFile")];
     AddExportMenu(file, file.actions().value(file.actions().indexOf(m_actions[QStringLiteral("MenuLyricsImport")]) + 1));
+    m_actions[QStringLiteral("MenuHeldTaps")]->setCheckable(true);
     QMenu& karaoke = *m_menus[QStringLiteral("MenuKaraoke")];
     AddLanguageMenu(karaoke, m_actions[QStringLiteral("MenuMergeText")]);
 }
@@ -539,6 +540,13 @@ bool Editor::eventFilter(QObject* watched, QEvent* event)
         if (const QString command = WindowWideMenuCommand(EditorKey(key)); !command.isEmpty()) {
             if (!key->isAutoRepeat())
                 Command(command);
+            return true;
+        }
+    } else if (event->type() == QEvent::KeyRelease) {
+        auto* key = static_cast<QKeyEvent*>(event);
+        if (IsCaptureKey(key)) {
+            if (!key->isAutoRepeat())
+                CaptureReleased();
             return true;
         }
     }
@@ -758,6 +766,11 @@ bool Editor::ListKeyDown(QKeyEvent* event)
 
 bool Editor::ListKeyUp(QKeyEvent* event)
 {
+    if (const KeyBinding* binding = EditorKey(event); binding && binding->command == KeyCommand::Capture) {
+        if (!event->isAutoRepeat())
+            CaptureReleased();
+        return true;
+    }
     if (!IsCorrectionKey(EditorKey(event)))
         return false;
     if (!event->isAutoRepeat())
@@ -790,7 +803,7 @@ void Editor::FollowSong()
     std::vector<WaveformStrip::Mark> marks;
     const std::vector<int> selected = m_list->SelectedRows();
     for (int row = 1; row <= m_document.Count(); ++row)
-        marks.push_back({m_document.Entry(row).Time, m_document.Entry(row).Text,
+        marks.push_back({m_document.Entry(row).Time, m_document.Entry(row).Length, m_document.Entry(row).Text,
                          std::find(selected.begin(), selected.end(), row) != selected.end()});
     m_wave->SetMarks(std::move(marks));
     const SongSession* session = m_state.Session.get();
@@ -1090,6 +1103,7 @@ void Editor::CaptureLine()
     // The karaoke page shows the tap now rather than at the next tick.
     m_transport.Ticks().PlaybackTick();
     const int stamped = selected == 0 ? 1 : selected;
+    m_heldRow = stamped;
     m_model->RowsChanged(stamped, stamped);
     if (next != stamped) {
         m_list->SelectRow(next);
@@ -1099,6 +1113,24 @@ void Editor::CaptureLine()
             m_list->scrollTo(m_model->index(next, 0));
     }
     ShowCorrect();
+    // A held tap is one step with its length, taken when the key is let go.
+    if (!HeldTaps())
+        Recorded("Capture");
+}
+
+bool Editor::HeldTaps() const
+{
+    const auto it = m_actions.find(QStringLiteral("MenuHeldTaps"));
+    return it != m_actions.end() && it->second->isChecked();
+}
+
+void Editor::CaptureReleased()
+{
+    const int row = std::exchange(m_heldRow, 0);
+    if (!HeldTaps() || row == 0)
+        return;
+    m_timing.HoldEnd(row);
+    m_model->RowsChanged(row, row);
     Recorded("Capture");
 }
 

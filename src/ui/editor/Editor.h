@@ -130,6 +130,9 @@ private:
     // rows' marks and the playhead.
     void FollowSong();
     void LoadWaveform(const QString& song);
+    // Karaoke > Held taps: a press stamps a syllable's start, the release its length.
+    bool HeldTaps() const;
+    void CaptureReleased();
     // Karaoke > Snap to onsets: the selected stamps to the nearest onset within 80 ms.
     void SnapToOnsets();
     // A mark let go on the waveform: its row's stamp, one step of Undo.
@@ -217,6 +220,7 @@ private:
     WaveformStrip* m_wave = nullptr;
     QString m_waveSong;  // whose peaks the waveform shows or awaits
     std::optional<std::vector<double>> m_onsets;  // of m_waveSong, once found
+    int m_heldRow = 0;  // stamped by the tap key that is still down
     QTimer m_actionTimer;
     QString m_actionTag;
     QString m_lyricsLanguage;  // of the syllable split

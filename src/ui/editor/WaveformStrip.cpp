@@ -143,6 +143,9 @@ void WaveformStrip::paintEvent(QPaintEvent*)
         const int x = XOf(mark.seconds);
         painter.setPen(mark.selected ? kSelected : kMark);
         painter.drawLine(x, 0, x, height());
+        if (mark.length > 0)
+            painter.fillRect(QRect(QPoint(x, height() - 10), QPoint(XOf(mark.seconds + mark.length), height() - 8)),
+                             mark.selected ? kSelected : kMark);
         painter.drawText(x + 3, metrics.ascent() + 1, mark.text.trimmed());
     }
     painter.setPen(kPlayhead);

@@ -16,6 +16,7 @@ public:
 
     struct Mark {
         double seconds;  // 0 for a row without a time: not drawn
+        double length;   // as a held tap measured it; 0 unknown
         QString text;
         bool selected;
         bool operator==(const Mark&) const = default;
