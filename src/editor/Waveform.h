@@ -1,7 +1,8 @@
 #pragma once
 // The picture of a song's sound for the timing editor: the lowest and highest sample of every
-// millisecond, computed once from the whole file and kept in a cache file per song, and the rule
-// of a stamp dragged on it.
+// millisecond and the energy of the voice band (about 200 Hz to 3.5 kHz, where singing shows),
+// computed once from the whole file and kept in a cache file per song, and the rule of a stamp
+// dragged on it.
 
 #include <QString>
 #include <cstdint>
@@ -11,10 +12,13 @@
 struct WaveformPeaks {
     static constexpr int kPeaksPerSecond = 1000;
     std::vector<int8_t> low, high;  // per millisecond, full scale at 127
+    std::vector<uint8_t> voice;     // the voice band's level per millisecond, full scale at 255
 
     double Seconds() const { return double(high.size()) / kPeaksPerSecond; }
     // The lowest and highest sample from `from` to `to` seconds, -1 to 1; 0, 0 outside the song.
     std::pair<float, float> Range(double from, double to) const;
+    // The voice band's highest level from `from` to `to` seconds, 0 to 1.
+    float VoiceLevel(double from, double to) const;
 };
 
 // The peaks of a song file's sound, decoded whole; nothing when it cannot be decoded.

@@ -1,5 +1,5 @@
-// The timing editor's waveform: the peaks of a song's sound, their cache file (read back,
-// refused when damaged or foreign), and a dragged stamp held between its neighbours.
+// The timing editor's waveform: the peaks of a song's sound and its voice band, their cache file
+// (read back, refused when damaged or foreign), and a dragged stamp held between its neighbours.
 
 #include "editor/Waveform.h"
 #include "support/TestSupport.h"
@@ -29,6 +29,18 @@ TEST(Waveform, PeaksFollowTheSoundMillisecondByMillisecond)
     EXPECT_EQ(peaks->Range(5, 6), (std::pair<float, float>{0, 0})) << "past the song";
     EXPECT_EQ(peaks->Range(2, 1), (std::pair<float, float>{0, 0}));
 
+    // The voice band: nothing in the silence, the 440 Hz tone loud in it.
+    EXPECT_LT(peaks->VoiceLevel(0.1, 0.9), 0.02);
+    EXPECT_GT(peaks->VoiceLevel(1.1, 1.9), 0.8);
+    EXPECT_GT(peaks->VoiceLevel(1.1, 1.9), peaks->VoiceLevel(2.1, 2.9));
+
+    const QString bass = dir.filePath("bass.wav");
+    ASSERT_TRUE(RunProgram("sox", {"-n", "-r", "44100", "-c", "1", bass, "synth", "1", "sine", "60"}));
+    const auto low = ComputePeaks(bass);
+    ASSERT_TRUE(low);
+    EXPECT_GT(low->Range(0.1, 0.9).second, 0.6);
+    EXPECT_LT(low->VoiceLevel(0.1, 0.9), 0.15) << "a bass note is no voice";
+
     EXPECT_FALSE(ComputePeaks(MediaFixture("not-audio.txt")));
     EXPECT_FALSE(ComputePeaks(dir.filePath("missing.wav")));
 }
@@ -40,6 +52,7 @@ TEST(Waveform, TheCacheGivesTheSamePeaksBackAndRefusesDamagedFiles)
     for (int i = 0; i < 5000; ++i) {
         peaks.low.push_back(int8_t(-(i % 128)));
         peaks.high.push_back(int8_t(i % 128));
+        peaks.voice.push_back(uint8_t(i % 256));
     }
     const QString key = QStringLiteral("12345/abcdef");
     ASSERT_TRUE(KeepPeaks(dir.filePath("cache"), key, peaks));
@@ -47,6 +60,7 @@ TEST(Waveform, TheCacheGivesTheSamePeaksBackAndRefusesDamagedFiles)
     ASSERT_TRUE(back);
     EXPECT_EQ(back->low, peaks.low);
     EXPECT_EQ(back->high, peaks.high);
+    EXPECT_EQ(back->voice, peaks.voice);
     EXPECT_FALSE(CachedPeaks(dir.filePath("cache"), QStringLiteral("other")));
 
     const auto fromCache = PeaksOfSong(dir.filePath("cache"), dir.filePath("moved/elsewhere.mp3"), key);
@@ -56,7 +70,7 @@ TEST(Waveform, TheCacheGivesTheSamePeaksBackAndRefusesDamagedFiles)
     const QString file = dir.filePath("cache/12345_abcdef.peaks");
     const QByteArray whole = ReadFileBytes(file);
     ASSERT_FALSE(whole.isEmpty());
-    for (const QByteArray& damaged : {whole.left(whole.size() - 1), QByteArray("SWPEAKS2") + whole.mid(8), whole.left(8),
+    for (const QByteArray& damaged : {whole.left(whole.size() - 1), QByteArray("SWPEAKS1") + whole.mid(8), whole.left(8),
                                       QByteArray()}) {
         WriteFileBytes(file, damaged);
         EXPECT_FALSE(CachedPeaks(dir.filePath("cache"), key));

@@ -791,6 +791,10 @@ TEST_F(EditorWindow, AStampDraggedOnTheWaveformStaysBetweenItsNeighboursAndUndoe
 
     // A click away from the marks plays the song from there.
     Picture(QStringLiteral("editor-waveform"));
+    const QImage plain = wave->grab().toImage();
+    wave->SetVoiceBand(true);
+    EXPECT_NE(wave->grab().toImage(), plain) << "the voice band shows over the wave";
+    Picture(QStringLiteral("editor-waveform-voice"));
     QTest::mouseClick(wave, Qt::LeftButton, {}, QPoint(wave->XOf(6.0), 40));
     EXPECT_NEAR(Position(), 6.0, 0.05);
 }

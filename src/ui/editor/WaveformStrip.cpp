@@ -1,6 +1,8 @@
 #include "ui/editor/WaveformStrip.h"
 
+#include <QContextMenuEvent>
 #include <QKeyEvent>
+#include <QMenu>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QWheelEvent>
@@ -17,6 +19,7 @@ const QColor kMark(230, 200, 90);
 const QColor kSelected(255, 120, 60);
 const QColor kPlayhead(240, 240, 240);
 const QColor kOnset(140, 220, 140);
+const QColor kVoice(250, 160, 200, 170);
 
 } // namespace
 
@@ -43,6 +46,22 @@ void WaveformStrip::SetMarks(std::vector<Mark> marks)
         return;
     m_marks = std::move(marks);
     update();
+}
+
+void WaveformStrip::SetVoiceBand(bool shown)
+{
+    m_voiceBand = shown;
+    update();
+}
+
+void WaveformStrip::contextMenuEvent(QContextMenuEvent* event)
+{
+    QMenu menu(this);
+    QAction* voice = menu.addAction(tr("Voice band"));
+    voice->setCheckable(true);
+    voice->setChecked(m_voiceBand);
+    if (menu.exec(event->globalPos()) == voice)
+        SetVoiceBand(!m_voiceBand);
 }
 
 void WaveformStrip::SetOnsets(std::vector<double> onsets)
@@ -130,6 +149,15 @@ void WaveformStrip::paintEvent(QPaintEvent*)
         const double from = m_start + x * perColumn;
         const auto [low, high] = m_peaks->Range(from, from + std::max(perColumn, 1.0 / WaveformPeaks::kPeaksPerSecond));
         painter.drawLine(x, half + 2 - int(high * half), x, half + 2 - int(low * half));
+    }
+    if (m_voiceBand) {
+        painter.setPen(kVoice);
+        const int foot = int(height() * ratio);
+        for (int x = 0; x < columns; ++x) {
+            const double from = m_start + x * perColumn;
+            const float level = m_peaks->VoiceLevel(from, from + std::max(perColumn, 1.0 / WaveformPeaks::kPeaksPerSecond));
+            painter.drawLine(x, foot, x, foot - int(level * (foot - 2)));
+        }
     }
     painter.restore();
     painter.setPen(kOnset);

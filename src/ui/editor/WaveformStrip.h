@@ -30,6 +30,10 @@ public:
     // While playing, the view moves on to keep the playhead in it.
     void SetPlayhead(double seconds, bool playing);
 
+    // The voice band's level drawn over the waveform, where singing starts shows best.
+    void SetVoiceBand(bool shown);
+    bool VoiceBand() const { return m_voiceBand; }
+
     void ZoomBy(double factor, double aroundSeconds);
     double VisibleSeconds() const { return m_span; }
     double FirstSecond() const { return m_start; }
@@ -48,6 +52,7 @@ protected:
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
 
 private:
     double SongSeconds() const;
@@ -63,4 +68,5 @@ private:
     double m_span = 10;
     int m_dragged = -1;  // the index into m_marks being dragged
     bool m_moved = false;
+    bool m_voiceBand = false;
 };
