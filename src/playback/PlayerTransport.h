@@ -89,6 +89,8 @@ public:
     // The key, tempo or vocals of the song that plays, moved by a key or a menu; false for a
     // command of another kind. A song whose vocals cannot go says so.
     bool ChangeSound(KeyCommand command);
+    // The zip file a song plays from when `audio` is the copy taken out of it; empty otherwise.
+    QString ZipOfSong(const QString& audio) const;
     // The song plays at `tempo` (0.5, 0.75, 1), its key kept, as the editor's speed buttons ask.
     void PlayAtSpeed(double tempo);
 
@@ -137,6 +139,7 @@ private:
     bool m_opening = false;
     std::optional<TimedLyrics> m_songFileLyrics;  // the words of an UltraStar file being opened
     std::unique_ptr<ZipSong> m_zipSong;            // the pair of the zip song that is open
+    QString m_zipPath;                             // and the zip it came from
     QString m_songFileFault;  // why the zip being opened holds no song to play
     QString m_unavailableKind;  // the message of a session that could play no song of its kind
     bool m_unavailableReported = false;

@@ -31,6 +31,7 @@ QString PlayerTransport::AudioOfSongFile(const QString& path)
     // A disc's graphics file opens the song it draws, a zip the pair it holds.
     if ((IsCdgName(path) || IsZipName(path)) && QFileInfo(path).isFile()) {
         const QString audio = AudioOfKaraokeFile(path, m_zipSong);
+        m_zipPath = m_zipSong ? path : QString();
         if (m_zipSong && m_zipSong->Fault() != ZipSong::Problem::None) {
             m_songFileFault = ZipFaultText(*m_zipSong);
             m_zipSong.reset();
@@ -48,6 +49,11 @@ QString PlayerTransport::AudioOfSongFile(const QString& path)
         return path;
     m_songFileLyrics = std::move(lyrics);
     return audio;
+}
+
+QString PlayerTransport::ZipOfSong(const QString& audio) const
+{
+    return m_zipSong && !audio.isEmpty() && m_zipSong->Audio() == audio ? m_zipPath : QString();
 }
 
 QString PlayerTransport::ZipFaultText(const ZipSong& zip) const
@@ -176,6 +182,9 @@ void PlayerTransport::LoadSongLyrics()
         return;
     }
     if (LoadLyrics(m_state.Lyrics, m_state.CurrentFile, env) || LoadSiblingLyrics(m_state.Lyrics, m_state.CurrentFile, env))
+        return;
+    // A zipped song's lyrics file stands beside the zip, where the editor saves it.
+    if (const QString zip = ZipOfSong(m_state.CurrentFile); !zip.isEmpty() && LoadLyrics(m_state.Lyrics, zip, env))
         return;
     // A song without lyrics of its own shows what the editor is writing for it.
     if (m_state.EditorOpen && m_state.EditorFile == m_state.CurrentFile && m_state.Lyrics.EditLyrics.size() > 1) {

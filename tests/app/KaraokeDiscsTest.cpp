@@ -5,11 +5,15 @@
 #include "playback/MediaSession.h"
 #include "support/PlayerSetup.h"
 #include "support/ProgramWindows.h"
+#include "ui/editor/Editor.h"
+#include "ui/editor/LyricsTable.h"
 #include "ui/karaoke/LyricWindow.h"
 #include "video/VideoStream.h"
 
 #include <QDir>
+#include <QPlainTextEdit>
 #include <QTemporaryDir>
+#include <QTest>
 #include <chrono>
 #include <gtest/gtest.h>
 #include <thread>
@@ -145,4 +149,33 @@ TEST_F(KaraokeDiscs, AVideoSongPlaysItsPictureWithItsWordsOverIt)
     WriteFileBytes(dir.filePath("empty.mp4"), "");
     EXPECT_TRUE(transport.OpenSong(dir.filePath("empty.mp4"), true));
     EXPECT_EQ(dialogs.messages.size(), 1);
+}
+
+TEST_F(KaraokeDiscs, LyricsTimedForAZippedSongGoBesideTheZipAndComeBackWithIt)
+{
+    const QString wav = WriteRampWav(dir.filePath("make.wav"), kRate * 2, kRate);
+    const QString zip = dir.filePath("Disc 4.zip");
+    WriteZip(zip, {{"song.wav", ReadFileBytes(wav)}, {"song.cdg", RedThenBlue(2)}});
+    QFile::remove(wav);
+    const QByteArray zipBytes = ReadFileBytes(zip);
+    ASSERT_TRUE(transport.OpenSong(zip, true));
+    commands.ButtonAction(PlayerButton::Editor);
+    Editor& editor = *windows.EditorWidget();
+    editor.LyricsBox().setPlainText(QStringLiteral("Disc words"));
+    editor.Command(QStringLiteral("MenuSplitWords"));
+    Play(0.5);
+    QTest::keyClick(&editor.List(), Qt::Key_Space);
+
+    dialogs.files = {dir.filePath("Disc 4.lrs")};
+    editor.Command(QStringLiteral("MenuSave"));
+    QTest::qWait(20);  // the save runs once the menu is gone
+    ASSERT_EQ(dialogs.messages.size(), 1);
+    EXPECT_TRUE(dialogs.messages[0].contains("never changes")) << dialogs.messages[0].toStdString();
+    EXPECT_EQ(dialogs.suggestions.value(0), dir.filePath("Disc 4.lrs")) << "offered beside the zip";
+    EXPECT_TRUE(QFileInfo::exists(dir.filePath("Disc 4.lrs")));
+    EXPECT_EQ(ReadFileBytes(zip), zipBytes) << "the zip stays as it was";
+    EXPECT_FALSE(editor.Document().Modified());
+
+    transport.OpenSong(zip, true);
+    EXPECT_EQ(state.Lyrics.PlayLyrics.size(), 3u) << "its words come back with the zip";
 }

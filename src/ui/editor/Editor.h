@@ -160,7 +160,9 @@ private:
     void MenuSave();
     bool SaveIntoSong();
     void MenuSaveAs();
-    bool SaveAsLyricsFile();
+    // A .lrs file of the rows, named in the dialog, which starts at `suggested` (else beside the
+    // song).
+    bool SaveAsLyricsFile(QString suggested = {});
     void ShowSaved(const QString& path);
     // Changed rows are saved, dropped or kept as the user answers; false when the user cancels.
     bool ChangesSettled();

@@ -101,6 +101,12 @@ void Editor::ShowSaved(const QString& path)
 
 bool Editor::SaveIntoSong()
 {
+    // A zipped song plays from a copy that goes when it closes, and the zip is never changed:
+    // its lyrics go into a lyrics file beside the zip.
+    if (const QString zip = m_transport.ZipOfSong(m_state.EditorFile); !zip.isEmpty()) {
+        m_dialogs.Inform(Text("ZipSongLyrics"));
+        return SaveAsLyricsFile(LyricsPathOf(zip));
+    }
     SaveMP3Host host;
     host.MediaOpen = m_state.Session && !m_state.IsMidi;
     host.MidiActive = m_state.IsMidi;
@@ -134,9 +140,10 @@ void Editor::MenuSaveAs()
     SaveAsLyricsFile();
 }
 
-bool Editor::SaveAsLyricsFile()
+bool Editor::SaveAsLyricsFile(QString suggested)
 {
-    const QString suggested = m_state.EditorFile.isEmpty() ? QString() : LyricsPathOf(m_state.EditorFile);
+    if (suggested.isEmpty() && !m_state.EditorFile.isEmpty())
+        suggested = LyricsPathOf(m_state.EditorFile);
     const QString chosen = m_dialogs.SaveFileName(kTitlePrefix + Text("DialogSaveLyrics"), suggested,
                                                   DialogFilter(m_state.Language.GetRawText(QStringLiteral("FilterOpenLyrics")), QStringLiteral("*.lrs")));
     if (chosen.isEmpty())
