@@ -279,19 +279,22 @@ bool VideoStream::Advance(double seconds)
 
 bool VideoStream::SettleAt(double seconds, int timeoutMs)
 {
+    // Polled rather than waited for on the condition: a renderer's pace, and a timed wait that
+    // ThreadSanitizer cannot follow.
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMs);
     while (true) {
         Advance(seconds);
-        std::unique_lock lock(m_mutex);
-        const auto known = [&] {
-            return m_failed || (m_seekTo < 0 && ((!m_queue.empty() && m_queue.front().seconds > seconds + 1e-3) ||
-                                                  (m_queue.empty() && m_endOfStream)));
-        };
-        if (known())
-            return !m_failed;
-        const auto due = [&] { return known() || (!m_queue.empty() && m_queue.front().seconds <= seconds + 1e-3); };
-        if (!m_wake.wait_until(lock, deadline, due))
+        {
+            std::lock_guard lock(m_mutex);
+            if (m_failed)
+                return false;
+            const bool later = !m_queue.empty() && m_queue.front().seconds > seconds + 1e-3;
+            if (m_seekTo < 0 && (later || (m_queue.empty() && m_endOfStream)))
+                return true;
+        }
+        if (std::chrono::steady_clock::now() >= deadline)
             return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
 }
 
