@@ -254,7 +254,7 @@ bool VideoStream::Advance(double seconds)
     std::lock_guard lock(m_mutex);
     if (m_failed || !std::isfinite(seconds))
         return false;
-    m_wanted = seconds;
+    m_wanted.store(seconds, std::memory_order_relaxed);
     const bool jumpedBack = m_currentSeconds >= 0 && seconds < m_currentSeconds - kJumpBack && m_seekTo < 0;
     const bool jumpedAhead = m_newestQueued >= 0 && seconds > m_newestQueued + kJumpAhead && !m_endOfStream;
     if (jumpedBack || jumpedAhead) {
@@ -317,7 +317,7 @@ bool VideoStream::DecodeOne(Decoded& out)
             if (m_stop || m_seekTo >= 0)
                 return false;
             // A frame whose successor is already due is never shown: it is not scaled either.
-            if (seconds + d.frameSeconds <= m_wanted) {
+            if (seconds + d.frameSeconds <= m_wanted.load(std::memory_order_relaxed)) {
                 ++m_dropped;
                 continue;
             }

@@ -7,6 +7,7 @@
 #include <QImage>
 #include <QSize>
 #include <QString>
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <deque>
@@ -82,7 +83,7 @@ private:
     std::condition_variable m_wake;
     std::deque<Decoded> m_queue;
     QSize m_target;
-    double m_wanted = 0;          // the last song second asked for
+    std::atomic<double> m_wanted = 0;  // the last song second asked for; a hint to the decoder
     double m_seekTo = -1;         // a seek waiting for the thread; -1 none
     double m_newestQueued = -1;   // of the last frame queued since the last seek
     bool m_endOfStream = false;
