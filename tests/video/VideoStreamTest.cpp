@@ -31,6 +31,12 @@ int DifferentPixels(const QImage& a, const QImage& b)
     return different;
 }
 
+// On the heap, as the player holds it.
+std::unique_ptr<VideoStream> Opened(const QString& path)
+{
+    return std::make_unique<VideoStream>(path);
+}
+
 class VideoStreamTest : public testing::Test {
 protected:
     static void SetUpTestSuite()
@@ -60,61 +66,67 @@ QString VideoStreamTest::video;
 
 TEST_F(VideoStreamTest, TheFrameOfASecondIsTheOneFfmpegExtracts)
 {
-    VideoStream stream(video);
-    ASSERT_FALSE(stream.Failed());
-    EXPECT_EQ(stream.Facts().codec, "h264");
-    EXPECT_EQ(stream.Facts().size, QSize(320, 240));
-    EXPECT_DOUBLE_EQ(stream.Facts().framesPerSecond, 25);
-    EXPECT_EQ(stream.Facts().Text(), "h264 320x240 25 fps");
+    // ffmpeg's frames first, then the stream's.
+    const std::vector<double> seconds{0.0, 0.52, 1.0, 2.36, 3.2};
+    std::vector<QImage> references, nextFrames;
+    for (double second : seconds) {
+        references.push_back(FfmpegFrame(second));
+        nextFrames.push_back(FfmpegFrame(second + 0.04));
+        ASSERT_FALSE(references.back().isNull());
+    }
 
-    for (double second : {0.0, 0.52, 1.0, 2.36, 3.2}) {
-        ASSERT_TRUE(stream.SettleAt(second)) << second;
-        const QImage reference = FfmpegFrame(second);
-        ASSERT_FALSE(reference.isNull());
-        EXPECT_LT(DifferentPixels(stream.Current(), reference), 20) << "at " << second;
-        EXPECT_GT(DifferentPixels(stream.Current(), FfmpegFrame(second + 0.04)), 200)
-            << "the comparison tells the next frame apart at " << second;
-        EXPECT_NEAR(stream.CurrentSeconds(), second, 0.041);
+    const auto stream = Opened(video);
+    ASSERT_FALSE(stream->Failed());
+    EXPECT_EQ(stream->Facts().codec, "h264");
+    EXPECT_EQ(stream->Facts().size, QSize(320, 240));
+    EXPECT_DOUBLE_EQ(stream->Facts().framesPerSecond, 25);
+    EXPECT_EQ(stream->Facts().Text(), "h264 320x240 25 fps");
+    for (size_t i = 0; i < seconds.size(); ++i) {
+        ASSERT_TRUE(stream->SettleAt(seconds[i])) << seconds[i];
+        EXPECT_LT(DifferentPixels(stream->Current(), references[i]), 20) << "at " << seconds[i];
+        EXPECT_GT(DifferentPixels(stream->Current(), nextFrames[i]), 200)
+            << "the comparison tells the next frame apart at " << seconds[i];
+        EXPECT_NEAR(stream->CurrentSeconds(), seconds[i], 0.041);
     }
 }
 
 TEST_F(VideoStreamTest, AJumpBackOrAheadLandsOnTheSameFrameAsPlayingThere)
 {
-    VideoStream played(video);
+    const auto played = Opened(video);
     for (double t = 0; t <= 2.81; t += 0.01)
-        played.Advance(t);
-    ASSERT_TRUE(played.SettleAt(2.8));
-    const QImage there = played.Current();
+        played->Advance(t);
+    ASSERT_TRUE(played->SettleAt(2.8));
+    const QImage there = played->Current();
 
-    VideoStream jumped(video);
-    ASSERT_TRUE(jumped.SettleAt(0.3));
-    ASSERT_TRUE(jumped.SettleAt(3.6)) << "ahead";
-    ASSERT_TRUE(jumped.SettleAt(0.1)) << "back";
-    EXPECT_NEAR(jumped.CurrentSeconds(), 0.08, 0.001);
-    ASSERT_TRUE(jumped.SettleAt(2.8));
-    EXPECT_EQ(jumped.Current(), there);
-    EXPECT_DOUBLE_EQ(jumped.CurrentSeconds(), played.CurrentSeconds());
+    const auto jumped = Opened(video);
+    ASSERT_TRUE(jumped->SettleAt(0.3));
+    ASSERT_TRUE(jumped->SettleAt(3.6)) << "ahead";
+    ASSERT_TRUE(jumped->SettleAt(0.1)) << "back";
+    EXPECT_NEAR(jumped->CurrentSeconds(), 0.08, 0.001);
+    ASSERT_TRUE(jumped->SettleAt(2.8));
+    EXPECT_EQ(jumped->Current(), there);
+    EXPECT_DOUBLE_EQ(jumped->CurrentSeconds(), played->CurrentSeconds());
 }
 
 TEST_F(VideoStreamTest, ALateClockDropsTheFramesItPassedAndShowsTheDueOne)
 {
-    VideoStream stream(video);
-    ASSERT_TRUE(stream.SettleAt(0));
+    const auto stream = Opened(video);
+    ASSERT_TRUE(stream->SettleAt(0));
     // The interface thread stalled for a second and a half.
-    ASSERT_TRUE(stream.SettleAt(1.5));
-    EXPECT_NEAR(stream.CurrentSeconds(), 1.48, 0.001);
-    EXPECT_GE(stream.DroppedFrames(), 30) << "the frames between were never shown";
+    ASSERT_TRUE(stream->SettleAt(1.5));
+    EXPECT_NEAR(stream->CurrentSeconds(), 1.48, 0.001);
+    EXPECT_GE(stream->DroppedFrames(), 30) << "the frames between were never shown";
 }
 
 TEST_F(VideoStreamTest, FramesAreScaledOnceToTheWindowWithTheirShape)
 {
-    VideoStream stream(video);
-    stream.SetTargetSize(QSize(1920, 1200));
-    ASSERT_TRUE(stream.SettleAt(1));
-    EXPECT_EQ(stream.Current().size(), QSize(1600, 1200));
-    stream.SetTargetSize(QSize(100, 100));
-    ASSERT_TRUE(stream.SettleAt(2));
-    EXPECT_EQ(stream.Current().size(), QSize(100, 75));
+    const auto stream = Opened(video);
+    stream->SetTargetSize(QSize(1920, 1200));
+    ASSERT_TRUE(stream->SettleAt(1));
+    EXPECT_EQ(stream->Current().size(), QSize(1600, 1200));
+    stream->SetTargetSize(QSize(100, 100));
+    ASSERT_TRUE(stream->SettleAt(2));
+    EXPECT_EQ(stream->Current().size(), QSize(100, 75));
 }
 
 TEST_F(VideoStreamTest, ACoverPictureOrAnAudioFileIsNoVideo)
@@ -125,7 +137,7 @@ TEST_F(VideoStreamTest, ACoverPictureOrAnAudioFileIsNoVideo)
     ASSERT_TRUE(RunProgram("ffmpeg", {"-v", "error", "-y", "-f", "lavfi", "-i", "sine=duration=1", "-i", cover, "-map",
                                       "0", "-map", "1", "-c:v", "png", "-disposition:v", "attached_pic", song}));
     EXPECT_FALSE(ProbeVideo(song).Valid());
-    EXPECT_TRUE(VideoStream(song).Failed());
+    EXPECT_TRUE(Opened(song)->Failed());
     EXPECT_FALSE(ProbeVideo(MediaFixture("plain.mp3")).Valid());
     EXPECT_FALSE(ProbeVideo(folder->filePath("missing.mp4")).Valid());
     EXPECT_TRUE(IsVideoName("/songs/A.MKV"));
@@ -143,18 +155,18 @@ TEST_F(VideoStreamTest, ADamagedOrCutVideoEndsInAPictureOrNoneNeverAHang)
     WriteFileBytes(folder->filePath("head.mp4"), whole.left(300));
 
     for (const char* name : {"damaged.mp4", "cut.mp4", "head.mp4"}) {
-        VideoStream stream(folder->filePath(name));
+        const auto stream = Opened(folder->filePath(name));
         for (double second : {0.2, 1.9, 3.5, 0.0}) {
             // Settled or not, each answer comes within its time.
-            stream.SettleAt(second, 3000);
-            if (!stream.Current().isNull()) {
-                EXPECT_FALSE(stream.Current().size().isEmpty());
+            stream->SettleAt(second, 3000);
+            if (!stream->Current().isNull()) {
+                EXPECT_FALSE(stream->Current().size().isEmpty());
             }
         }
     }
-    VideoStream cut(folder->filePath("cut.mp4"));
-    ASSERT_TRUE(cut.SettleAt(0.4));
-    VideoStream good(video);
-    ASSERT_TRUE(good.SettleAt(0.4));
-    EXPECT_EQ(cut.Current(), good.Current()) << "what is there plays as it was";
+    const auto cut = Opened(folder->filePath("cut.mp4"));
+    ASSERT_TRUE(cut->SettleAt(0.4));
+    const auto good = Opened(video);
+    ASSERT_TRUE(good->SettleAt(0.4));
+    EXPECT_EQ(cut->Current(), good->Current()) << "what is there plays as it was";
 }
