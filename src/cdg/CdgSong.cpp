@@ -109,6 +109,7 @@ QString AudioOfKaraokeFile(const QString& path, std::unique_ptr<ZipSong>& zip)
 std::unique_ptr<ZipSong> ZipSong::Open(const QString& zipPath)
 {
     auto song = std::make_unique<ZipSong>();
+    song->m_source = zipPath;
     int error = 0;
     const ZipHandle archive(zip_open(QFile::encodeName(zipPath).constData(), ZIP_RDONLY, &error));
     if (!archive || !song->m_folder.isValid()) {

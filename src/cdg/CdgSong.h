@@ -36,6 +36,8 @@ public:
     static std::unique_ptr<ZipSong> Open(const QString& zipPath);
 
     Problem Fault() const { return m_fault; }
+    // The zip file the pair came from.
+    QString Source() const { return m_source; }
     // The audio and the graphics taken out; empty unless Fault() is None.
     QString Audio() const { return m_audio; }
     QString Graphics() const { return m_graphics; }
@@ -48,5 +50,5 @@ public:
 private:
     Problem m_fault = Problem::None;
     QTemporaryDir m_folder;
-    QString m_audio, m_graphics, m_broken;
+    QString m_source, m_audio, m_graphics, m_broken;
 };

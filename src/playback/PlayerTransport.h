@@ -139,7 +139,6 @@ private:
     bool m_opening = false;
     std::optional<TimedLyrics> m_songFileLyrics;  // the words of an UltraStar file being opened
     std::unique_ptr<ZipSong> m_zipSong;            // the pair of the zip song that is open
-    QString m_zipPath;                             // and the zip it came from
     QString m_songFileFault;  // why the zip being opened holds no song to play
     QString m_unavailableKind;  // the message of a session that could play no song of its kind
     bool m_unavailableReported = false;

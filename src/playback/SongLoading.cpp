@@ -31,7 +31,6 @@ QString PlayerTransport::AudioOfSongFile(const QString& path)
     // A disc's graphics file opens the song it draws, a zip the pair it holds.
     if ((IsCdgName(path) || IsZipName(path)) && QFileInfo(path).isFile()) {
         const QString audio = AudioOfKaraokeFile(path, m_zipSong);
-        m_zipPath = m_zipSong ? path : QString();
         if (m_zipSong && m_zipSong->Fault() != ZipSong::Problem::None) {
             m_songFileFault = ZipFaultText(*m_zipSong);
             m_zipSong.reset();
@@ -53,7 +52,7 @@ QString PlayerTransport::AudioOfSongFile(const QString& path)
 
 QString PlayerTransport::ZipOfSong(const QString& audio) const
 {
-    return m_zipSong && !audio.isEmpty() && m_zipSong->Audio() == audio ? m_zipPath : QString();
+    return m_zipSong && !audio.isEmpty() && m_zipSong->Audio() == audio ? m_zipSong->Source() : QString();
 }
 
 QString PlayerTransport::ZipFaultText(const ZipSong& zip) const

@@ -123,7 +123,9 @@ struct VideoStream::Decoder {
     bool draining = false;
     int badPackets = 0;
 
-    bool Open(const QString& path)
+    // Opens the file's moving picture; `facts` are set as soon as there is one, even if it
+    // cannot be decoded.
+    bool Open(const QString& path, VideoFacts& facts)
     {
         std::string error;
         format = OpenMediaFile(QFile::encodeName(path).toStdString(), error);
@@ -132,6 +134,7 @@ struct VideoStream::Decoder {
         stream = MovingVideoStream(*format);
         if (stream < 0)
             return false;
+        facts = FactsOf(*format, stream);
         const AVStream& s = *format->streams[stream];
         const AVCodec* decoder = avcodec_find_decoder(s.codecpar->codec_id);
         if (!decoder)
@@ -202,9 +205,9 @@ struct VideoStream::Decoder {
     }
 };
 
-VideoStream::VideoStream(const QString& path) : m_facts(ProbeVideo(path)), m_decoder(std::make_unique<Decoder>())
+VideoStream::VideoStream(const QString& path) : m_decoder(std::make_unique<Decoder>())
 {
-    if (!m_facts.Valid() || !m_decoder->Open(path)) {
+    if (!m_decoder->Open(path, m_facts)) {
         m_failed = true;
         return;
     }
