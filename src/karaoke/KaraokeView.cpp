@@ -504,10 +504,8 @@ void KaraokeView::Paint(QPainter& painter, const QRect& area) const
         // The frame was scaled to the window already; drawn again only while the window's new
         // size has not reached the decoder.
         if (const QImage& picture = m_lyrics.Video->Current(); !picture.isNull()) {
-            const QSizeF shown = QSizeF(picture.size()).scaled(QSizeF(m_size), Qt::KeepAspectRatio);
-            const QPointF corner((m_size.width() - shown.width()) / 2, (m_size.height() - shown.height()) / 2);
             painter.setRenderHint(QPainter::SmoothPixmapTransform);
-            painter.drawImage(QRectF(corner, shown), picture);
+            painter.drawImage(FittedInMiddle(picture.size(), m_size), picture);
         }
     }
     painter.drawImage(QRectF(area), m_frame, source);
@@ -534,10 +532,8 @@ void KaraokeView::DrawGraphics(double position)
     const bool whole = m_shownGraphics.isNull();
     m_shownGraphics = std::move(shown);
     // The screen's place in the frame, in device pixels, its shape kept.
-    const QSizeF device = m_frame.size();
-    const QSizeF fitted = QSizeF(m_shownGraphics.size()).scaled(device, Qt::KeepAspectRatio);
-    const QRectF place(QPointF((device.width() - fitted.width()) / 2, (device.height() - fitted.height()) / 2), fitted);
-    const double scale = fitted.width() / m_shownGraphics.width();
+    const QRectF place = FittedInMiddle(m_shownGraphics.size(), m_frame.size());
+    const double scale = place.width() / m_shownGraphics.width();
     // Only what changed is drawn again: the whole screen drawn through a clip is the same there
     // as drawn whole, without a seam where the scale is not whole.
     const QRect clip = whole ? QRect(QPoint(0, 0), m_frame.size())

@@ -53,6 +53,12 @@ QRect PictureRect(const LyricItem& header, QSize picture, QSize client)
     return QRect(QPoint(x + header.ImageOffsetX, y + header.ImageOffsetY), size);
 }
 
+QRectF FittedInMiddle(QSizeF picture, QSizeF box)
+{
+    const QSizeF fitted = picture.scaled(box, Qt::KeepAspectRatio);
+    return {QPointF((box.width() - fitted.width()) / 2, (box.height() - fitted.height()) / 2), fitted};
+}
+
 const QStringList& BorderStyles()
 {
     static const QStringList styles = {QStringLiteral("Flat"), QStringLiteral("Ring"), QStringLiteral("Sunken"),
