@@ -57,6 +57,9 @@ int PrintPlaylist(const QStringList& args);
 // swtool print LYRICS [--html OUT.htm] [--pdf OUT.pdf]: the printed page with the saved settings.
 int PrintPages(const QStringList& args);
 
+// swtool library scan DIR... | search QUERY [--limit N] | stats, each [--db PATH]
+int LibraryCommand(const QStringList& args);
+
 // The message on the error stream; exit code 1.
 int Fail(const QString& message);
 

@@ -56,7 +56,16 @@ const char* const kUsage =
     "  print LYRICS [--html OUT.htm] [--pdf OUT.pdf]\n"
     "                        the editor's printed page of a song's (or a .lrs file's) lyrics with\n"
     "                        the saved print settings: the HTML (to standard output without\n"
-    "                        --html) and A4 pages as PDF; prints the PDF and its page count\n";
+    "                        --html) and A4 pages as PDF; prints the PDF and its page count\n"
+    "  library scan DIR... [--db PATH]\n"
+    "                        the songs of the folders into the song library (the user's, or PATH):\n"
+    "                        new and changed files read, vanished ones forgotten; prints the counts\n"
+    "                        and the seconds taken\n"
+    "  library search QUERY [--db PATH] [--limit N]\n"
+    "                        the songs the library window finds as QUERY is typed:\n"
+    "                        kind<TAB>title<TAB>artist<TAB>path, then the time taken\n"
+    "  library stats [--db PATH]\n"
+    "                        the songs by kind, with lyrics, unreadable (and why), hours, plays\n";
 
 int Usage()
 {
@@ -156,6 +165,10 @@ int main(int argc, char* argv[])
     }
     if (command == QLatin1String("play")) {
         const int result = PlaySongToWav(args);
+        return result == 2 ? Usage() : result;
+    }
+    if (command == QLatin1String("library")) {
+        const int result = LibraryCommand(args);
         return result == 2 ? Usage() : result;
     }
     if (command == QLatin1String("probe")) {

@@ -1,0 +1,247 @@
+#include "library/SingerQueue.h"
+
+#include "library/LibraryDatabase.h"
+#include "library/LibrarySongs.h"
+
+#include <QSqlQuery>
+#include <QVariant>
+#include <algorithm>
+
+namespace {
+
+QSqlQuery Prepared(QSqlDatabase& db, const QString& statement)
+{
+    QSqlQuery query(db);
+    query.prepare(statement);
+    return query;
+}
+
+bool Exec(QSqlDatabase& db, const QString& statement, const QVariantList& values)
+{
+    QSqlQuery query = Prepared(db, statement);
+    for (const QVariant& value : values)
+        query.addBindValue(value);
+    return query.exec();
+}
+
+QueuedSong SongOfRow(const QSqlQuery& query)
+{
+    return QueuedSong{query.value(0).toLongLong(), query.value(1).toLongLong(), query.value(2).toByteArray(),
+                      query.value(3).toString(), query.value(4).toString(), query.value(5).toInt()};
+}
+
+const QString kSongColumns = QStringLiteral("id, singer_id, path, title, artist, semitones");
+
+bool Waits(const Singer& singer, const std::vector<qint64>& withSongs)
+{
+    return !singer.paused && std::find(withSongs.begin(), withSongs.end(), singer.id) != withSongs.end();
+}
+
+} // namespace
+
+std::vector<Singer> SingerQueue::Singers() const
+{
+    std::vector<Singer> singers;
+    QSqlQuery query(m_database.Db());
+    if (query.exec(QStringLiteral("SELECT id, name, turns, place, paused FROM singers ORDER BY place"))) {
+        while (query.next())
+            singers.push_back({query.value(0).toLongLong(), query.value(1).toString(), query.value(2).toInt(),
+                               query.value(3).toInt(), query.value(4).toBool()});
+    }
+    return singers;
+}
+
+std::vector<QueuedSong> SingerQueue::SongsOf(qint64 singerId) const
+{
+    std::vector<QueuedSong> songs;
+    QSqlQuery query =
+        Prepared(m_database.Db(), QStringLiteral("SELECT %1 FROM queue WHERE singer_id = ? ORDER BY place").arg(kSongColumns));
+    query.addBindValue(singerId);
+    if (query.exec()) {
+        while (query.next())
+            songs.push_back(SongOfRow(query));
+    }
+    return songs;
+}
+
+int SingerQueue::CurrentRound() const
+{
+    std::vector<qint64> withSongs;
+    QSqlQuery query(m_database.Db());
+    if (query.exec(QStringLiteral("SELECT DISTINCT singer_id FROM queue"))) {
+        while (query.next())
+            withSongs.push_back(query.value(0).toLongLong());
+    }
+    std::optional<int> waiting;
+    int most = 0;
+    for (const Singer& singer : Singers()) {
+        most = std::max(most, singer.turns);
+        if (Waits(singer, withSongs))
+            waiting = std::min(waiting.value_or(singer.turns), singer.turns);
+    }
+    return waiting.value_or(most);
+}
+
+std::optional<qint64> SingerQueue::AddSinger(const QString& name)
+{
+    const QString trimmed = name.simplified();
+    if (trimmed.isEmpty())
+        return std::nullopt;
+    std::optional<qint64> id;
+    const int round = CurrentRound();
+    m_database.Write([&] {
+        QSqlDatabase& db = m_database.Db();
+        QSqlQuery add = Prepared(db, QStringLiteral("INSERT INTO singers(name, turns, place) "
+                                                    "VALUES(?, ?, (SELECT coalesce(max(place), 0) + 1 FROM singers))"));
+        add.addBindValue(trimmed);
+        add.addBindValue(round);
+        if (!add.exec())
+            return false;
+        id = add.lastInsertId().toLongLong();
+        return true;
+    });
+    return id;
+}
+
+bool SingerQueue::RemoveSinger(qint64 singerId)
+{
+    return m_database.Write(
+        [&] { return Exec(m_database.Db(), QStringLiteral("DELETE FROM singers WHERE id = ?"), {singerId}); });
+}
+
+bool SingerQueue::SetPaused(qint64 singerId, bool paused)
+{
+    return m_database.Write([&] {
+        return Exec(m_database.Db(), QStringLiteral("UPDATE singers SET paused = ? WHERE id = ?"),
+                    {paused ? 1 : 0, singerId});
+    });
+}
+
+std::optional<qint64> SingerQueue::Enqueue(qint64 singerId, const QByteArray& path, const QString& title,
+                                           const QString& artist)
+{
+    std::optional<qint64> id;
+    m_database.Write([&] {
+        QSqlQuery add = Prepared(m_database.Db(), QStringLiteral(R"(
+INSERT INTO queue(singer_id, path, title, artist, place, semitones)
+VALUES(:singer, :path, :title, :artist,
+       (SELECT coalesce(max(place), 0) + 1 FROM queue WHERE singer_id = :singer),
+       coalesce((SELECT k.semitones FROM singer_keys k JOIN singers s ON s.name = k.singer
+                 WHERE s.id = :singer AND k.path = :path), 0)))"));
+        add.bindValue(QStringLiteral(":singer"), singerId);
+        add.bindValue(QStringLiteral(":path"), path);
+        add.bindValue(QStringLiteral(":title"), SqlText(title));
+        add.bindValue(QStringLiteral(":artist"), SqlText(artist));
+        if (!add.exec())
+            return false;
+        id = add.lastInsertId().toLongLong();
+        return true;
+    });
+    return id;
+}
+
+bool SingerQueue::Move(qint64 songId, int steps)
+{
+    return m_database.Write([&] {
+        QSqlDatabase& db = m_database.Db();
+        QSqlQuery owner = Prepared(db, QStringLiteral("SELECT singer_id FROM queue WHERE id = ?"));
+        owner.addBindValue(songId);
+        if (!owner.exec() || !owner.next())
+            return false;
+        std::vector<QueuedSong> songs = SongsOf(owner.value(0).toLongLong());
+        const auto at = std::find_if(songs.begin(), songs.end(), [&](const QueuedSong& s) { return s.id == songId; });
+        const int from = int(at - songs.begin());
+        const int to = std::clamp(from + steps, 0, int(songs.size()) - 1);
+        const QueuedSong moved = songs[from];
+        songs.erase(songs.begin() + from);
+        songs.insert(songs.begin() + to, moved);
+        for (size_t i = 0; i < songs.size(); ++i) {
+            if (!Exec(db, QStringLiteral("UPDATE queue SET place = ? WHERE id = ?"), {double(i + 1), songs[i].id}))
+                return false;
+        }
+        return true;
+    });
+}
+
+bool SingerQueue::Remove(qint64 songId)
+{
+    std::optional<QueuedSong> removed;
+    double place = 0;
+    const bool done = m_database.Write([&] {
+        QSqlDatabase& db = m_database.Db();
+        QSqlQuery song = Prepared(db, QStringLiteral("SELECT %1, place FROM queue WHERE id = ?").arg(kSongColumns));
+        song.addBindValue(songId);
+        if (!song.exec() || !song.next())
+            return false;
+        removed = SongOfRow(song);
+        place = song.value(6).toDouble();
+        return Exec(db, QStringLiteral("DELETE FROM queue WHERE id = ?"), {songId});
+    });
+    if (done) {
+        m_removed = removed;
+        m_removedPlace = place;
+    }
+    return done;
+}
+
+bool SingerQueue::UndoRemove()
+{
+    if (!m_removed)
+        return false;
+    const QueuedSong& song = *m_removed;
+    const bool done = m_database.Write([&] {
+        // A singer who left meanwhile takes no song back.
+        QSqlQuery add = Prepared(m_database.Db(),
+                                 QStringLiteral("INSERT INTO queue(id, singer_id, path, title, artist, place, semitones) "
+                                                "SELECT ?, ?, ?, ?, ?, ?, ? WHERE EXISTS (SELECT 1 FROM singers WHERE id = ?)"));
+        for (const QVariant& value : {QVariant(song.id), QVariant(song.singerId), QVariant(song.path),
+                                      SqlText(song.title), SqlText(song.artist), QVariant(m_removedPlace),
+                                      QVariant(song.semitones), QVariant(song.singerId)})
+            add.addBindValue(value);
+        return add.exec() && add.numRowsAffected() == 1;
+    });
+    if (done)
+        m_removed.reset();
+    return done;
+}
+
+std::optional<Turn> SingerQueue::Next() const
+{
+    std::optional<Turn> next;
+    for (const Singer& singer : Singers()) {
+        if (singer.paused || (next && singer.turns >= next->singer.turns))
+            continue;
+        const std::vector<QueuedSong> songs = SongsOf(singer.id);
+        if (!songs.empty())
+            next = Turn{singer, songs.front()};
+    }
+    return next;
+}
+
+std::optional<Turn> SingerQueue::TakeNext(qint64 when)
+{
+    const std::optional<Turn> next = Next();
+    if (!next)
+        return std::nullopt;
+    const bool done = m_database.Write([&] {
+        QSqlDatabase& db = m_database.Db();
+        const int turns = next->singer.turns + 1;
+        // Singers passed over keep up with the round.
+        return Exec(db, QStringLiteral("DELETE FROM queue WHERE id = ?"), {next->song.id}) &&
+               Exec(db, QStringLiteral("UPDATE singers SET turns = ? WHERE id = ?"), {turns, next->singer.id}) &&
+               Exec(db, QStringLiteral("UPDATE singers SET turns = ? WHERE turns < ? AND (paused <> 0 OR "
+                                       "id NOT IN (SELECT singer_id FROM queue))"),
+                    {next->singer.turns, next->singer.turns}) &&
+               RecordPlay(db, next->song.path, next->song.title, next->song.artist, next->singer.name, when);
+    });
+    return done ? next : std::nullopt;
+}
+
+bool SingerQueue::KeepKey(const QString& singer, const QByteArray& path, int semitones)
+{
+    return m_database.Write([&] {
+        return Exec(m_database.Db(),
+                    QStringLiteral("INSERT OR REPLACE INTO singer_keys(singer, path, semitones) VALUES(?, ?, ?)"),
+                    {singer, path, semitones});
+    });
+}
