@@ -40,6 +40,8 @@ public:
     void ShowFileInfo(const QString&, const QString&) override {}
     void ShowPreferences(int) override {}
     void ShowAbout() override {}
+    void ShowLibrary() override {}
+    void ShowSingers() override {}
     void ShowTutorial() override {}
     PlaylistForm* list = nullptr;
 

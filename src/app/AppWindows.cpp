@@ -17,7 +17,33 @@
 #include "ui/player/PlayerWindow.h"
 #include "ui/playlist/UserList.h"
 
+#include "library/KaraokeEvening.h"
+#include "library/LibraryPaths.h"
+#include "library/LibraryScanner.h"
+#include "library/SingerQueue.h"
+#include "ui/library/LibraryWindow.h"
+#include "ui/library/SingersWindow.h"
+
+#include <QDir>
 #include <QMessageBox>
+#include <QTimer>
+
+namespace {
+
+// How long after start-up the music folders are looked over again.
+constexpr int kStartScanDelayMs = 3000;
+
+std::vector<QByteArray> MusicFoldersOf(const ThemeClass& theme)
+{
+    std::vector<QByteArray> folders;
+    for (const QString& folder : theme.LibraryFolders.split(u'\n', Qt::SkipEmptyParts)) {
+        if (!folder.trimmed().isEmpty())
+            folders.push_back(RawPath(QDir(folder.trimmed()).absolutePath()));
+    }
+    return folders;
+}
+
+} // namespace
 
 AppWindows::AppWindows(AppState& state, SettingsStore& store, Dialogs& dialogs)
     : m_state(state), m_store(store), m_dialogs(dialogs)
@@ -181,6 +207,7 @@ void AppWindows::ShowPreferences(int tab)
         m_options->Applied = [this] {
             if (m_lyric)
                 m_lyric->ApplySettings();
+            ScanChangedMusicFolders();
         };
     }
     m_options->ShowTab(tab);
@@ -199,4 +226,72 @@ void AppWindows::ShowAbout()
 void AppWindows::ShowTutorial()
 {
     m_dialogs.Browse(TutorialAddress(m_store, m_state.Language.IsPolish));
+}
+
+void AppWindows::StartLibrary()
+{
+    if (m_scanner || !m_state.Library || !m_state.Library->IsOpen() || !m_transport)
+        return;
+    m_scanner = std::make_unique<LibraryScanner>(m_state.Library->Path(), m_state.Language.IsPolish, m_links.path());
+    m_queue = std::make_unique<SingerQueue>(*m_state.Library);
+    m_evening = std::make_unique<KaraokeEvening>(*m_queue, m_state, *m_transport, *this, m_links.path());
+    m_transport->Ticks().SongEnded = [this] { return m_evening->SongEnded(); };
+    QTimer::singleShot(kStartScanDelayMs, m_scanner.get(), [this] { ScanChangedMusicFolders(); });
+}
+
+void AppWindows::ShowLibrary()
+{
+    StartLibrary();
+    if (!m_scanner) {
+        m_dialogs.Inform(m_state.Language.GetText(QStringLiteral("LibraryClosed")));
+        return;
+    }
+    if (!m_libraryWindow) {
+        m_libraryWindow = std::make_unique<LibraryWindow>(m_state, *m_state.Library, *m_scanner, *m_queue, m_docking);
+        m_libraryWindow->Openable = [this](const QByteArray& path) { return OpenablePath(path, m_links.path()); };
+        m_libraryWindow->MusicFolders = [this] { return MusicFoldersOf(*m_state.Theme); };
+        m_libraryWindow->Play = [this](const QString& path) {
+            if (!path.isEmpty())
+                m_transport->OpenSong(path, true);
+        };
+        m_libraryWindow->AddToPlaylist = [this](const QStringList& paths) {
+            LoadUserList();
+            m_state.Songs.AppendFiles(paths);
+        };
+        m_libraryWindow->QueueChanged = [this] {
+            if (m_singersWindow)
+                m_singersWindow->Refresh();
+        };
+        const QRect player = Player().Geometry();
+        PlaceOnScreen(*m_libraryWindow, QRect(player.bottomLeft() + QPoint(0, 1), m_libraryWindow->size()));
+        m_loaded.push_back(m_libraryWindow.get());
+    }
+    m_libraryWindow->Show();
+}
+
+void AppWindows::ShowSingers()
+{
+    StartLibrary();
+    if (!m_scanner) {
+        m_dialogs.Inform(m_state.Language.GetText(QStringLiteral("LibraryClosed")));
+        return;
+    }
+    if (!m_singersWindow) {
+        m_singersWindow = std::make_unique<SingersWindow>(m_state, *m_queue, *m_evening, m_docking);
+        const QRect player = Player().Geometry();
+        PlaceOnScreen(*m_singersWindow, QRect(player.topRight() + QPoint(1, 0), m_singersWindow->size()));
+        m_loaded.push_back(m_singersWindow.get());
+    }
+    m_singersWindow->Show();
+}
+
+void AppWindows::ScanChangedMusicFolders()
+{
+    if (!m_scanner || !m_state.Theme)
+        return;
+    std::vector<QByteArray> folders = MusicFoldersOf(*m_state.Theme);
+    if (folders == m_scannedFolders)
+        return;
+    m_scannedFolders = folders;
+    m_scanner->Scan(folders);
 }

@@ -6,6 +6,7 @@
 #include "ui/kit/Desktop.h"
 #include "ui/kit/Docking.h"
 
+#include <QTemporaryDir>
 #include <functional>
 #include <memory>
 
@@ -23,6 +24,11 @@ class Editor;
 class Dialogs;
 class Equalizer;
 class VoiceCommands;
+class LibraryScanner;
+class LibraryWindow;
+class SingerQueue;
+class SingersWindow;
+class KaraokeEvening;
 
 class AppWindows final : public FormProvider {
 public:
@@ -54,11 +60,21 @@ public:
     void ShowPreferences(int tab) override;
     void ShowAbout() override;
     void ShowTutorial() override;
+    void ShowLibrary() override;
+    void ShowSingers() override;
+    // Once the library is open: the evening's turn at each song's end, and a rescan of the
+    // music folders in the background, after which they are watched.
+    void StartLibrary();
+    LibraryWindow* LibraryWidget() { return m_libraryWindow.get(); }
+    SingersWindow* SingersWidget() { return m_singersWindow.get(); }
+    KaraokeEvening* Evening() { return m_evening.get(); }
     LyricOptions* Preferences() { return m_options.get(); }
 
 private:
     // The part of the screen the player and, when open, the playlist cover.
     QRect ShownToolsArea();
+    // The music folders scanned when they are not those scanned last.
+    void ScanChangedMusicFolders();
     // A command of a window's menu, for the player's commands once they are attached.
     void RunPlayerCommand(const QString& key);
 
@@ -78,4 +94,11 @@ private:
     Equalizer* m_equalizer = nullptr;
     VoiceCommands* m_voice = nullptr;
     std::vector<Form*> m_loaded;
+    QTemporaryDir m_links;  // links to songs whose names are not UTF-8
+    std::unique_ptr<LibraryScanner> m_scanner;
+    std::vector<QByteArray> m_scannedFolders;
+    std::unique_ptr<SingerQueue> m_queue;
+    std::unique_ptr<KaraokeEvening> m_evening;
+    std::unique_ptr<LibraryWindow> m_libraryWindow;
+    std::unique_ptr<SingersWindow> m_singersWindow;
 };

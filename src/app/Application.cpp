@@ -6,6 +6,7 @@
 #include "core/Forms.h"
 #include "core/SettingsStore.h"
 #include "core/WindowPosition.h"
+#include "library/LibraryChoices.h"
 #include "playback/SongSound.h"
 #include "voice/VoiceFiles.h"
 
@@ -27,6 +28,11 @@ QString PlaylistIniPath(const QString& dataFolder)
 QString SongChoicesPath(const QString& dataFolder)
 {
     return dataFolder + QStringLiteral("/song settings.txt");
+}
+
+QString LibraryPath(const QString& dataFolder)
+{
+    return dataFolder + QStringLiteral("/library.db");
 }
 
 Application::Application(AppState& state, Platform platform, FormProvider& forms, SongTransport& transport,
@@ -84,12 +90,29 @@ bool Application::LoadPlayer()
     player.ApplySkin();
     RestoreWindowPositions();
     m_state.Recent.Read(m_platform.store);
-    m_state.SongChoices = std::make_unique<SongMemory>(SongChoicesPath(m_platform.dataFolder));
+    OpenLibrary();
     player.BuildMenus();
     ResetLyricsData(m_state.Lyrics);
     player.SetTimeText(QStringLiteral("00:00"));
     player.SetVolumeSlider(1.0);
     return true;
+}
+
+void Application::OpenLibrary()
+{
+    const QString path = LibraryPath(m_platform.dataFolder);
+    auto library = std::make_unique<LibraryDatabase>(path);
+    const LibraryOpening opening = library->Open();
+    const QString message = LibraryOpeningMessage(opening, path, m_state.Language);
+    if (opening.outcome == LibraryOpening::Outcome::Rebuilt)
+        m_messages.Inform(message);
+    else if (!message.isEmpty())
+        m_messages.Critical(message);
+    if (!opening.Usable())
+        return;
+    ImportSongChoicesFile(*library, SongChoicesPath(m_platform.dataFolder));
+    m_state.Library = std::move(library);
+    m_state.SongChoices = std::make_unique<LibraryChoices>(*m_state.Library);
 }
 
 void Application::RestoreWindowPositions()

@@ -30,8 +30,11 @@ struct Platform {
 
 // The last playlist of a run, in M3U form, in the data folder.
 QString PlaylistIniPath(const QString& dataFolder);
-// The key, tempo and vocals chosen for each song, in the data folder.
+// The key, tempo and vocals chosen for each song, in the data folder, before the song library
+// kept them.
 QString SongChoicesPath(const QString& dataFolder);
+// The song library's database in the data folder.
+QString LibraryPath(const QString& dataFolder);
 
 class Application {
 public:
@@ -47,6 +50,9 @@ private:
     bool LoadPlayer();
     void FormShow();
     void RestoreWindowPositions();
+    // The song library opened, the choices of the old file taken over; a library that cannot
+    // be used is named in a message and the program goes on without it.
+    void OpenLibrary();
     void ShowToolWindows();
     // What start-up need not wait for (the takes a killed run left, the lyrics type's
     // registration, which reads the system's MIME database) runs beside the first window; the

@@ -87,5 +87,6 @@ int main(int argc, char* argv[])
     if (!application.Main(commandLine) || ended)
         return 0;
     transport.StartAudio();
+    windows.StartLibrary();
     return QApplication::exec();
 }

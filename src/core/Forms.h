@@ -146,6 +146,9 @@ public:
     // The preferences window, one at a time, on a tab: 0 general to 5 the keyboard.
     virtual void ShowPreferences(int tab) = 0;
     virtual void ShowAbout() = 0;
+    // The song library and the singers' queue, loaded when first asked for.
+    virtual void ShowLibrary() = 0;
+    virtual void ShowSingers() = 0;
     // The online tutorial in the user's browser.
     virtual void ShowTutorial() = 0;
 };

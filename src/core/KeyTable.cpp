@@ -29,6 +29,8 @@ constexpr std::array kKeys = {
     KeyBinding{W::Player, Qt::Key_3, kAlt, C::FileInfo, "Alt+3", "ShortFileInfo"},
     KeyBinding{W::Player, Qt::Key_T, kCtrl, C::TimeMode, "Ctrl+T", "ShortTimeMode"},
     KeyBinding{W::Player, Qt::Key_P, kCtrl, C::Preferences, "Ctrl+P", "ShortPreferences"},
+    KeyBinding{W::Player, Qt::Key_F, kCtrl, C::Library, "Ctrl+F", "ShortLibrary"},
+    KeyBinding{W::Player, Qt::Key_U, kCtrl, C::Singers, "Ctrl+U", "ShortSingers"},
     KeyBinding{W::Player, Qt::Key_Up, kAlt, C::KeyUp, "Alt+Up", "ShortKeyUp"},
     KeyBinding{W::Player, Qt::Key_Down, kAlt, C::KeyDown, "Alt+Down", "ShortKeyDown"},
     KeyBinding{W::Player, Qt::Key_Right, kAlt, C::TempoUp, "Alt+Right", "ShortTempoUp"},

@@ -55,6 +55,8 @@ enum class KeyCommand {
     SpeedHalf,
     SpeedThreeQuarters,
     SpeedFull,
+    Library,
+    Singers,
 };
 
 struct KeyBinding {

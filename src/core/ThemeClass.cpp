@@ -143,6 +143,7 @@ std::vector<ThemeClass::Setting> ThemeClass::Settings()
         text("sound font", SoundFont, QString()),
         boolean("keep pitch", KeepPitch, true),
         boolean("cdg smooth", CdgSmooth, false),
+        text("library folders", LibraryFolders, m_defaultMusicPath),
     };
 }
 

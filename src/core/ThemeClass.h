@@ -93,6 +93,8 @@ public:
     bool KeepPitch{};
     // Karaoke disc graphics scaled smoothly; off, their pixels stay crisp.
     bool CdgSmooth{};
+    // The song library's music folders, one a line.
+    QString LibraryFolders;
     QString Monitor;
     QString SoundFont;  // the SoundFont of MIDI songs; empty for the one the system installs
     // Not persisted.

@@ -23,8 +23,9 @@ QString WordsOf(const std::vector<LyricItem>& items)
 {
     QString words;
     for (size_t i = 1; i < items.size(); ++i) {
+        // Syllables join to words; a line ends a word.
         words += items[i].Text;
-        if (items[i].LineEnd || !items[i].Text.endsWith(u' '))
+        if (items[i].LineEnd)
             words += u' ';
     }
     return words.simplified();

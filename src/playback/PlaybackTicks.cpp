@@ -66,6 +66,8 @@ void PlaybackTicks::mmTimer()
 
     if (m_state.CurrentPosition < duration)
         return;
+    if (SongEnded && SongEnded())
+        return;
 
     if (m_state.Recording || LoneListEntryIsCurrent())
         m_transport.StopSong();

@@ -5,6 +5,7 @@
 
 #include <QObject>
 #include <QTimer>
+#include <functional>
 
 struct PlayerState;
 class FormProvider;
@@ -22,6 +23,9 @@ public:
 
     void PlaybackTick();
     void mmTimer();
+    // Asked first when a song reaches its end; true when it took the end over (an evening of
+    // singers counting down to the next turn).
+    std::function<bool()> SongEnded;
 
 private:
     double Duration();

@@ -260,6 +260,10 @@ void PlayerCommands::MenuCommand(const QString& key)
         ButtonAction(it->second);
     else if (key == u"Info" && !m_state.Recording)
         GetInfo();
+    else if (key == u"Library")
+        m_forms.ShowLibrary();
+    else if (key == u"Singers")
+        m_forms.ShowSingers();
     else if (key == u"Keyboard")
         ShowPreferences(5);
     else if (key == u"About" && !m_state.Recording)
@@ -334,6 +338,12 @@ bool PlayerCommands::RunKeyCommand(KeyCommand command)
         return voice != nullptr;
     case KeyCommand::Playlist:
         TogglePlaylist();
+        return true;
+    case KeyCommand::Library:
+        m_forms.ShowLibrary();
+        return true;
+    case KeyCommand::Singers:
+        m_forms.ShowSingers();
         return true;
     case KeyCommand::Preferences:
         ShowPreferences(0);

@@ -3,6 +3,8 @@
 // whose vocals cannot go says so; the choice comes back for the same song, even moved, and a new
 // song starts as it is.
 
+#include "library/LibraryChoices.h"
+#include "library/LibraryDatabase.h"
 #include "playback/MediaSession.h"
 #include "playback/SongSound.h"
 #include "support/PlayerSetup.h"
@@ -103,7 +105,9 @@ TEST_F(KeyAndTempo, AMidiSongStepsInItsOwnWayAndCannotLoseItsVocals)
 
 TEST_F(KeyAndTempo, AChoiceComesBackForTheSameSongMovedAndANewSongStartsAsItIs)
 {
-    state.SongChoices = std::make_unique<SongMemory>(dir.filePath("song settings.txt"));
+    LibraryDatabase library(dir.filePath("library.db"));
+    ASSERT_TRUE(library.Open().Usable());
+    state.SongChoices = std::make_unique<LibraryChoices>(library);
     const QString first = WriteRampWav(dir.filePath("first.wav"), 48000 * 2);
     transport.OpenSong(first, false);
     for (int i = 0; i < 3; ++i)
@@ -125,4 +129,6 @@ TEST_F(KeyAndTempo, AChoiceComesBackForTheSameSongMovedAndANewSongStartsAsItIs)
     EXPECT_EQ(Media().Semitones(), 3);
     EXPECT_NEAR(Media().Tempo(), chosen.tempo, 1e-9);
     EXPECT_TRUE(Media().VocalsOff()) << "the song moved to another folder comes back as it was chosen";
+    transport.CloseSong();
+    state.SongChoices.reset();
 }

@@ -144,8 +144,9 @@ TEST_F(MainWindow, MenusCarryTheirKeysAndControlStaysInert)
     for (QAction* action : main->actions())
         if (!action->isSeparator())
             keys << (action->menu() ? action->menu()->objectName() : action->data().toString());
-    EXPECT_EQ(keys, (QStringList{"About", "Open", "Recent", "Info", "List", "Control", "Karaoke", "Editor", "Microphone", "Record",
-                                 "Voice", "Options", "Player", "Sound", "HelpMe", "Keyboard", "Exit"}));
+    EXPECT_EQ(keys, (QStringList{"About", "Open", "Recent", "Info", "List", "Control", "Karaoke", "Editor", "Library",
+                                 "Singers", "Microphone", "Record", "Voice", "Options", "Player", "Sound", "HelpMe",
+                                 "Keyboard", "Exit"}));
     QStringList tray;
     for (QAction* action : windows.player.Menu("TrayMenu")->actions())
         tray << action->data().toString();
@@ -158,6 +159,10 @@ TEST_F(MainWindow, MenusCarryTheirKeysAndControlStaysInert)
     EXPECT_EQ(windows.player.TimeStyle(), "ELAPSED") << "\"Time elapsed\" shows the remaining time, as it always did";
     commands.MenuCommand("Play");
     EXPECT_EQ(SessionState(), 2);
+    commands.MenuCommand("Library");
+    commands.MenuCommand("Singers");
+    Key(Qt::Key_F, Qt::ControlModifier);
+    EXPECT_EQ(windows.shownInfo, (QStringList{"Library", "Singers", "Library"}));
     commands.MenuCommand("Exit");
     EXPECT_TRUE(closed);
 }

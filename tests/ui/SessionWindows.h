@@ -21,6 +21,8 @@ public:
     void ShowFileInfo(const QString& format, const QString& path) override { shownInfo << format + u' ' + path; }
     void ShowPreferences(int tab) override { shownInfo << QStringLiteral("Preferences %1").arg(tab); }
     void ShowAbout() override { shownInfo << QStringLiteral("About"); }
+    void ShowLibrary() override { shownInfo << QStringLiteral("Library"); }
+    void ShowSingers() override { shownInfo << QStringLiteral("Singers"); }
     void ShowTutorial() override { shownInfo << QStringLiteral("Tutorial"); }
     QStringList shownInfo;  // the dialogs and pages shown, in order
 

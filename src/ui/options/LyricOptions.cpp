@@ -23,6 +23,7 @@
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
+#include <QListWidget>
 #include <QPainter>
 #include <QPushButton>
 #include <QRadioButton>
@@ -347,6 +348,39 @@ QWidget* LyricOptions::BuildGeneral()
         return m_dialogs.ChooseFolder(Text("DialogDirectory"), now);
     }));
 
+    auto* library = new QGroupBox(Text("OptLibraryFolders"));
+    auto* libraryGrid = new QGridLayout(library);
+    auto* folders = new QListWidget;
+    folders->setObjectName(QStringLiteral("LibraryFolders"));
+    folders->setMaximumHeight(folders->fontMetrics().height() * 5);
+    auto* addFolder = new QPushButton(Text("LibraryAddFolder"));
+    auto* removeFolder = new QPushButton(Text("LibraryRemoveFolder"));
+    libraryGrid->addWidget(folders, 0, 0, 3, 1);
+    libraryGrid->addWidget(addFolder, 0, 1);
+    libraryGrid->addWidget(removeFolder, 1, 1);
+    m_fillers.push_back([folders, &t] {
+        folders->clear();
+        folders->addItems(t.LibraryFolders.split(u'\n', Qt::SkipEmptyParts));
+    });
+    auto storeFolders = [this, folders, &t] {
+        QStringList list;
+        for (int i = 0; i < folders->count(); ++i)
+            list << folders->item(i)->text();
+        t.LibraryFolders = list.join(u'\n');
+        Changed();
+    };
+    connect(addFolder, &QPushButton::clicked, this, [this, folders, storeFolders] {
+        const QString folder = m_dialogs.ChooseFolder(Text("DialogDirectory"), QString());
+        if (!folder.isEmpty() && folders->findItems(folder, Qt::MatchExactly).isEmpty()) {
+            folders->addItem(folder);
+            storeFolders();
+        }
+    });
+    connect(removeFolder, &QPushButton::clicked, this, [folders, storeFolders] {
+        delete folders->currentItem();
+        storeFolders();
+    });
+
     auto* karaoke = new QGroupBox(Text("KaraokeFrame"));
     auto* karaokeForm = new QFormLayout(karaoke);
     ComboItems monitors;
@@ -371,7 +405,7 @@ QWidget* LyricOptions::BuildGeneral()
     languageColumn->addWidget(choice);
     languageColumn->addWidget(Note(Text("OptLanguageNote")));
 
-    return Page({player, karaoke, language});
+    return Page({player, library, karaoke, language});
 }
 
 QWidget* LyricOptions::BuildKaraoke()

@@ -1,0 +1,199 @@
+#include "ui/library/SingersWindow.h"
+
+#include "library/KaraokeEvening.h"
+#include "library/SingerQueue.h"
+#include "ui/kit/Docking.h"
+
+#include <QGridLayout>
+#include <QHeaderView>
+#include <QInputDialog>
+#include <QLabel>
+#include <QPushButton>
+#include <QTreeWidget>
+#include <QVBoxLayout>
+
+namespace {
+
+enum Role { IdRole = Qt::UserRole, IsSingerRole };
+
+} // namespace
+
+SingersWindow::SingersWindow(CoreState& state, SingerQueue& queue, KaraokeEvening& evening, Docking& docking,
+                             QWidget* parent)
+    : QWidget(parent, Qt::Tool),
+      m_state(state),
+      m_queue(queue),
+      m_evening(evening),
+      m_docking(docking),
+      m_tree(new QTreeWidget),
+      m_now(new QLabel),
+      m_next(new QLabel),
+      m_add(new QPushButton(Text("AddSinger"))),
+      m_remove(new QPushButton(Text("QueueRemove"))),
+      m_pause(new QPushButton(Text("PauseSinger"))),
+      m_up(new QPushButton(Text("QueueUp"))),
+      m_down(new QPushButton(Text("QueueDown"))),
+      m_undo(new QPushButton(Text("QueueUndo"))),
+      m_play(new QPushButton(Text("PlayNextSinger")))
+{
+    setObjectName(QStringLiteral("SingersWindow"));
+    setWindowTitle(Text("SingersTitle"));
+    m_tree->setColumnCount(2);
+    m_tree->setHeaderLabels({Text("ColumnSinger"), Text("ColumnKey")});
+    m_tree->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+    m_tree->header()->setStretchLastSection(false);
+    m_tree->setRootIsDecorated(true);
+    m_next->setWordWrap(true);
+    m_now->setWordWrap(true);
+    QFont bold = m_next->font();
+    bold.setBold(true);
+    m_next->setFont(bold);
+    m_play->setDefault(true);
+
+    auto* buttons = new QGridLayout;
+    buttons->addWidget(m_add, 0, 0);
+    buttons->addWidget(m_pause, 0, 1);
+    buttons->addWidget(m_remove, 0, 2);
+    buttons->addWidget(m_up, 1, 0);
+    buttons->addWidget(m_down, 1, 1);
+    buttons->addWidget(m_undo, 1, 2);
+    auto* column = new QVBoxLayout(this);
+    column->addWidget(m_now);
+    column->addWidget(m_next);
+    column->addWidget(m_tree, 1);
+    column->addLayout(buttons);
+    column->addWidget(m_play);
+    resize(360, 440);
+
+    connect(m_add, &QPushButton::clicked, this, &SingersWindow::AddSinger);
+    connect(m_remove, &QPushButton::clicked, this, &SingersWindow::RemoveSelected);
+    connect(m_pause, &QPushButton::clicked, this, &SingersWindow::PauseSelected);
+    connect(m_up, &QPushButton::clicked, this, [this] { MoveSelected(-1); });
+    connect(m_down, &QPushButton::clicked, this, [this] { MoveSelected(1); });
+    connect(m_undo, &QPushButton::clicked, this, [this] {
+        m_queue.UndoRemove();
+        Refresh();
+    });
+    connect(m_play, &QPushButton::clicked, this, [this] { m_evening.PlayNext(); });
+    connect(m_tree, &QTreeWidget::itemSelectionChanged, this, &SingersWindow::UpdateButtons);
+    connect(&m_evening, &KaraokeEvening::changed, this, &SingersWindow::Refresh);
+    m_docking.Register(this);
+    Refresh();
+}
+
+SingersWindow::~SingersWindow()
+{
+    m_docking.Unregister(this);
+}
+
+QString SingersWindow::Text(const char* key) const
+{
+    return m_state.Language.GetText(QLatin1String(key));
+}
+
+void SingersWindow::Show()
+{
+    Refresh();
+    show();
+    raise();
+    activateWindow();
+}
+
+void SingersWindow::SetTopMost(bool flag)
+{
+    setWindowFlag(Qt::WindowStaysOnTopHint, flag);
+}
+
+void SingersWindow::Refresh()
+{
+    const qint64 singer = SelectedSinger();
+    const qint64 song = SelectedSong();
+    m_tree->clear();
+    QTreeWidgetItem* reselect = nullptr;
+    for (const Singer& s : m_queue.Singers()) {
+        auto* row = new QTreeWidgetItem(m_tree, {s.paused ? s.name + u' ' + Text("SingerPaused") : s.name});
+        row->setData(0, IdRole, s.id);
+        row->setData(0, IsSingerRole, true);
+        if (s.id == singer && song == 0)
+            reselect = row;
+        for (const QueuedSong& queued : m_queue.SongsOf(s.id)) {
+            const QString name = queued.artist.isEmpty() ? queued.title : queued.artist + QStringLiteral(" - ") + queued.title;
+            auto* child = new QTreeWidgetItem(row, {name, queued.semitones == 0 ? QString() : QStringLiteral("%1%2").arg(queued.semitones > 0 ? "+" : "").arg(queued.semitones)});
+            child->setData(0, IdRole, queued.id);
+            child->setData(0, IsSingerRole, false);
+            if (queued.id == song)
+                reselect = child;
+        }
+        row->setExpanded(true);
+    }
+    if (reselect)
+        m_tree->setCurrentItem(reselect);
+    const auto& current = m_evening.Current();
+    m_now->setText(current ? Text("NowSinging").arg(current->singer.name, current->song.title) : QString());
+    m_now->setVisible(current.has_value());
+    const QString next = m_evening.NextText();
+    m_next->setText(next.isEmpty() ? Text("NobodyWaits")
+                    : m_evening.CountingDown() ? next + u' ' + Text("StartsIn").arg(m_evening.SecondsLeft())
+                                               : next);
+    m_play->setEnabled(!next.isEmpty());
+    UpdateButtons();
+}
+
+qint64 SingersWindow::SelectedSinger() const
+{
+    const QTreeWidgetItem* item = m_tree->currentItem();
+    if (!item)
+        return 0;
+    if (!item->data(0, IsSingerRole).toBool())
+        item = item->parent();
+    return item ? item->data(0, IdRole).toLongLong() : 0;
+}
+
+qint64 SingersWindow::SelectedSong() const
+{
+    const QTreeWidgetItem* item = m_tree->currentItem();
+    return item && !item->data(0, IsSingerRole).toBool() ? item->data(0, IdRole).toLongLong() : 0;
+}
+
+void SingersWindow::UpdateButtons()
+{
+    const bool song = SelectedSong() != 0;
+    m_remove->setEnabled(SelectedSinger() != 0);
+    m_pause->setEnabled(SelectedSinger() != 0 && !song);
+    m_up->setEnabled(song);
+    m_down->setEnabled(song);
+}
+
+void SingersWindow::AddSinger()
+{
+    const QString name = QInputDialog::getText(this, Text("AddSinger"), Text("SingerName"));
+    if (!name.trimmed().isEmpty())
+        m_queue.AddSinger(name);
+    Refresh();
+}
+
+void SingersWindow::RemoveSelected()
+{
+    if (const qint64 song = SelectedSong())
+        m_queue.Remove(song);
+    else if (const qint64 singer = SelectedSinger())
+        m_queue.RemoveSinger(singer);
+    Refresh();
+}
+
+void SingersWindow::PauseSelected()
+{
+    const qint64 id = SelectedSinger();
+    for (const Singer& singer : m_queue.Singers()) {
+        if (singer.id == id)
+            m_queue.SetPaused(id, !singer.paused);
+    }
+    Refresh();
+}
+
+void SingersWindow::MoveSelected(int steps)
+{
+    if (const qint64 song = SelectedSong())
+        m_queue.Move(song, steps);
+    Refresh();
+}

@@ -1,0 +1,62 @@
+#pragma once
+// The singers' queue: each singer with their songs in the rotation's order, who is next, and
+// the commands of the evening: add a singer, pause, move or remove a song and undo the
+// removal, and play the next turn.
+
+#include "core/CoreState.h"
+#include "core/Forms.h"
+
+#include <QWidget>
+
+class Docking;
+class KaraokeEvening;
+class QLabel;
+class QPushButton;
+class QTreeWidget;
+class QTreeWidgetItem;
+class SingerQueue;
+
+class SingersWindow final : public QWidget, public Form {
+    Q_OBJECT
+public:
+    SingersWindow(CoreState& state, SingerQueue& queue, KaraokeEvening& evening, Docking& docking,
+                  QWidget* parent = nullptr);
+    ~SingersWindow() override;
+
+    void Show() override;
+    void Hide() override { hide(); }
+    void Minimize() override { showMinimized(); }
+    void SetTopMost(bool flag) override;
+    void Unload() override { hide(); }
+
+    // The queue as the database holds it, shown again.
+    void Refresh();
+    QTreeWidget& Tree() { return *m_tree; }
+    QLabel& NextLabel() { return *m_next; }
+
+private:
+    QString Text(const char* key) const;
+    void AddSinger();
+    void RemoveSelected();
+    void PauseSelected();
+    void MoveSelected(int steps);
+    void UpdateButtons();
+    // The singer (a top row) or song (a row below it) selected; 0 when none.
+    qint64 SelectedSinger() const;
+    qint64 SelectedSong() const;
+
+    CoreState& m_state;
+    SingerQueue& m_queue;
+    KaraokeEvening& m_evening;
+    Docking& m_docking;
+    QTreeWidget* m_tree;
+    QLabel* m_now;
+    QLabel* m_next;
+    QPushButton* m_add;
+    QPushButton* m_remove;
+    QPushButton* m_pause;
+    QPushButton* m_up;
+    QPushButton* m_down;
+    QPushButton* m_undo;
+    QPushButton* m_play;
+};
