@@ -68,6 +68,7 @@ public:
     LibraryWindow* LibraryWidget() { return m_libraryWindow.get(); }
     SingersWindow* SingersWidget() { return m_singersWindow.get(); }
     KaraokeEvening* Evening() { return m_evening.get(); }
+    SingerQueue* Queue() { return m_queue.get(); }
     LyricOptions* Preferences() { return m_options.get(); }
 
 private:

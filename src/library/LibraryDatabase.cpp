@@ -75,6 +75,9 @@ CREATE TABLE history(
     singer TEXT NOT NULL DEFAULT '',
     sung_at INTEGER NOT NULL);
 CREATE INDEX history_of_song ON history(path);
+CREATE INDEX songs_by_artist ON songs(artist COLLATE NOCASE, title COLLATE NOCASE);
+CREATE INDEX songs_by_title ON songs(title COLLATE NOCASE);
+CREATE INDEX songs_by_plays ON songs(play_count, title COLLATE NOCASE);
 )"),
     };
     return steps;

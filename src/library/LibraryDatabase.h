@@ -20,7 +20,7 @@ struct LibraryOpening {
 class LibraryDatabase {
 public:
     // 1: songs and their search index. 2: unreadable files, song choices, singers, the queue
-    // and the history of what was sung.
+    // and the history of what was sung; the orders of the song list indexed.
     static constexpr int kSchemaVersion = 2;
 
     explicit LibraryDatabase(QString path);

@@ -2,6 +2,7 @@
 
 #include "library/SearchText.h"
 
+#include <QSet>
 #include <QSqlQuery>
 #include <QVariant>
 
@@ -37,15 +38,14 @@ bool IndexSong(QSqlDatabase& db, qint64 id, const LibrarySong& song)
     return drop.exec() && add.exec();
 }
 
-QString OrderClause(const LibraryQuery& query, bool searching)
+// The order of a listing; Relevance without words to rank lists by artist.
+QString OrderClause(const LibraryQuery& query)
 {
     const QString direction = query.descending ? QStringLiteral(" DESC") : QString();
     const QString title = QStringLiteral("s.title COLLATE NOCASE");
     switch (query.order) {
     case LibraryOrder::Relevance:
-        // Title words weigh most, then the artist, the album, and the lyrics least.
-        return searching ? QStringLiteral("bm25(songs_fts, 10.0, 6.0, 3.0, 1.0), ") + title
-                         : QStringLiteral("s.artist COLLATE NOCASE, ") + title;
+        return QStringLiteral("s.artist COLLATE NOCASE, ") + title;
     case LibraryOrder::Title:
         return title + direction;
     case LibraryOrder::Artist:
@@ -148,42 +148,94 @@ QHash<QByteArray, KnownFile> KnownFiles(QSqlDatabase& db)
     return known;
 }
 
-std::vector<LibraryHit> SearchSongs(QSqlDatabase& db, const LibraryQuery& query)
+namespace {
+
+LibraryHit HitOfRow(const QSqlQuery& row)
 {
-    const QString expression = SearchExpression(query.text);
-    const bool searching = !expression.isEmpty();
+    return LibraryHit{row.value(0).toLongLong(), row.value(1).toByteArray(), row.value(2).toString(),
+                      row.value(3).toString(),   row.value(4).toString(),    row.value(5).toString(),
+                      row.value(6).toDouble(),   row.value(7).toString(),    row.value(8).toInt()};
+}
+
+QStringList FilterConditions(const LibraryQuery& query)
+{
     QStringList conditions;
-    if (searching)
-        conditions << QStringLiteral("songs_fts MATCH :match");
     if (!query.kind.isEmpty())
         conditions << QStringLiteral("s.kind = :kind");
     if (query.withLyricsOnly)
         conditions << QStringLiteral("(s.lyrics_source <> '' OR s.kind IN ('mp3+g', 'zip'))");
+    return conditions;
+}
+
+// One pass over the songs: those matching `match` (all when empty), filtered, in `order`.
+std::vector<LibraryHit> SelectSongs(QSqlDatabase& db, const LibraryQuery& query, const QString& match,
+                                    const QString& order, int limit, int offset = 0)
+{
+    QStringList conditions = FilterConditions(query);
+    if (!match.isEmpty())
+        conditions.prepend(QStringLiteral("songs_fts MATCH :match"));
     QString statement = QStringLiteral("SELECT s.id, s.path, s.kind, s.title, s.artist, s.album, s.length, "
                                        "s.lyrics_source, s.play_count FROM songs s");
-    if (searching)
+    if (!match.isEmpty())
         statement += QStringLiteral(" JOIN songs_fts ON songs_fts.rowid = s.id");
     if (!conditions.isEmpty())
         statement += QStringLiteral(" WHERE ") + conditions.join(QStringLiteral(" AND "));
-    statement += QStringLiteral(" ORDER BY ") + OrderClause(query, searching) + QStringLiteral(" LIMIT :limit");
+    if (!order.isEmpty())
+        statement += QStringLiteral(" ORDER BY ") + order;
+    statement += QStringLiteral(" LIMIT :limit OFFSET :offset");
 
     QSqlQuery select = Prepared(db, statement);
     select.setForwardOnly(true);
-    if (searching)
-        select.bindValue(QStringLiteral(":match"), expression);
+    if (!match.isEmpty())
+        select.bindValue(QStringLiteral(":match"), match);
     if (!query.kind.isEmpty())
         select.bindValue(QStringLiteral(":kind"), query.kind);
-    select.bindValue(QStringLiteral(":limit"), query.limit);
+    select.bindValue(QStringLiteral(":limit"), limit);
+    select.bindValue(QStringLiteral(":offset"), offset);
     std::vector<LibraryHit> hits;
-    if (!select.exec())
-        return hits;
-    while (select.next()) {
-        hits.push_back(LibraryHit{select.value(0).toLongLong(), select.value(1).toByteArray(),
-                                  select.value(2).toString(), select.value(3).toString(), select.value(4).toString(),
-                                  select.value(5).toString(), select.value(6).toDouble(), select.value(7).toString(),
-                                  select.value(8).toInt()});
+    if (select.exec()) {
+        while (select.next())
+            hits.push_back(HitOfRow(select));
     }
     return hits;
+}
+
+} // namespace
+
+std::vector<LibraryHit> SearchSongs(QSqlDatabase& db, const LibraryQuery& query)
+{
+    const QString expression = SearchExpression(query.text);
+    if (expression.isEmpty() || query.order != LibraryOrder::Relevance)
+        return SelectSongs(db, query, expression, OrderClause(query), query.limit, query.offset);
+    // Ranking every song whose lyrics hold a common word would take long; the songs whose
+    // title, artist or album match are ranked (title words weigh most), and the songs matched
+    // through their lyrics follow in the order they are stored.
+    std::vector<LibraryHit> hits =
+        SelectSongs(db, query, QStringLiteral("{title artist album} : (%1)").arg(expression),
+                    QStringLiteral("bm25(songs_fts, 10.0, 6.0, 3.0, 0.0), s.title COLLATE NOCASE"), query.limit);
+    if (int(hits.size()) >= query.limit)
+        return hits;
+    QSet<qint64> ranked;
+    for (const LibraryHit& hit : hits)
+        ranked.insert(hit.id);
+    for (LibraryHit& hit : SelectSongs(db, query, expression, QString(), query.limit + int(ranked.size()))) {
+        if (int(hits.size()) >= query.limit)
+            break;
+        if (!ranked.contains(hit.id))
+            hits.push_back(std::move(hit));
+    }
+    return hits;
+}
+
+int CountListed(QSqlDatabase& db, const LibraryQuery& query)
+{
+    const QStringList conditions = FilterConditions(query);
+    QSqlQuery count = Prepared(db, QStringLiteral("SELECT count(*) FROM songs s") +
+                                       (conditions.isEmpty() ? QString()
+                                                             : QStringLiteral(" WHERE ") + conditions.join(QStringLiteral(" AND "))));
+    if (!query.kind.isEmpty())
+        count.bindValue(QStringLiteral(":kind"), query.kind);
+    return count.exec() && count.next() ? count.value(0).toInt() : 0;
 }
 
 std::optional<LibraryHit> SongAt(QSqlDatabase& db, const QByteArray& path)
@@ -193,9 +245,7 @@ std::optional<LibraryHit> SongAt(QSqlDatabase& db, const QByteArray& path)
     query.addBindValue(path);
     if (!query.exec() || !query.next())
         return std::nullopt;
-    return LibraryHit{query.value(0).toLongLong(), query.value(1).toByteArray(), query.value(2).toString(),
-                      query.value(3).toString(), query.value(4).toString(), query.value(5).toString(),
-                      query.value(6).toDouble(), query.value(7).toString(), query.value(8).toInt()};
+    return HitOfRow(query);
 }
 
 std::vector<std::pair<QByteArray, QString>> UnreadableFiles(QSqlDatabase& db)

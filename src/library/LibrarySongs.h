@@ -47,13 +47,18 @@ struct LibraryHit {
 
 enum class LibraryOrder { Relevance, Title, Artist, Album, Length, Kind, MostSung, LastPlayed };
 
+// The most songs a search shows, and the songs a listing of every song reads at a time.
+inline constexpr int kSearchHits = 500;
+inline constexpr int kListedPage = 500;
+
 struct LibraryQuery {
     QString text;                 // typed words; empty lists every song
     QString kind;                 // one of SongKinds, empty for all
     bool withLyricsOnly = false;  // words or graphics to sing from
     LibraryOrder order = LibraryOrder::Relevance;
     bool descending = false;
-    int limit = 1000;
+    int limit = kSearchHits;
+    int offset = 0;  // songs of a listing passed over; a ranked search always starts at its best
 };
 
 struct LibraryStats {
@@ -86,6 +91,8 @@ bool CarryOver(QSqlDatabase& db, const QByteArray& from, const QByteArray& to);
 QHash<QByteArray, KnownFile> KnownFiles(QSqlDatabase& db);
 
 std::vector<LibraryHit> SearchSongs(QSqlDatabase& db, const LibraryQuery& query);
+// How many songs a listing without words holds with the query's filters.
+int CountListed(QSqlDatabase& db, const LibraryQuery& query);
 std::optional<LibraryHit> SongAt(QSqlDatabase& db, const QByteArray& path);
 // The unreadable files and why, by path.
 std::vector<std::pair<QByteArray, QString>> UnreadableFiles(QSqlDatabase& db);

@@ -58,11 +58,14 @@ QString SearchExpression(const QString& query)
         word.clear();
     };
     for (const QChar c : folded) {
+        if (terms.size() == kMostSearchWords)
+            break;
         if (c.isLetterOrNumber())
             word += c;
         else
             endWord();
     }
-    endWord();
+    if (terms.size() < kMostSearchWords)
+        endWord();
     return terms.join(u' ');
 }

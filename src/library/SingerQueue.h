@@ -55,6 +55,7 @@ public:
     bool Remove(qint64 songId);
     // The song removed last comes back where it was; false when there is none.
     bool UndoRemove();
+    bool CanUndoRemove() const { return m_removed.has_value(); }
 
     // Who sings next and what, nothing when no singer waits with a song.
     std::optional<Turn> Next() const;

@@ -113,6 +113,33 @@ TEST_F(Search, FiltersAndOrders)
     EXPECT_EQ(stats.byKind.value(SongKinds::Video), 1);
 }
 
+TEST_F(Search, ATextPastedIntoTheBoxIsSearchedByItsFirstWords)
+{
+    const QString pasted = "bohemian rhapsody " + QString("la ").repeated(200000);
+    EXPECT_EQ(SearchExpression(pasted).count('*'), kMostSearchWords);
+    EXPECT_TRUE(Titles(pasted).isEmpty()) << "every word searched for is needed";
+    EXPECT_EQ(Titles("queen " + QString("is ").repeated(100000)), QStringList{"Bohemian Rhapsody"})
+        << "the lyrics hold \"is\", the twelfth word is the last asked for";
+}
+
+TEST_F(Search, AListingOfEverySongIsReadInPagesThatFollowEachOther)
+{
+    for (int i = 0; i < 30; ++i)
+        Add("/m/more" + QByteArray::number(i), SongKinds::Midi, QStringLiteral("More %1").arg(i, 2, 10, QLatin1Char('0')), "", "", "");
+    LibraryQuery query;
+    query.order = LibraryOrder::Title;
+    query.limit = 10;
+    QStringList pages;
+    for (query.offset = 0; query.offset < 40; query.offset += 10)
+        pages += TitlesOf(query);
+    EXPECT_EQ(pages, Titles("", LibraryOrder::Title)) << "no song twice, none left out";
+    EXPECT_EQ(pages.size(), 35);
+    query.kind = SongKinds::Midi;
+    EXPECT_EQ(CountListed(database.Db(), query), 31);
+    query.withLyricsOnly = true;
+    EXPECT_EQ(CountListed(database.Db(), query), 0);
+}
+
 TEST_F(Search, ALimitHoldsAndAQueryOfNoWordsListsEverything)
 {
     LibraryQuery query;

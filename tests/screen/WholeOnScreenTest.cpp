@@ -8,6 +8,11 @@
 #include "ui/editor/DetailsDialog.h"
 #include "ui/editor/PictureDialog.h"
 #include "ui/karaoke/LyricWindow.h"
+#include "library/LibraryPaths.h"
+#include "library/LibraryScan.h"
+#include "library/SingerQueue.h"
+#include "ui/library/LibraryWindow.h"
+#include "ui/library/SingersWindow.h"
 #include "ui/midi/MidiEq.h"
 #include "ui/player/PlayerWindow.h"
 #include "ui/print/Printer.h"
@@ -114,6 +119,26 @@ TEST_F(Program, EveryOtherWindowAndDialogOpensWhole)
     ExpectWhole(*preferences, "the preferences");
     Capture(QStringLiteral("preferences"), preferences);
     preferences->hide();
+
+    // A library with the demo songs and the media fixtures in it, as after a scan.
+    ASSERT_NE(state.Library, nullptr);
+    LibraryScan scan(state.Library->Path(), {RawPath(SourcePath("resources/demo")), RawPath(MediaFixture(""))}, false,
+                     data.filePath("links"));
+    const std::atomic<bool> cancel{false};
+    ASSERT_EQ(scan.Run(cancel).added, 24);
+    windows.ShowLibrary();
+    QApplication::processEvents();
+    ASSERT_NE(windows.LibraryWidget(), nullptr);
+    ExpectWhole(*windows.LibraryWidget(), "the song library");
+    Capture(QStringLiteral("library"), windows.LibraryWidget());
+    SingerQueue& queue = *windows.Queue();
+    for (const char* name : {"Ann", "Bob"})
+        queue.Enqueue(*queue.AddSinger(QString::fromLatin1(name)), RawPath(SourcePath("resources/demo/twinkle.ogg")),
+                      "Twinkle, Twinkle, Little Star", "Traditional");
+    windows.ShowSingers();
+    QApplication::processEvents();
+    ExpectWhole(*windows.SingersWidget(), "the singers' queue");
+    Capture(QStringLiteral("singers"), windows.SingersWidget());
 
     const std::vector<QDialog*> dialogs = {
         new Printer(state.Lyrics.EditLyrics, store, state.Language, this->dialogs, &windows.PlayerWidget()),

@@ -3,9 +3,11 @@
 #include "library/LibraryDatabase.h"
 #include "library/LibraryPaths.h"
 #include "library/LibraryScanner.h"
+#include "library/SearchText.h"
 #include "library/SingerQueue.h"
 #include "ui/kit/Desktop.h"
 #include "ui/kit/Docking.h"
+#include "ui/kit/Palette.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -25,6 +27,8 @@
 #include <QVBoxLayout>
 
 namespace {
+
+constexpr int kScanRefreshMs = 1000;
 
 const QStringList& Kinds()
 {
@@ -75,7 +79,36 @@ void LibraryModel::SetHits(std::vector<LibraryHit> hits)
 {
     beginResetModel();
     m_hits = std::move(hits);
+    m_page = nullptr;
+    m_more = false;
     endResetModel();
+}
+
+void LibraryModel::SetPages(std::function<std::vector<LibraryHit>(int offset)> page)
+{
+    beginResetModel();
+    m_page = std::move(page);
+    m_hits = m_page(0);
+    m_more = m_hits.size() == size_t(kListedPage);
+    endResetModel();
+}
+
+bool LibraryModel::canFetchMore(const QModelIndex& parent) const
+{
+    return !parent.isValid() && m_more;
+}
+
+void LibraryModel::fetchMore(const QModelIndex& parent)
+{
+    if (!canFetchMore(parent))
+        return;
+    std::vector<LibraryHit> more = m_page(int(m_hits.size()));
+    m_more = more.size() == size_t(kListedPage);
+    if (more.empty())
+        return;
+    beginInsertRows({}, int(m_hits.size()), int(m_hits.size() + more.size()) - 1);
+    m_hits.insert(m_hits.end(), std::make_move_iterator(more.begin()), std::make_move_iterator(more.end()));
+    endInsertRows();
 }
 
 const LibraryHit* LibraryModel::Hit(int row) const
@@ -157,7 +190,7 @@ QMimeData* LibraryModel::mimeData(const QModelIndexList& indexes) const
 
 LibraryWindow::LibraryWindow(CoreState& state, LibraryDatabase& database, LibraryScanner& scanner, SingerQueue& queue,
                              Docking& docking, QWidget* parent)
-    : QWidget(parent, Qt::Tool),
+    : QWidget(parent, Qt::Window),
       m_state(state),
       m_database(database),
       m_scanner(scanner),
@@ -175,10 +208,16 @@ LibraryWindow::LibraryWindow(CoreState& state, LibraryDatabase& database, Librar
       m_unreadable(new QPushButton)
 {
     setObjectName(QStringLiteral("LibraryWindow"));
+    setPalette(ControlsPalette());
+    setAutoFillBackground(true);
     setWindowTitle(Text("SongLibraryTitle"));
     m_search->setObjectName(QStringLiteral("LibrarySearch"));
     m_search->setPlaceholderText(Text("LibrarySearchHint"));
     m_search->setClearButtonEnabled(true);
+    m_search->setMinimumWidth(120);
+    // A long status shortens instead of widening the window beyond a small screen.
+    m_status->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    m_table->setMinimumHeight(80);
     m_kind->addItem(Text("KindAll"), QString());
     for (const QString& kind : Kinds())
         m_kind->addItem(KindText(state.Language, kind), kind);
@@ -195,6 +234,12 @@ LibraryWindow::LibraryWindow(CoreState& state, LibraryDatabase& database, Librar
     m_table->horizontalHeader()->setSectionsClickable(true);
     m_table->horizontalHeader()->setSortIndicatorShown(false);
     m_table->horizontalHeader()->setStretchLastSection(false);
+    m_table->setAlternatingRowColors(true);
+    const int character = m_table->fontMetrics().averageCharWidth();
+    for (const auto& [column, characters] : std::initializer_list<std::pair<int, int>>{
+             {LibraryModel::Artist, 22}, {LibraryModel::Album, 18}, {LibraryModel::Length, 9},
+             {LibraryModel::Kind, 12}, {LibraryModel::Lyrics, 14}, {LibraryModel::Sung, 6}})
+        m_table->setColumnWidth(column, characters * character);
     m_table->horizontalHeader()->setSectionResizeMode(LibraryModel::Title, QHeaderView::Stretch);
     m_table->setWordWrap(false);
 
@@ -281,8 +326,18 @@ void LibraryWindow::Refresh()
     query.withLyricsOnly = m_withLyrics->isChecked();
     query.order = m_order;
     query.descending = m_descending;
-    query.limit = query.text.trimmed().isEmpty() ? 20000 : 1000;
-    m_model->SetHits(SearchSongs(m_database.Db(), query));
+    m_sinceRefresh.start();
+    if (SearchExpression(query.text).isEmpty()) {
+        query.limit = kListedPage;
+        m_model->SetPages([this, query](int offset) mutable {
+            query.offset = offset;
+            return SearchSongs(m_database.Db(), query);
+        });
+        m_listed = CountListed(m_database.Db(), query);
+    } else {
+        m_model->SetHits(SearchSongs(m_database.Db(), query));
+        m_listed = m_model->rowCount();
+    }
     ShowCount();
 }
 
@@ -291,7 +346,7 @@ void LibraryWindow::ShowCount()
     if (m_scanner.Busy())
         return;
     const LibraryStats stats = CountSongs(m_database.Db());
-    m_status->setText(Text("LibraryCount").arg(m_model->rowCount()).arg(stats.songs));
+    m_status->setText(Text("LibraryCount").arg(m_listed).arg(stats.songs));
     m_unreadable->setText(Text("LibraryUnreadable").arg(stats.unreadable));
     m_unreadable->setVisible(stats.unreadable > 0);
 }
@@ -317,8 +372,8 @@ void LibraryWindow::ScanProgress(int done, int total)
     m_cancel->setEnabled(true);
     m_scan->setEnabled(false);
     m_status->setText(total > 0 ? Text("LibraryScanning").arg(done).arg(total) : Text("LibraryLooking"));
-    // New songs show up as each batch is written.
-    if (done > 0)
+    // New songs show up as the batches are written, the list read again once a second at most.
+    if (done > 0 && (!m_sinceRefresh.isValid() || m_sinceRefresh.elapsed() >= kScanRefreshMs))
         Refresh();
 }
 

@@ -8,6 +8,7 @@
 #include "library/LibrarySongs.h"
 
 #include <QAbstractTableModel>
+#include <QElapsedTimer>
 #include <QWidget>
 #include <functional>
 
@@ -31,8 +32,14 @@ public:
 
     LibraryModel(const LanguageTable& language, std::function<QString(const QByteArray&)> openable,
                  QObject* parent = nullptr);
+    // The hits of a search, all at once.
     void SetHits(std::vector<LibraryHit> hits);
+    // A listing of every song, read a page at a time as the view scrolls down: `page` gives
+    // the songs from an offset.
+    void SetPages(std::function<std::vector<LibraryHit>(int offset)> page);
     const LibraryHit* Hit(int row) const;
+    bool canFetchMore(const QModelIndex& parent) const override;
+    void fetchMore(const QModelIndex& parent) override;
 
     int rowCount(const QModelIndex& parent = {}) const override;
     int columnCount(const QModelIndex& parent = {}) const override;
@@ -46,6 +53,8 @@ private:
     const LanguageTable& m_language;
     std::function<QString(const QByteArray&)> m_openable;
     std::vector<LibraryHit> m_hits;
+    std::function<std::vector<LibraryHit>(int offset)> m_page;
+    bool m_more = false;
 };
 
 // The language text of a song kind.
@@ -107,6 +116,8 @@ private:
     QPushButton* m_scan;
     QPushButton* m_cancel;
     QPushButton* m_unreadable;
+    QElapsedTimer m_sinceRefresh;
     LibraryOrder m_order = LibraryOrder::Relevance;
     bool m_descending = false;
+    int m_listed = 0;  // songs the list holds for the search and filters, read or not yet
 };

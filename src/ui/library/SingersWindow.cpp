@@ -3,6 +3,7 @@
 #include "library/KaraokeEvening.h"
 #include "library/SingerQueue.h"
 #include "ui/kit/Docking.h"
+#include "ui/kit/Palette.h"
 
 #include <QGridLayout>
 #include <QHeaderView>
@@ -20,7 +21,7 @@ enum Role { IdRole = Qt::UserRole, IsSingerRole };
 
 SingersWindow::SingersWindow(CoreState& state, SingerQueue& queue, KaraokeEvening& evening, Docking& docking,
                              QWidget* parent)
-    : QWidget(parent, Qt::Tool),
+    : QWidget(parent, Qt::Window),
       m_state(state),
       m_queue(queue),
       m_evening(evening),
@@ -37,6 +38,8 @@ SingersWindow::SingersWindow(CoreState& state, SingerQueue& queue, KaraokeEvenin
       m_play(new QPushButton(Text("PlayNextSinger")))
 {
     setObjectName(QStringLiteral("SingersWindow"));
+    setPalette(ControlsPalette());
+    setAutoFillBackground(true);
     setWindowTitle(Text("SingersTitle"));
     m_tree->setColumnCount(2);
     m_tree->setHeaderLabels({Text("ColumnSinger"), Text("ColumnKey")});
@@ -49,6 +52,9 @@ SingersWindow::SingersWindow(CoreState& state, SingerQueue& queue, KaraokeEvenin
     bold.setBold(true);
     m_next->setFont(bold);
     m_play->setDefault(true);
+    m_tree->setMinimumHeight(60);
+    m_now->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    m_next->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
 
     auto* buttons = new QGridLayout;
     buttons->addWidget(m_add, 0, 0);
@@ -162,6 +168,7 @@ void SingersWindow::UpdateButtons()
     m_pause->setEnabled(SelectedSinger() != 0 && !song);
     m_up->setEnabled(song);
     m_down->setEnabled(song);
+    m_undo->setEnabled(m_queue.CanUndoRemove());
 }
 
 void SingersWindow::AddSinger()

@@ -7,7 +7,7 @@
 #include "library/LibraryScan.h"
 #include "library/SingerQueue.h"
 
-#include <QCoreApplication>
+#include <QGuiApplication>
 #include <QFile>
 #include <cstdio>
 
@@ -45,7 +45,8 @@ int ScanOnce(const QString& path, const QString& folder)
 
 int main(int argc, char* argv[])
 {
-    QCoreApplication app(argc, argv);
+    // Lyrics are read as the player reads them, with the fonts they are measured in.
+    QGuiApplication app(argc, argv);
     const QStringList args = QCoreApplication::arguments().mid(1);
     if (args.size() == 2 && args[0] == u"queue")
         return QueueForever(args[1]);
