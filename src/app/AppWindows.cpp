@@ -24,6 +24,7 @@
 #include "ui/library/LibraryWindow.h"
 #include "ui/library/SingersWindow.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QMessageBox>
 #include <QTimer>
@@ -250,9 +251,15 @@ void AppWindows::ShowLibrary()
         m_libraryWindow = std::make_unique<LibraryWindow>(m_state, *m_state.Library, *m_scanner, *m_queue, m_docking);
         m_libraryWindow->Openable = [this](const QByteArray& path) { return OpenablePath(path, m_links.path()); };
         m_libraryWindow->MusicFolders = [this] { return MusicFoldersOf(*m_state.Theme); };
-        m_libraryWindow->Play = [this](const QString& path) {
-            if (!path.isEmpty())
-                m_transport->OpenSong(path, true);
+        m_libraryWindow->Play = [this](const LibraryHit& song) {
+            const QString path = OpenablePath(song.path, m_links.path());
+            if (path.isEmpty() || !m_transport->OpenSong(path, true))
+                return;
+            m_state.Library->Write([&] {
+                return RecordPlay(m_state.Library->Db(), song.path, song.title, song.artist, QString(),
+                                  QDateTime::currentSecsSinceEpoch());
+            });
+            m_libraryWindow->Refresh();
         };
         m_libraryWindow->AddToPlaylist = [this](const QStringList& paths) {
             LoadUserList();

@@ -52,14 +52,17 @@ bool KaraokeEvening::PlayNext()
 
 bool KaraokeEvening::SongEnded()
 {
-    if (!m_current || m_countdown.isActive() || !m_queue.Next())
+    if (!m_current || m_countdown.isActive())
         return false;
     KeepCurrentKey();
     m_current.reset();
+    // The last turn of the queue ends the music too: no playlist song starts in a singer's place.
     m_transport.StopSong();
-    m_secondsLeft = kCountdownSeconds;
-    m_countdown.start();
-    ShowCountdown();
+    if (m_queue.Next()) {
+        m_secondsLeft = kCountdownSeconds;
+        m_countdown.start();
+        ShowCountdown();
+    }
     emit changed();
     return true;
 }

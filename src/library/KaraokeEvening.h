@@ -24,8 +24,8 @@ public:
 
     // Plays the next turn at once; false when nobody waits with a song or it cannot be opened.
     bool PlayNext();
-    // The song that plays came to its end: true when the evening takes over from the playlist,
-    // counting down to the next turn.
+    // The song that plays came to its end: true when it was a turn of the queue, and the
+    // evening takes over from the playlist, counting down to the next turn if anyone waits.
     bool SongEnded();
     // The countdown stops; the song that plays goes on as any song.
     void Stop();

@@ -68,6 +68,8 @@ FolderWalk WalkFolders(const std::vector<QByteArray>& folders, const std::atomic
             if (!statError)
                 walk.files.insert(path, FileStamp{qint64(size), SecondsOf(time)});
         }
+        if (!error)
+            walk.whole.push_back(folder);
     }
     return walk;
 }
@@ -148,7 +150,7 @@ ScanCounts LibraryScan::Run(const std::atomic<bool>& cancel)
     if (!cancel && !counts.failed) {
         const bool written = database.Write([&] {
             for (auto it = known.cbegin(); it != known.cend(); ++it) {
-                if (walk.files.contains(it.key()) || !IsUnderAny(it.key(), m_folders))
+                if (walk.files.contains(it.key()) || !IsUnderAny(it.key(), walk.whole))
                     continue;
                 if (const auto moved = MovedTo(it.key(), it->stamp, added, walk.files); moved && !it->unreadable) {
                     if (!CarryOver(db, it.key(), *moved))

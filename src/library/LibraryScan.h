@@ -46,5 +46,8 @@ private:
 struct FolderWalk {
     QHash<QByteArray, FileStamp> files;
     std::vector<QByteArray> folders;
+    // The folders asked for that were there and walked to the end: only under these may a file
+    // missing from the walk be forgotten (an unplugged drive forgets nothing).
+    std::vector<QByteArray> whole;
 };
 FolderWalk WalkFolders(const std::vector<QByteArray>& folders, const std::atomic<bool>& cancel);

@@ -83,6 +83,7 @@ TEST_F(KaraokeNight, TheFolderIsScannedAndASongFoundInAFewKeystrokes)
 
     QTest::keyClick(&library.SearchBox(), Qt::Key_Return);
     EXPECT_EQ(state.CurrentFile, second) << "Enter plays the song found";
+    EXPECT_EQ(library.Model().Hit(0)->playCount, 1) << "the play is in the history";
 }
 
 TEST_F(KaraokeNight, SingersTakeTurnsWithACountdownAndKeepTheirKeys)
@@ -108,6 +109,13 @@ TEST_F(KaraokeNight, SingersTakeTurnsWithACountdownAndKeepTheirKeys)
     ASSERT_TRUE(evening.PlayNext());
     EXPECT_EQ(state.CurrentFile, second);
     EXPECT_EQ(evening.Current()->singer.name, "Bob");
+
+    state.Songs.AddItem("playlist song", "00:02", first);
+    Play(3.5);
+    EXPECT_FALSE(evening.CountingDown()) << "nobody waits";
+    EXPECT_FALSE(state.Session && state.Session->GetState() == SongSession::Running)
+        << "the last turn ends the music, no playlist song starts in a singer's place";
+    EXPECT_FALSE(evening.Current());
 
     queue.Enqueue(ann, RawPath(first), "Dancing Queen", "ABBA");
     EXPECT_EQ(queue.SongsOf(ann).at(0).semitones, 1) << "the key Ann sang it in";

@@ -143,6 +143,19 @@ TEST_F(Scanning, ANameThatIsNotUtf8IsStoredFoundAndPlayableThroughALink)
     EXPECT_EQ(Scan().removed, 1);
 }
 
+TEST_F(Scanning, AFolderThatIsGoneForgetsNothing)
+{
+    Scan();
+    const QString unplugged = music.path() + ".unplugged";
+    ASSERT_TRUE(QDir().rename(music.path(), unplugged)) << "as a drive taken away";
+    const ScanCounts gone = Scan();
+    QDir().rename(unplugged, music.path());
+    EXPECT_EQ(gone.found, 0);
+    EXPECT_EQ(gone.removed, 0);
+    ASSERT_TRUE(database.Open().Usable());
+    EXPECT_TRUE(Song("ramp.wav"));
+}
+
 TEST_F(Scanning, AStoppedScanKeepsWhatItWroteAndForgetsNothing)
 {
     Scan();

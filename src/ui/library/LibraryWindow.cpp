@@ -277,8 +277,8 @@ LibraryWindow::LibraryWindow(CoreState& state, LibraryDatabase& database, Librar
         Refresh();
     });
     connect(m_table, &QTableView::doubleClicked, this, [this](const QModelIndex& index) {
-        if (const LibraryHit* hit = m_model->Hit(index.row()); hit && Play && Openable)
-            Play(Openable(hit->path));
+        if (const LibraryHit* hit = m_model->Hit(index.row()); hit && Play)
+            Play(*hit);
     });
     connect(m_table, &QWidget::customContextMenuRequested, this, &LibraryWindow::ShowMenu);
     connect(m_scan, &QPushButton::clicked, this, &LibraryWindow::StartScan);
@@ -406,7 +406,7 @@ void LibraryWindow::ShowMenu(const QPoint& at)
     QMenu menu(this);
     menu.addAction(Text("LibraryPlay"), this, [this, first] {
         if (Play)
-            Play(Openable(first.path));
+            Play(first);
     });
     menu.addAction(Text("LibraryAddToList"), this, [this, hits] {
         QStringList paths;
@@ -447,11 +447,10 @@ void LibraryWindow::ShowUnreadable()
 
 void LibraryWindow::keyPressEvent(QKeyEvent* event)
 {
-    if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) && Play && Openable) {
+    if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) && Play) {
         const std::vector<const LibraryHit*> hits = SelectedHits();
-        const LibraryHit* hit = hits.empty() ? m_model->Hit(0) : hits.front();
-        if (hit)
-            Play(Openable(hit->path));
+        if (const LibraryHit* hit = hits.empty() ? m_model->Hit(0) : hits.front())
+            Play(*hit);
         return;
     }
     if (event->key() == Qt::Key_Down && m_search->hasFocus()) {

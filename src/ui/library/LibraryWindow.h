@@ -74,7 +74,7 @@ public:
     void Unload() override;
 
     // What the window's commands reach.
-    std::function<void(const QString& path)> Play;
+    std::function<void(const LibraryHit& song)> Play;
     std::function<void(const QStringList& paths)> AddToPlaylist;
     std::function<std::vector<QByteArray>()> MusicFolders;
     std::function<QString(const QByteArray& path)> Openable;
