@@ -240,13 +240,18 @@ void AppWindows::StartLibrary()
     QTimer::singleShot(kStartScanDelayMs, m_scanner.get(), [this] { ScanChangedMusicFolders(); });
 }
 
-void AppWindows::ShowLibrary()
+bool AppWindows::LibraryReady()
 {
     StartLibrary();
-    if (!m_scanner) {
+    if (!m_scanner)
         m_dialogs.Inform(m_state.Language.GetText(QStringLiteral("LibraryClosed")));
+    return m_scanner != nullptr;
+}
+
+void AppWindows::ShowLibrary()
+{
+    if (!LibraryReady())
         return;
-    }
     if (!m_libraryWindow) {
         m_libraryWindow = std::make_unique<LibraryWindow>(m_state, *m_state.Library, *m_scanner, *m_queue, m_docking);
         m_libraryWindow->Openable = [this](const QByteArray& path) { return OpenablePath(path, m_links.path()); };
@@ -278,11 +283,8 @@ void AppWindows::ShowLibrary()
 
 void AppWindows::ShowSingers()
 {
-    StartLibrary();
-    if (!m_scanner) {
-        m_dialogs.Inform(m_state.Language.GetText(QStringLiteral("LibraryClosed")));
+    if (!LibraryReady())
         return;
-    }
     if (!m_singersWindow) {
         m_singersWindow = std::make_unique<SingersWindow>(m_state, *m_queue, *m_evening, m_docking);
         const QRect player = Player().Geometry();

@@ -74,6 +74,8 @@ public:
 private:
     // The part of the screen the player and, when open, the playlist cover.
     QRect ShownToolsArea();
+    // The library's parts started; false, with a message, when the library could not be opened.
+    bool LibraryReady();
     // The music folders scanned when they are not those scanned last.
     void ScanChangedMusicFolders();
     // A command of a window's menu, for the player's commands once they are attached.

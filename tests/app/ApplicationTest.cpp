@@ -1,5 +1,6 @@
 #include "app/Application.h"
 #include "app/AppState.h"
+#include "library/LibraryDatabase.h"
 #include "app/SingleInstance.h"
 #include "core/WindowPosition.h"
 #include "support/FakeForms.h"
@@ -10,6 +11,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QSignalSpy>
+#include <QSqlQuery>
 #include <QTemporaryDir>
 #include <QThread>
 #include <QUuid>
@@ -277,4 +279,45 @@ TEST_F(StartUp, TheLyricsTypeIsRegisteredBesideTheFirstWindowNotBeforeIt)
     for (int i = 0; i < 1000 && !QFileInfo::exists(package); ++i)
         QThread::msleep(10);
     EXPECT_TRUE(QFileInfo::exists(package));
+}
+
+TEST_F(StartUp, TheSongLibraryOpensWithTheOldChoicesAndADamagedOneIsStartedAgain)
+{
+    WriteFileBytes(SongChoicesPath(data.path()), "#Songweaver song settings 1\n100-ab\t3\t1\t0\n");
+    {
+        Program p(journal, store, server, data.path());
+        ASSERT_TRUE(p.app.Main(QString()));
+        ASSERT_TRUE(p.state.Library);
+        ASSERT_TRUE(p.state.SongChoices);
+        EXPECT_EQ(p.state.SongChoices->Recall("100-ab"), (SongChoice{3, 1.0, false})) << "carried over from the old file";
+        EXPECT_TRUE(p.messages.messages.isEmpty());
+        p.app.CloseApp();
+    }
+    EXPECT_TRUE(QFileInfo::exists(LibraryPath(data.path())));
+
+    WriteFileBytes(LibraryPath(data.path()), QByteArray(8192, 'z'));
+    Program p(journal, store, server, data.path());
+    ASSERT_TRUE(p.app.Main(QString()));
+    ASSERT_EQ(p.messages.messages.size(), 1);
+    EXPECT_TRUE(p.messages.messages[0].startsWith("info: The song library was damaged.")) << p.messages.messages[0].toStdString();
+    ASSERT_TRUE(p.state.Library);
+    EXPECT_TRUE(p.state.SongChoices->Recall("100-ab").IsNeutral()) << "a new library";
+    p.app.CloseApp();
+}
+
+TEST_F(StartUp, ALibraryOfANewerVersionIsLeftAloneAndTheProgramRunsWithout)
+{
+    {
+        LibraryDatabase newer(LibraryPath(data.path()));
+        ASSERT_TRUE(newer.Open().Usable());
+        newer.Db().exec("PRAGMA user_version = 7");
+    }
+    Program p(journal, store, server, data.path());
+    ASSERT_TRUE(p.app.Main(QString()));
+    ASSERT_EQ(p.messages.messages.size(), 1);
+    EXPECT_TRUE(p.messages.messages[0].startsWith("critical: The song library was written by a newer version"))
+        << p.messages.messages[0].toStdString();
+    EXPECT_FALSE(p.state.Library);
+    EXPECT_FALSE(p.state.SongChoices);
+    p.app.CloseApp();
 }
