@@ -240,6 +240,12 @@ void AppWindows::StartLibrary()
     QTimer::singleShot(kStartScanDelayMs, m_scanner.get(), [this] { ScanChangedMusicFolders(); });
 }
 
+void AppWindows::PlaceBesideTools(QWidget& window)
+{
+    const QRect tools = ShownToolsArea();
+    PlaceOnScreen(window, PlaceBeside(tools, window.size(), AvailableScreenAt(tools)));
+}
+
 bool AppWindows::LibraryReady()
 {
     StartLibrary();
@@ -274,8 +280,7 @@ void AppWindows::ShowLibrary()
             if (m_singersWindow)
                 m_singersWindow->Refresh();
         };
-        const QRect player = Player().Geometry();
-        PlaceOnScreen(*m_libraryWindow, QRect(player.bottomLeft() + QPoint(0, 1), m_libraryWindow->size()));
+        PlaceBesideTools(*m_libraryWindow);
         m_loaded.push_back(m_libraryWindow.get());
     }
     m_libraryWindow->Show();
@@ -287,8 +292,7 @@ void AppWindows::ShowSingers()
         return;
     if (!m_singersWindow) {
         m_singersWindow = std::make_unique<SingersWindow>(m_state, *m_queue, *m_evening, m_docking);
-        const QRect player = Player().Geometry();
-        PlaceOnScreen(*m_singersWindow, QRect(player.topRight() + QPoint(1, 0), m_singersWindow->size()));
+        PlaceBesideTools(*m_singersWindow);
         m_loaded.push_back(m_singersWindow.get());
     }
     m_singersWindow->Show();

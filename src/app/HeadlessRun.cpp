@@ -53,7 +53,7 @@ void ArmHeadlessRun(std::function<void()> close)
     });
 }
 
-void ArmScriptedKeys(std::function<void(int)> key, std::function<void(int)> button)
+void ArmScriptedKeys(std::function<void(int, Qt::KeyboardModifiers)> key, std::function<void(int)> button)
 {
     if (qEnvironmentVariableIsEmpty("SONGWEAVER_CAPTURE_DIR"))
         return;
@@ -69,8 +69,10 @@ void ArmScriptedKeys(std::function<void(int)> key, std::function<void(int)> butt
             QTextStream(stdout) << "press " << what << " at " << second << " s" << Qt::endl;
             if (what.startsWith(u'#'))
                 button(what.mid(1).toInt());
+            else if (what.startsWith(u'^') && what.size() > 1)
+                key(Qt::Key_A + (what.at(1).toUpper().unicode() - u'A'), Qt::ControlModifier);
             else
-                key(Qt::Key_A + (what.at(0).toUpper().unicode() - u'A'));
+                key(Qt::Key_A + (what.at(0).toUpper().unicode() - u'A'), Qt::NoModifier);
         });
     }
 }

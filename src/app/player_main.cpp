@@ -78,7 +78,7 @@ int main(int argc, char* argv[])
                      [&transport](const QString& handed) { transport.OpenFromCommandLine(handed); });
     windows.LyricLoaded = [&state](LyricWindow& lyric) { LogLitSyllables(lyric, state.Lyrics); };
     ArmHeadlessRun(closeApp);
-    ArmScriptedKeys([&commands](int key) { commands.KeyDown(key, Qt::NoModifier); },
+    ArmScriptedKeys([&commands](int key, Qt::KeyboardModifiers modifiers) { commands.KeyDown(key, modifiers); },
                     [&commands](int number) {
                         if (const auto button = ButtonOfNumber(number))
                             commands.ButtonAction(*button);

@@ -718,3 +718,36 @@ TEST(Swtool, OnsetsPrintsWhereSoundsStart)
     EXPECT_EQ(Swtool({"onsets", home.filePath("gone.wav")}, home.path()).exitCode, 1);
     EXPECT_EQ(Swtool({"onsets"}, home.path()).exitCode, 2);
 }
+
+TEST(Swtool, LibraryScansSearchesAndCounts)
+{
+    QTemporaryDir home;
+    const QString db = home.filePath("songs.db");
+    const ToolRun scan = Swtool({"library", "scan", SourcePath("resources/demo"), "--db", db}, home.path());
+    ASSERT_EQ(scan.exitCode, 0) << scan.err.toStdString();
+    const QStringList counts = scan.out.split(u'\n', Qt::SkipEmptyParts);
+    ASSERT_EQ(counts.size(), 7);
+    EXPECT_EQ(counts.mid(0, 6), (QStringList{"found\t4", "added\t4", "updated\t0", "unchanged\t0", "removed\t0",
+                                             "unreadable\t0"}));
+    EXPECT_TRUE(counts[6].startsWith("seconds\t"));
+
+    const ToolRun search = Swtool({"library", "search", "twink", "litt", "--db", db, "--limit", "1"}, home.path());
+    ASSERT_EQ(search.exitCode, 0) << search.err.toStdString();
+    const QStringList lines = search.out.split(u'\n', Qt::SkipEmptyParts);
+    ASSERT_EQ(lines.size(), 2);
+    EXPECT_TRUE(lines[0].startsWith("midi\tTwinkle, Twinkle, Little Star\tTraditional\t") ||
+                lines[0].startsWith("audio\tTwinkle, Twinkle, Little Star\tTraditional\t"))
+        << lines[0].toStdString();
+    EXPECT_TRUE(lines[1].startsWith("# 1 found in ")) << lines[1].toStdString();
+
+    const ToolRun stats = Swtool({"library", "stats", "--db", db}, home.path());
+    EXPECT_TRUE(stats.out.startsWith("songs\t4\nwith lyrics\t4\nunreadable\t0\n")) << stats.out.toStdString();
+    EXPECT_TRUE(stats.out.contains("kind midi\t2\n"));
+
+    WriteFileBytes(db, QByteArray(5000, 'x'));
+    const ToolRun damaged = Swtool({"library", "stats", "--db", db}, home.path());
+    EXPECT_EQ(damaged.exitCode, 0);
+    EXPECT_TRUE(damaged.err.contains("The song library was damaged.")) << damaged.err.toStdString();
+    EXPECT_EQ(Swtool({"library", "search", "--db"}, home.path()).exitCode, 2);
+    EXPECT_EQ(Swtool({"library", "scan", home.filePath("nowhere"), "--db", db}, home.path()).exitCode, 1);
+}

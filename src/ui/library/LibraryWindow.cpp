@@ -43,6 +43,12 @@ QString Minutes(double seconds)
     return QStringLiteral("%1:%2").arg(whole / 60).arg(whole % 60, 2, 10, QLatin1Char('0'));
 }
 
+// The program's own lyrics by its name alone, another program's format as it is named.
+QString LyricsSourceText(const QString& source)
+{
+    return source.startsWith(QStringLiteral("Songweaver")) ? QStringLiteral("Songweaver") : source;
+}
+
 // The order a column's header asks for.
 LibraryOrder OrderOfColumn(int column)
 {
@@ -132,7 +138,7 @@ QVariant LibraryModel::data(const QModelIndex& index, int role) const
     if (!hit)
         return {};
     if (role == Qt::ToolTipRole)
-        return ShownPath(hit->path);
+        return index.column() == Lyrics ? hit->lyricsSource : ShownPath(hit->path);
     if (role == Qt::TextAlignmentRole && (index.column() == Length || index.column() == Sung))
         return int(Qt::AlignRight | Qt::AlignVCenter);
     if (role != Qt::DisplayRole)
@@ -143,7 +149,7 @@ QVariant LibraryModel::data(const QModelIndex& index, int role) const
     case Album: return hit->album;
     case Length: return Minutes(hit->length);
     case Kind: return KindText(m_language, hit->kind);
-    case Lyrics: return hit->lyricsSource;
+    case Lyrics: return LyricsSourceText(hit->lyricsSource);
     case Sung: return hit->playCount > 0 ? QString::number(hit->playCount) : QString();
     default: return {};
     }
@@ -238,7 +244,7 @@ LibraryWindow::LibraryWindow(CoreState& state, LibraryDatabase& database, Librar
     const int character = m_table->fontMetrics().averageCharWidth();
     for (const auto& [column, characters] : std::initializer_list<std::pair<int, int>>{
              {LibraryModel::Artist, 22}, {LibraryModel::Album, 18}, {LibraryModel::Length, 9},
-             {LibraryModel::Kind, 12}, {LibraryModel::Lyrics, 14}, {LibraryModel::Sung, 6}})
+             {LibraryModel::Kind, 12}, {LibraryModel::Lyrics, 17}, {LibraryModel::Sung, 6}})
         m_table->setColumnWidth(column, characters * character);
     m_table->horizontalHeader()->setSectionResizeMode(LibraryModel::Title, QHeaderView::Stretch);
     m_table->setWordWrap(false);
