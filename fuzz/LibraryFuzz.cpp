@@ -20,7 +20,8 @@ namespace {
 
 LibraryDatabase& SearchedLibrary(const QTemporaryDir& folder)
 {
-    static LibraryDatabase library(folder.filePath(QStringLiteral("searched.db")));
+    // Never destroyed: a static one would close after Qt's registry of connections is gone.
+    static auto& library = *new LibraryDatabase(folder.filePath(QStringLiteral("searched.db")));
     if (!library.IsOpen()) {
         library.Open();
         library.Write([] {
