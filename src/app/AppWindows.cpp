@@ -240,8 +240,12 @@ void AppWindows::StartLibrary()
     QTimer::singleShot(kStartScanDelayMs, m_scanner.get(), [this] { ScanChangedMusicFolders(); });
 }
 
-void AppWindows::PlaceBesideTools(QWidget& window)
+void AppWindows::PlaceFirstTime(QWidget& window, const QString& placeKey)
 {
+    if (const auto saved = ReadWindowPosition(m_store, placeKey)) {
+        PlaceOnScreen(window, *saved);
+        return;
+    }
     const QRect tools = ShownToolsArea();
     PlaceOnScreen(window, PlaceBeside(tools, window.size(), AvailableScreenAt(tools)));
 }
@@ -259,7 +263,8 @@ void AppWindows::ShowLibrary()
     if (!LibraryReady())
         return;
     if (!m_libraryWindow) {
-        m_libraryWindow = std::make_unique<LibraryWindow>(m_state, *m_state.Library, *m_scanner, *m_queue, m_docking);
+        m_libraryWindow =
+            std::make_unique<LibraryWindow>(m_state, *m_state.Library, *m_scanner, *m_queue, m_store, m_docking);
         m_libraryWindow->Openable = [this](const QByteArray& path) { return OpenablePath(path, m_links.path()); };
         m_libraryWindow->MusicFolders = [this] { return MusicFoldersOf(*m_state.Theme); };
         m_libraryWindow->Play = [this](const LibraryHit& song) {
@@ -280,7 +285,7 @@ void AppWindows::ShowLibrary()
             if (m_singersWindow)
                 m_singersWindow->Refresh();
         };
-        PlaceBesideTools(*m_libraryWindow);
+        PlaceFirstTime(*m_libraryWindow, QLatin1String(LibraryWindow::kPlaceKey));
         m_loaded.push_back(m_libraryWindow.get());
     }
     m_libraryWindow->Show();
@@ -291,8 +296,9 @@ void AppWindows::ShowSingers()
     if (!LibraryReady())
         return;
     if (!m_singersWindow) {
-        m_singersWindow = std::make_unique<SingersWindow>(m_state, *m_queue, *m_evening, m_docking);
-        PlaceBesideTools(*m_singersWindow);
+        m_singersWindow =
+            std::make_unique<SingersWindow>(m_state, *m_queue, *m_evening, *m_state.Library, m_store, m_docking);
+        PlaceFirstTime(*m_singersWindow, QLatin1String(SingersWindow::kPlaceKey));
         m_loaded.push_back(m_singersWindow.get());
     }
     m_singersWindow->Show();

@@ -74,9 +74,9 @@ public:
 private:
     // The part of the screen the player and, when open, the playlist cover.
     QRect ShownToolsArea();
-    // A window opened the first time: beside the player and the playlist, covering neither
-    // where the screen has room.
-    void PlaceBesideTools(QWidget& window);
+    // A window loaded: where it was last, else beside the player and the playlist, covering
+    // neither where the screen has room.
+    void PlaceFirstTime(QWidget& window, const QString& placeKey);
     // The library's parts started; false, with a message, when the library could not be opened.
     bool LibraryReady();
     // The music folders scanned when they are not those scanned last.

@@ -12,6 +12,8 @@
 #include "ui/player/PlayerWindow.h"
 
 #include <QLabel>
+#include <QTabWidget>
+#include <QTreeWidget>
 #include <QLineEdit>
 #include <QTableView>
 #include <QTemporaryDir>
@@ -119,4 +121,14 @@ TEST_F(KaraokeNight, SingersTakeTurnsWithACountdownAndKeepTheirKeys)
 
     queue.Enqueue(ann, RawPath(first), "Dancing Queen", "ABBA");
     EXPECT_EQ(queue.SongsOf(ann).at(0).semitones, 1) << "the key Ann sang it in";
+
+    singers.findChild<QTabWidget*>()->setCurrentIndex(1);
+    QTreeWidget& history = singers.History();
+    ASSERT_EQ(history.topLevelItemCount(), 2);
+    EXPECT_EQ(history.topLevelItem(0)->text(1), "Bob") << "the latest first";
+    EXPECT_EQ(history.topLevelItem(1)->text(2), "ABBA - Dancing Queen");
+
+    singers.move(40, 50);
+    singers.Unload();
+    EXPECT_TRUE(store.values.contains("singers position")) << "the window's place is kept for the next run";
 }

@@ -1,5 +1,6 @@
 #include "ui/library/LibraryWindow.h"
 
+#include "core/WindowPosition.h"
 #include "library/LibraryDatabase.h"
 #include "library/LibraryPaths.h"
 #include "library/LibraryScanner.h"
@@ -195,12 +196,13 @@ QMimeData* LibraryModel::mimeData(const QModelIndexList& indexes) const
 }
 
 LibraryWindow::LibraryWindow(CoreState& state, LibraryDatabase& database, LibraryScanner& scanner, SingerQueue& queue,
-                             Docking& docking, QWidget* parent)
+                             SettingsStore& store, Docking& docking, QWidget* parent)
     : QWidget(parent, Qt::Window),
       m_state(state),
       m_database(database),
       m_scanner(scanner),
       m_queue(queue),
+      m_store(store),
       m_docking(docking),
       m_model(new LibraryModel(state.Language, [this](const QByteArray& path) { return Openable ? Openable(path) : QString(); }, this)),
       m_search(new QLineEdit),
@@ -321,6 +323,7 @@ void LibraryWindow::SetTopMost(bool flag)
 
 void LibraryWindow::Unload()
 {
+    WriteWindowPosition(m_store, QLatin1String(kPlaceKey), geometry());
     hide();
 }
 

@@ -22,6 +22,7 @@ class QLineEdit;
 class QProgressBar;
 class QPushButton;
 class QTableView;
+class SettingsStore;
 class SingerQueue;
 struct ScanCounts;
 
@@ -63,8 +64,11 @@ QString KindText(const LanguageTable& language, const QString& kind);
 class LibraryWindow final : public QWidget, public Form {
     Q_OBJECT
 public:
+    // The settings key of the window's place.
+    static constexpr const char* kPlaceKey = "library position";
+
     LibraryWindow(CoreState& state, LibraryDatabase& database, LibraryScanner& scanner, SingerQueue& queue,
-                  Docking& docking, QWidget* parent = nullptr);
+                  SettingsStore& store, Docking& docking, QWidget* parent = nullptr);
     ~LibraryWindow() override;
 
     void Show() override;
@@ -105,6 +109,7 @@ private:
     LibraryDatabase& m_database;
     LibraryScanner& m_scanner;
     SingerQueue& m_queue;
+    SettingsStore& m_store;
     Docking& m_docking;
     LibraryModel* m_model;
     QLineEdit* m_search;

@@ -1,15 +1,21 @@
 #include "ui/library/SingersWindow.h"
 
+#include "core/WindowPosition.h"
 #include "library/KaraokeEvening.h"
+#include "library/LibraryDatabase.h"
+#include "library/LibrarySongs.h"
 #include "library/SingerQueue.h"
 #include "ui/kit/Docking.h"
 #include "ui/kit/Palette.h"
 
+#include <QDateTime>
 #include <QGridLayout>
 #include <QHeaderView>
 #include <QInputDialog>
 #include <QLabel>
+#include <QLocale>
 #include <QPushButton>
+#include <QTabWidget>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
@@ -17,16 +23,22 @@ namespace {
 
 enum Role { IdRole = Qt::UserRole, IsSingerRole };
 
+// The latest plays the history page lists.
+constexpr int kHistoryShown = 200;
+
 } // namespace
 
-SingersWindow::SingersWindow(CoreState& state, SingerQueue& queue, KaraokeEvening& evening, Docking& docking,
-                             QWidget* parent)
+SingersWindow::SingersWindow(CoreState& state, SingerQueue& queue, KaraokeEvening& evening,
+                             LibraryDatabase& database, SettingsStore& store, Docking& docking, QWidget* parent)
     : QWidget(parent, Qt::Window),
       m_state(state),
       m_queue(queue),
       m_evening(evening),
+      m_database(database),
+      m_store(store),
       m_docking(docking),
       m_tree(new QTreeWidget),
+      m_history(new QTreeWidget),
       m_now(new QLabel),
       m_next(new QLabel),
       m_add(new QPushButton(Text("AddSinger"))),
@@ -63,12 +75,26 @@ SingersWindow::SingersWindow(CoreState& state, SingerQueue& queue, KaraokeEvenin
     buttons->addWidget(m_up, 1, 0);
     buttons->addWidget(m_down, 1, 1);
     buttons->addWidget(m_undo, 1, 2);
+    m_history->setColumnCount(3);
+    m_history->setHeaderLabels({Text("ColumnSungAt"), Text("ColumnSinger"), Text("ColumnTitle")});
+    m_history->setRootIsDecorated(false);
+    m_history->header()->setStretchLastSection(true);
+    auto* queuePage = new QWidget;
+    auto* queueColumn = new QVBoxLayout(queuePage);
+    queueColumn->addWidget(m_tree, 1);
+    queueColumn->addLayout(buttons);
+    queueColumn->addWidget(m_play);
+    auto* pages = new QTabWidget;
+    pages->addTab(queuePage, Text("QueueTab"));
+    pages->addTab(m_history, Text("HistoryTab"));
+    connect(pages, &QTabWidget::currentChanged, this, [this](int page) {
+        if (page == 1)
+            ShowHistory();
+    });
     auto* column = new QVBoxLayout(this);
     column->addWidget(m_now);
     column->addWidget(m_next);
-    column->addWidget(m_tree, 1);
-    column->addLayout(buttons);
-    column->addWidget(m_play);
+    column->addWidget(pages, 1);
     resize(360, 440);
 
     connect(m_add, &QPushButton::clicked, this, &SingersWindow::AddSinger);
@@ -83,6 +109,10 @@ SingersWindow::SingersWindow(CoreState& state, SingerQueue& queue, KaraokeEvenin
     connect(m_play, &QPushButton::clicked, this, [this] { m_evening.PlayNext(); });
     connect(m_tree, &QTreeWidget::itemSelectionChanged, this, &SingersWindow::UpdateButtons);
     connect(&m_evening, &KaraokeEvening::changed, this, &SingersWindow::Refresh);
+    connect(&m_evening, &KaraokeEvening::changed, this, [this, pages] {
+        if (pages->currentIndex() == 1)
+            ShowHistory();
+    });
     m_docking.Register(this);
     Refresh();
 }
@@ -95,6 +125,23 @@ SingersWindow::~SingersWindow()
 QString SingersWindow::Text(const char* key) const
 {
     return m_state.Language.GetText(QLatin1String(key));
+}
+
+void SingersWindow::Unload()
+{
+    WriteWindowPosition(m_store, QLatin1String(kPlaceKey), geometry());
+    hide();
+}
+
+void SingersWindow::ShowHistory()
+{
+    m_history->clear();
+    for (const HistoryRow& row : PlayHistory(m_database.Db(), kHistoryShown)) {
+        const QString song = row.artist.isEmpty() ? row.title : row.artist + QStringLiteral(" - ") + row.title;
+        new QTreeWidgetItem(m_history, {QLocale().toString(QDateTime::fromSecsSinceEpoch(row.when), QLocale::ShortFormat),
+                                        row.singer, song});
+    }
+    m_history->resizeColumnToContents(0);
 }
 
 void SingersWindow::Show()

@@ -14,24 +14,29 @@ class QLabel;
 class QPushButton;
 class QTreeWidget;
 class QTreeWidgetItem;
+class LibraryDatabase;
+class SettingsStore;
 class SingerQueue;
 
 class SingersWindow final : public QWidget, public Form {
     Q_OBJECT
 public:
-    SingersWindow(CoreState& state, SingerQueue& queue, KaraokeEvening& evening, Docking& docking,
-                  QWidget* parent = nullptr);
+    static constexpr const char* kPlaceKey = "singers position";
+
+    SingersWindow(CoreState& state, SingerQueue& queue, KaraokeEvening& evening, LibraryDatabase& database,
+                  SettingsStore& store, Docking& docking, QWidget* parent = nullptr);
     ~SingersWindow() override;
 
     void Show() override;
     void Hide() override { hide(); }
     void Minimize() override { showMinimized(); }
     void SetTopMost(bool flag) override;
-    void Unload() override { hide(); }
+    void Unload() override;
 
     // The queue as the database holds it, shown again.
     void Refresh();
     QTreeWidget& Tree() { return *m_tree; }
+    QTreeWidget& History() { return *m_history; }
     QLabel& NextLabel() { return *m_next; }
 
 private:
@@ -41,6 +46,7 @@ private:
     void PauseSelected();
     void MoveSelected(int steps);
     void UpdateButtons();
+    void ShowHistory();
     // The singer (a top row) or song (a row below it) selected; 0 when none.
     qint64 SelectedSinger() const;
     qint64 SelectedSong() const;
@@ -48,8 +54,11 @@ private:
     CoreState& m_state;
     SingerQueue& m_queue;
     KaraokeEvening& m_evening;
+    LibraryDatabase& m_database;
+    SettingsStore& m_store;
     Docking& m_docking;
     QTreeWidget* m_tree;
+    QTreeWidget* m_history;
     QLabel* m_now;
     QLabel* m_next;
     QPushButton* m_add;
