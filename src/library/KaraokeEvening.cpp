@@ -43,6 +43,7 @@ bool KaraokeEvening::PlayNext()
     const QString path = OpenablePath(turn->song.path, m_linkFolder);
     if (path.isEmpty() || !m_transport.OpenSong(path, false))
         return false;
+    m_currentFile = m_state.CurrentFile;
     SongChoice choice = ChosenSound(m_state);
     choice.semitones = turn->song.semitones;
     ApplyChoice(m_state, choice);
@@ -52,6 +53,9 @@ bool KaraokeEvening::PlayNext()
 
 bool KaraokeEvening::SongEnded()
 {
+    // A song opened since, from the playlist or the library, is no turn of the queue.
+    if (m_current && m_state.CurrentFile != m_currentFile)
+        m_current.reset();
     if (!m_current || m_countdown.isActive())
         return false;
     KeepCurrentKey();
@@ -75,7 +79,7 @@ void KaraokeEvening::Stop()
 
 void KaraokeEvening::KeepCurrentKey()
 {
-    if (m_current)
+    if (m_current && m_state.CurrentFile == m_currentFile)
         m_queue.KeepKey(m_current->singer.name, m_current->song.path, KnobSemitones(m_state));
 }
 

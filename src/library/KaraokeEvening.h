@@ -54,4 +54,5 @@ private:
     QTimer m_countdown;
     int m_secondsLeft = 0;
     std::optional<Turn> m_current;
+    QString m_currentFile;  // the file the player opened for the turn
 };

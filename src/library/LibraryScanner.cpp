@@ -25,6 +25,10 @@ LibraryScanner::LibraryScanner(QString databasePath, bool polish, QString linkFo
         AddOnce(m_changed, {QFile::encodeName(folder)});
         m_settle.start();
     });
+    // The worker's progress and end are polled: Qt's queued calls synchronise inside Qt, where
+    // ThreadSanitizer cannot follow them.
+    m_poll.setInterval(kPollMs);
+    connect(&m_poll, &QTimer::timeout, this, &LibraryScanner::Poll);
     connect(&m_settle, &QTimer::timeout, this, [this] {
         Scan(m_changed);
         m_changed.clear();
@@ -61,22 +65,39 @@ void LibraryScanner::StartWaiting()
         m_worker.join();
     m_running = true;
     m_cancel = false;
+    m_finished = false;
+    m_done = 0;
+    m_total = 0;
+    m_shownDone = -1;
     auto scan = std::make_shared<LibraryScan>(m_databasePath, std::move(m_waiting), m_polish, m_linkFolder);
     m_waiting.clear();
     scan->Progress = [this](int done, int total) {
-        QMetaObject::invokeMethod(this, [this, done, total] { emit progress(done, total); }, Qt::QueuedConnection);
+        m_total = total;
+        m_done = done;
     };
     m_worker = std::thread([this, scan] {
-        const ScanCounts counts = scan->Run(m_cancel);
-        QMetaObject::invokeMethod(this, [this, counts] { Done(counts); }, Qt::QueuedConnection);
+        m_result = scan->Run(m_cancel);
+        m_finished = true;
     });
+    m_poll.start();
+}
+
+void LibraryScanner::Poll()
+{
+    if (const int done = m_done; done != m_shownDone) {
+        m_shownDone = done;
+        emit progress(done, m_total);
+    }
+    if (!m_finished)
+        return;
+    m_poll.stop();
+    m_worker.join();
+    Done(m_result);
 }
 
 void LibraryScanner::Done(const ScanCounts& counts)
 {
     m_running = false;
-    if (m_worker.joinable())
-        m_worker.join();
     Watch(counts.folders);
     emit finished(counts);
     StartWaiting();

@@ -15,6 +15,8 @@ class LibraryScanner final : public QObject {
 public:
     // At most this many folders are watched: the system's watches are few and shared.
     static constexpr int kWatchedFolders = 4000;
+    // How often the interface thread looks at the worker's progress.
+    static constexpr int kPollMs = 50;
 
     LibraryScanner(QString databasePath, bool polish, QString linkFolder, QObject* parent = nullptr);
     ~LibraryScanner() override;
@@ -34,6 +36,7 @@ signals:
 
 private:
     void StartWaiting();
+    void Poll();
     void Done(const ScanCounts& counts);
     void Watch(const std::vector<QByteArray>& folders);
 
@@ -42,6 +45,12 @@ private:
     QString m_linkFolder;
     std::thread m_worker;
     std::atomic<bool> m_cancel{false};
+    std::atomic<int> m_done{0};
+    std::atomic<int> m_total{0};
+    std::atomic<bool> m_finished{false};
+    ScanCounts m_result;  // the worker's, read once m_finished is set
+    int m_shownDone = -1;
+    QTimer m_poll;
     bool m_running = false;
     std::vector<QByteArray> m_waiting;
     QFileSystemWatcher m_watcher;

@@ -49,7 +49,8 @@ protected:
         return song;
     }
 
-    // 10 ms steps with both ticks, as the timers would.
+    // 10 ms steps with both ticks; the end of a song is looked for at each step, so no step
+    // waits for audio past the end of the file.
     void Play(double seconds)
     {
         for (int i = 0; i < int(seconds * 100 + 0.5); ++i) {
@@ -57,8 +58,7 @@ protected:
             if (!transport.Ticks().Running())
                 continue;
             transport.Ticks().PlaybackTick();
-            if (i % 50 == 49)
-                transport.Ticks().mmTimer();
+            transport.Ticks().mmTimer();
         }
     }
 
@@ -131,4 +131,23 @@ TEST_F(KaraokeNight, SingersTakeTurnsWithACountdownAndKeepTheirKeys)
     singers.move(40, 50);
     singers.Unload();
     EXPECT_TRUE(store.values.contains("singers position")) << "the window's place is kept for the next run";
+}
+
+TEST_F(KaraokeNight, ASongOpenedInATurnsPlaceEndsAsAnySong)
+{
+    SingerQueue& queue = *windows.Queue();
+    const qint64 ann = *queue.AddSinger("Ann");
+    queue.Enqueue(ann, RawPath(first), "Dancing Queen", "ABBA");
+    queue.Enqueue(ann, RawPath(first), "Dancing Queen", "ABBA");
+    KaraokeEvening& evening = *windows.Evening();
+    ASSERT_TRUE(evening.PlayNext());
+
+    // The host plays a song of the playlist instead, in another key.
+    state.Songs.AddItem("Wonderwall", "00:03", second);
+    transport.fnChangeSong(0);
+    commands.KeyDown(Qt::Key_Down, Qt::AltModifier);
+    Play(3.5);
+    EXPECT_FALSE(evening.CountingDown()) << "the playlist's song hands over as any song";
+    EXPECT_FALSE(evening.Current());
+    EXPECT_EQ(queue.SongsOf(ann).at(0).semitones, 0) << "the key of another song is not Ann's";
 }
