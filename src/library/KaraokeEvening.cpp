@@ -71,7 +71,7 @@ bool KaraokeEvening::SongEnded()
     return true;
 }
 
-void KaraokeEvening::Stop()
+void KaraokeEvening::HoldCountdown()
 {
     m_countdown.stop();
     emit changed();

@@ -27,8 +27,8 @@ public:
     // The song that plays came to its end: true when it was a turn of the queue, and the
     // evening takes over from the playlist, counting down to the next turn if anyone waits.
     bool SongEnded();
-    // The countdown stops; the song that plays goes on as any song.
-    void Stop();
+    // The countdown is held: the next turn waits for "Next singer".
+    void HoldCountdown();
     bool CountingDown() const { return m_countdown.isActive(); }
     int SecondsLeft() const { return m_secondsLeft; }
     // Who sings now, empty between turns and before the first.

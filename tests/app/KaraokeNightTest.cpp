@@ -12,6 +12,7 @@
 #include "ui/player/PlayerWindow.h"
 
 #include <QLabel>
+#include <QPushButton>
 #include <QTabWidget>
 #include <QTreeWidget>
 #include <QLineEdit>
@@ -107,6 +108,16 @@ TEST_F(KaraokeNight, SingersTakeTurnsWithACountdownAndKeepTheirKeys)
     ASSERT_TRUE(evening.CountingDown()) << "the end of Ann's song hands over to the queue, not the playlist";
     EXPECT_EQ(state.Lyrics.LyricsTitleText, "Next: Bob - Oasis - Wonderwall|Starts in 15 s");
     EXPECT_EQ(singers.NextLabel().text(), "Next: Bob - Oasis - Wonderwall Starts in 15 s");
+    QPushButton* hold = nullptr;
+    for (QPushButton* button : singers.findChildren<QPushButton*>())
+        if (button->text() == "Hold")
+            hold = button;
+    ASSERT_NE(hold, nullptr);
+    EXPECT_TRUE(hold->isVisibleTo(&singers));
+    hold->click();
+    EXPECT_FALSE(evening.CountingDown()) << "the host holds the evening";
+    EXPECT_FALSE(hold->isVisibleTo(&singers));
+    EXPECT_EQ(singers.NextLabel().text(), "Next: Bob - Oasis - Wonderwall");
 
     ASSERT_TRUE(evening.PlayNext());
     EXPECT_EQ(state.CurrentFile, second);

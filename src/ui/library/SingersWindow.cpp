@@ -10,6 +10,7 @@
 
 #include <QDateTime>
 #include <QGridLayout>
+#include <QHBoxLayout>
 #include <QHeaderView>
 #include <QInputDialog>
 #include <QLabel>
@@ -47,7 +48,8 @@ SingersWindow::SingersWindow(CoreState& state, SingerQueue& queue, KaraokeEvenin
       m_up(new QPushButton(Text("QueueUp"))),
       m_down(new QPushButton(Text("QueueDown"))),
       m_undo(new QPushButton(Text("QueueUndo"))),
-      m_play(new QPushButton(Text("PlayNextSinger")))
+      m_play(new QPushButton(Text("PlayNextSinger"))),
+      m_hold(new QPushButton(Text("HoldCountdown")))
 {
     setObjectName(QStringLiteral("SingersWindow"));
     setPalette(ControlsPalette());
@@ -83,7 +85,10 @@ SingersWindow::SingersWindow(CoreState& state, SingerQueue& queue, KaraokeEvenin
     auto* queueColumn = new QVBoxLayout(queuePage);
     queueColumn->addWidget(m_tree, 1);
     queueColumn->addLayout(buttons);
-    queueColumn->addWidget(m_play);
+    auto* turn = new QHBoxLayout;
+    turn->addWidget(m_play, 1);
+    turn->addWidget(m_hold);
+    queueColumn->addLayout(turn);
     auto* pages = new QTabWidget;
     pages->addTab(queuePage, Text("QueueTab"));
     pages->addTab(m_history, Text("HistoryTab"));
@@ -107,6 +112,7 @@ SingersWindow::SingersWindow(CoreState& state, SingerQueue& queue, KaraokeEvenin
         Refresh();
     });
     connect(m_play, &QPushButton::clicked, this, [this] { m_evening.PlayNext(); });
+    connect(m_hold, &QPushButton::clicked, this, [this] { m_evening.HoldCountdown(); });
     connect(m_tree, &QTreeWidget::itemSelectionChanged, this, &SingersWindow::UpdateButtons);
     connect(&m_evening, &KaraokeEvening::changed, this, &SingersWindow::Refresh);
     connect(&m_evening, &KaraokeEvening::changed, this, [this, pages] {
@@ -189,6 +195,7 @@ void SingersWindow::Refresh()
                     : m_evening.CountingDown() ? next + u' ' + Text("StartsIn").arg(m_evening.SecondsLeft())
                                                : next);
     m_play->setEnabled(!next.isEmpty());
+    m_hold->setVisible(m_evening.CountingDown());
     UpdateButtons();
 }
 

@@ -68,4 +68,5 @@ private:
     QPushButton* m_down;
     QPushButton* m_undo;
     QPushButton* m_play;
+    QPushButton* m_hold;
 };
