@@ -318,7 +318,7 @@ void LibraryWindow::Show()
 
 void LibraryWindow::SetTopMost(bool flag)
 {
-    setWindowFlag(Qt::WindowStaysOnTopHint, flag);
+    ::SetTopMost(*this, flag);
 }
 
 void LibraryWindow::Unload()

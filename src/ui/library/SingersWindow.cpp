@@ -5,6 +5,7 @@
 #include "library/LibraryDatabase.h"
 #include "library/LibrarySongs.h"
 #include "library/SingerQueue.h"
+#include "ui/kit/Desktop.h"
 #include "ui/kit/Docking.h"
 #include "ui/kit/Palette.h"
 
@@ -160,7 +161,7 @@ void SingersWindow::Show()
 
 void SingersWindow::SetTopMost(bool flag)
 {
-    setWindowFlag(Qt::WindowStaysOnTopHint, flag);
+    ::SetTopMost(*this, flag);
 }
 
 void SingersWindow::Refresh()
