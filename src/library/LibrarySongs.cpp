@@ -6,18 +6,22 @@
 #include <QSqlQuery>
 #include <QVariant>
 
-namespace {
-
-QSqlQuery Prepared(QSqlDatabase& db, const QString& statement)
+QSqlQuery PreparedQuery(QSqlDatabase& db, const QString& statement)
 {
     QSqlQuery query(db);
     query.prepare(statement);
     return query;
 }
 
+namespace {
+
+// The columns of a LibraryHit, in HitOfRow's order, of the table "songs s".
+const QString kHitColumns = QStringLiteral("s.id, s.path, s.kind, s.title, s.artist, s.album, s.length, "
+                                           "s.lyrics_source, s.play_count");
+
 std::optional<qint64> SongId(QSqlDatabase& db, const QByteArray& path)
 {
-    QSqlQuery query = Prepared(db, QStringLiteral("SELECT id FROM songs WHERE path = ?"));
+    QSqlQuery query = PreparedQuery(db, QStringLiteral("SELECT id FROM songs WHERE path = ?"));
     query.addBindValue(path);
     if (!query.exec() || !query.next())
         return std::nullopt;
@@ -26,9 +30,9 @@ std::optional<qint64> SongId(QSqlDatabase& db, const QByteArray& path)
 
 bool IndexSong(QSqlDatabase& db, qint64 id, const LibrarySong& song)
 {
-    QSqlQuery drop = Prepared(db, QStringLiteral("DELETE FROM songs_fts WHERE rowid = ?"));
+    QSqlQuery drop = PreparedQuery(db, QStringLiteral("DELETE FROM songs_fts WHERE rowid = ?"));
     drop.addBindValue(id);
-    QSqlQuery add = Prepared(db, QStringLiteral("INSERT INTO songs_fts(rowid, title, artist, album, lyrics) "
+    QSqlQuery add = PreparedQuery(db, QStringLiteral("INSERT INTO songs_fts(rowid, title, artist, album, lyrics) "
                                                 "VALUES(?, ?, ?, ?, ?)"));
     add.addBindValue(id);
     add.addBindValue(SqlText(FoldForSearch(song.title)));
@@ -69,9 +73,9 @@ QString OrderClause(const LibraryQuery& query)
 
 bool StoreSong(QSqlDatabase& db, const LibrarySong& song)
 {
-    QSqlQuery forget = Prepared(db, QStringLiteral("DELETE FROM unreadable WHERE path = ?"));
+    QSqlQuery forget = PreparedQuery(db, QStringLiteral("DELETE FROM unreadable WHERE path = ?"));
     forget.addBindValue(song.path);
-    QSqlQuery upsert = Prepared(db, QStringLiteral(R"(
+    QSqlQuery upsert = PreparedQuery(db, QStringLiteral(R"(
 INSERT INTO songs(path, size, mtime, kind, title, artist, album, length, lyrics_source)
 VALUES(?, ?, ?, ?, ?, ?, ?, ?, ?)
 ON CONFLICT(path) DO UPDATE SET size = excluded.size, mtime = excluded.mtime, kind = excluded.kind,
@@ -91,7 +95,7 @@ bool StoreUnreadable(QSqlDatabase& db, const QByteArray& path, const FileStamp& 
 {
     if (!ForgetFile(db, path))
         return false;
-    QSqlQuery add = Prepared(db, QStringLiteral("INSERT INTO unreadable(path, size, mtime, reason) VALUES(?, ?, ?, ?)"));
+    QSqlQuery add = PreparedQuery(db, QStringLiteral("INSERT INTO unreadable(path, size, mtime, reason) VALUES(?, ?, ?, ?)"));
     add.addBindValue(path);
     add.addBindValue(stamp.size);
     add.addBindValue(stamp.mtime);
@@ -102,21 +106,21 @@ bool StoreUnreadable(QSqlDatabase& db, const QByteArray& path, const FileStamp& 
 bool ForgetFile(QSqlDatabase& db, const QByteArray& path)
 {
     if (const auto id = SongId(db, path)) {
-        QSqlQuery unindex = Prepared(db, QStringLiteral("DELETE FROM songs_fts WHERE rowid = ?"));
+        QSqlQuery unindex = PreparedQuery(db, QStringLiteral("DELETE FROM songs_fts WHERE rowid = ?"));
         unindex.addBindValue(*id);
-        QSqlQuery drop = Prepared(db, QStringLiteral("DELETE FROM songs WHERE id = ?"));
+        QSqlQuery drop = PreparedQuery(db, QStringLiteral("DELETE FROM songs WHERE id = ?"));
         drop.addBindValue(*id);
         if (!unindex.exec() || !drop.exec())
             return false;
     }
-    QSqlQuery unreadable = Prepared(db, QStringLiteral("DELETE FROM unreadable WHERE path = ?"));
+    QSqlQuery unreadable = PreparedQuery(db, QStringLiteral("DELETE FROM unreadable WHERE path = ?"));
     unreadable.addBindValue(path);
     return unreadable.exec();
 }
 
 bool CarryOver(QSqlDatabase& db, const QByteArray& from, const QByteArray& to)
 {
-    QSqlQuery counts = Prepared(db, QStringLiteral(R"(
+    QSqlQuery counts = PreparedQuery(db, QStringLiteral(R"(
 UPDATE songs SET play_count = (SELECT play_count FROM songs WHERE path = :from),
                  last_played = (SELECT last_played FROM songs WHERE path = :from)
 WHERE path = :to)"));
@@ -125,7 +129,7 @@ WHERE path = :to)"));
     if (!counts.exec())
         return false;
     for (const char* table : {"history", "queue", "singer_keys"}) {
-        QSqlQuery move = Prepared(db, QStringLiteral("UPDATE OR IGNORE %1 SET path = ? WHERE path = ?").arg(QLatin1String(table)));
+        QSqlQuery move = PreparedQuery(db, QStringLiteral("UPDATE OR IGNORE %1 SET path = ? WHERE path = ?").arg(QLatin1String(table)));
         move.addBindValue(to);
         move.addBindValue(from);
         if (!move.exec())
@@ -174,8 +178,7 @@ std::vector<LibraryHit> SelectSongs(QSqlDatabase& db, const LibraryQuery& query,
     QStringList conditions = FilterConditions(query);
     if (!match.isEmpty())
         conditions.prepend(QStringLiteral("songs_fts MATCH :match"));
-    QString statement = QStringLiteral("SELECT s.id, s.path, s.kind, s.title, s.artist, s.album, s.length, "
-                                       "s.lyrics_source, s.play_count FROM songs s");
+    QString statement = QStringLiteral("SELECT ") + kHitColumns + QStringLiteral(" FROM songs s");
     if (!match.isEmpty())
         statement += QStringLiteral(" JOIN songs_fts ON songs_fts.rowid = s.id");
     if (!conditions.isEmpty())
@@ -184,7 +187,7 @@ std::vector<LibraryHit> SelectSongs(QSqlDatabase& db, const LibraryQuery& query,
         statement += QStringLiteral(" ORDER BY ") + order;
     statement += QStringLiteral(" LIMIT :limit OFFSET :offset");
 
-    QSqlQuery select = Prepared(db, statement);
+    QSqlQuery select = PreparedQuery(db, statement);
     select.setForwardOnly(true);
     if (!match.isEmpty())
         select.bindValue(QStringLiteral(":match"), match);
@@ -230,7 +233,7 @@ std::vector<LibraryHit> SearchSongs(QSqlDatabase& db, const LibraryQuery& query)
 int CountListed(QSqlDatabase& db, const LibraryQuery& query)
 {
     const QStringList conditions = FilterConditions(query);
-    QSqlQuery count = Prepared(db, QStringLiteral("SELECT count(*) FROM songs s") +
+    QSqlQuery count = PreparedQuery(db, QStringLiteral("SELECT count(*) FROM songs s") +
                                        (conditions.isEmpty() ? QString()
                                                              : QStringLiteral(" WHERE ") + conditions.join(QStringLiteral(" AND "))));
     if (!query.kind.isEmpty())
@@ -240,8 +243,8 @@ int CountListed(QSqlDatabase& db, const LibraryQuery& query)
 
 std::optional<LibraryHit> SongAt(QSqlDatabase& db, const QByteArray& path)
 {
-    QSqlQuery query = Prepared(db, QStringLiteral("SELECT id, path, kind, title, artist, album, length, lyrics_source, "
-                                                  "play_count FROM songs WHERE path = ?"));
+    QSqlQuery query = PreparedQuery(db, QStringLiteral("SELECT ") + kHitColumns +
+                                            QStringLiteral(" FROM songs s WHERE s.path = ?"));
     query.addBindValue(path);
     if (!query.exec() || !query.next())
         return std::nullopt;
@@ -283,11 +286,11 @@ LibraryStats CountSongs(QSqlDatabase& db)
 bool RecordPlay(QSqlDatabase& db, const QByteArray& path, const QString& title, const QString& artist,
                 const QString& singer, qint64 when)
 {
-    QSqlQuery count = Prepared(db, QStringLiteral("UPDATE songs SET play_count = play_count + 1, last_played = ? "
+    QSqlQuery count = PreparedQuery(db, QStringLiteral("UPDATE songs SET play_count = play_count + 1, last_played = ? "
                                                   "WHERE path = ?"));
     count.addBindValue(when);
     count.addBindValue(path);
-    QSqlQuery history = Prepared(db, QStringLiteral("INSERT INTO history(path, title, artist, singer, sung_at) "
+    QSqlQuery history = PreparedQuery(db, QStringLiteral("INSERT INTO history(path, title, artist, singer, sung_at) "
                                                     "VALUES(?, ?, ?, ?, ?)"));
     history.addBindValue(path);
     history.addBindValue(SqlText(title));
@@ -300,7 +303,7 @@ bool RecordPlay(QSqlDatabase& db, const QByteArray& path, const QString& title, 
 std::vector<HistoryRow> PlayHistory(QSqlDatabase& db, int limit)
 {
     std::vector<HistoryRow> rows;
-    QSqlQuery query = Prepared(db, QStringLiteral("SELECT path, title, artist, singer, sung_at FROM history "
+    QSqlQuery query = PreparedQuery(db, QStringLiteral("SELECT path, title, artist, singer, sung_at FROM history "
                                                   "ORDER BY sung_at DESC, id DESC LIMIT ?"));
     query.addBindValue(limit);
     if (query.exec()) {

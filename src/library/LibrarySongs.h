@@ -5,6 +5,7 @@
 #include <QByteArray>
 #include <QHash>
 #include <QSqlDatabase>
+#include <QSqlQuery>
 #include <QString>
 #include <QVariant>
 #include <optional>
@@ -75,6 +76,9 @@ struct KnownFile {
     FileStamp stamp;
     bool unreadable = false;
 };
+
+// A statement prepared on the connection, for binding.
+QSqlQuery PreparedQuery(QSqlDatabase& db, const QString& statement);
 
 // A text for a NOT NULL column: Qt binds a null QString as NULL.
 inline QVariant SqlText(const QString& text)

@@ -9,16 +9,9 @@
 
 namespace {
 
-QSqlQuery Prepared(QSqlDatabase& db, const QString& statement)
-{
-    QSqlQuery query(db);
-    query.prepare(statement);
-    return query;
-}
-
 bool Exec(QSqlDatabase& db, const QString& statement, const QVariantList& values)
 {
-    QSqlQuery query = Prepared(db, statement);
+    QSqlQuery query = PreparedQuery(db, statement);
     for (const QVariant& value : values)
         query.addBindValue(value);
     return query.exec();
@@ -55,7 +48,7 @@ std::vector<QueuedSong> SingerQueue::SongsOf(qint64 singerId) const
 {
     std::vector<QueuedSong> songs;
     QSqlQuery query =
-        Prepared(m_database.Db(), QStringLiteral("SELECT %1 FROM queue WHERE singer_id = ? ORDER BY place").arg(kSongColumns));
+        PreparedQuery(m_database.Db(), QStringLiteral("SELECT %1 FROM queue WHERE singer_id = ? ORDER BY place").arg(kSongColumns));
     query.addBindValue(singerId);
     if (query.exec()) {
         while (query.next())
@@ -91,7 +84,7 @@ std::optional<qint64> SingerQueue::AddSinger(const QString& name)
     const int round = CurrentRound();
     m_database.Write([&] {
         QSqlDatabase& db = m_database.Db();
-        QSqlQuery add = Prepared(db, QStringLiteral("INSERT INTO singers(name, turns, place) "
+        QSqlQuery add = PreparedQuery(db, QStringLiteral("INSERT INTO singers(name, turns, place) "
                                                     "VALUES(?, ?, (SELECT coalesce(max(place), 0) + 1 FROM singers))"));
         add.addBindValue(trimmed);
         add.addBindValue(round);
@@ -122,7 +115,7 @@ std::optional<qint64> SingerQueue::Enqueue(qint64 singerId, const QByteArray& pa
 {
     std::optional<qint64> id;
     m_database.Write([&] {
-        QSqlQuery add = Prepared(m_database.Db(), QStringLiteral(R"(
+        QSqlQuery add = PreparedQuery(m_database.Db(), QStringLiteral(R"(
 INSERT INTO queue(singer_id, path, title, artist, place, semitones)
 VALUES(:singer, :path, :title, :artist,
        (SELECT coalesce(max(place), 0) + 1 FROM queue WHERE singer_id = :singer),
@@ -144,7 +137,7 @@ bool SingerQueue::Move(qint64 songId, int steps)
 {
     return m_database.Write([&] {
         QSqlDatabase& db = m_database.Db();
-        QSqlQuery owner = Prepared(db, QStringLiteral("SELECT singer_id FROM queue WHERE id = ?"));
+        QSqlQuery owner = PreparedQuery(db, QStringLiteral("SELECT singer_id FROM queue WHERE id = ?"));
         owner.addBindValue(songId);
         if (!owner.exec() || !owner.next())
             return false;
@@ -169,7 +162,7 @@ bool SingerQueue::Remove(qint64 songId)
     double place = 0;
     const bool done = m_database.Write([&] {
         QSqlDatabase& db = m_database.Db();
-        QSqlQuery song = Prepared(db, QStringLiteral("SELECT %1, place FROM queue WHERE id = ?").arg(kSongColumns));
+        QSqlQuery song = PreparedQuery(db, QStringLiteral("SELECT %1, place FROM queue WHERE id = ?").arg(kSongColumns));
         song.addBindValue(songId);
         if (!song.exec() || !song.next())
             return false;
@@ -191,7 +184,7 @@ bool SingerQueue::UndoRemove()
     const QueuedSong& song = *m_removed;
     const bool done = m_database.Write([&] {
         // A singer who left meanwhile takes no song back.
-        QSqlQuery add = Prepared(m_database.Db(),
+        QSqlQuery add = PreparedQuery(m_database.Db(),
                                  QStringLiteral("INSERT INTO queue(id, singer_id, path, title, artist, place, semitones) "
                                                 "SELECT ?, ?, ?, ?, ?, ?, ? WHERE EXISTS (SELECT 1 FROM singers WHERE id = ?)"));
         for (const QVariant& value : {QVariant(song.id), QVariant(song.singerId), QVariant(song.path),
