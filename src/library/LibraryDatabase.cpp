@@ -79,6 +79,10 @@ CREATE INDEX songs_by_artist ON songs(artist COLLATE NOCASE, title COLLATE NOCAS
 CREATE INDEX songs_by_title ON songs(title COLLATE NOCASE);
 CREATE INDEX songs_by_plays ON songs(play_count, title COLLATE NOCASE);
 )"),
+        QStringLiteral(R"(
+ALTER TABLE queue ADD COLUMN guest TEXT NOT NULL DEFAULT '';
+ALTER TABLE queue ADD COLUMN pending INTEGER NOT NULL DEFAULT 0;
+)"),
     };
     return steps;
 }

@@ -20,8 +20,9 @@ struct LibraryOpening {
 class LibraryDatabase {
 public:
     // 1: songs and their search index. 2: unreadable files, song choices, singers, the queue
-    // and the history of what was sung; the orders of the song list indexed.
-    static constexpr int kSchemaVersion = 2;
+    // and the history of what was sung; the orders of the song list indexed. 3: songs asked for
+    // by guests' phones, waiting for the host's approval or not.
+    static constexpr int kSchemaVersion = 3;
 
     explicit LibraryDatabase(QString path);
     ~LibraryDatabase();

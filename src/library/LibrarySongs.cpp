@@ -241,14 +241,27 @@ int CountListed(QSqlDatabase& db, const LibraryQuery& query)
     return count.exec() && count.next() ? count.value(0).toInt() : 0;
 }
 
-std::optional<LibraryHit> SongAt(QSqlDatabase& db, const QByteArray& path)
+namespace {
+
+std::optional<LibraryHit> SongWhere(QSqlDatabase& db, const QString& condition, const QVariant& value)
 {
-    QSqlQuery query = PreparedQuery(db, QStringLiteral("SELECT ") + kHitColumns +
-                                            QStringLiteral(" FROM songs s WHERE s.path = ?"));
-    query.addBindValue(path);
+    QSqlQuery query = PreparedQuery(db, QStringLiteral("SELECT ") + kHitColumns + QStringLiteral(" FROM songs s WHERE ") + condition);
+    query.addBindValue(value);
     if (!query.exec() || !query.next())
         return std::nullopt;
     return HitOfRow(query);
+}
+
+} // namespace
+
+std::optional<LibraryHit> SongAt(QSqlDatabase& db, const QByteArray& path)
+{
+    return SongWhere(db, QStringLiteral("s.path = ?"), path);
+}
+
+std::optional<LibraryHit> SongWithId(QSqlDatabase& db, qint64 id)
+{
+    return SongWhere(db, QStringLiteral("s.id = ?"), id);
 }
 
 std::vector<std::pair<QByteArray, QString>> UnreadableFiles(QSqlDatabase& db)

@@ -98,6 +98,7 @@ std::vector<LibraryHit> SearchSongs(QSqlDatabase& db, const LibraryQuery& query)
 // How many songs a listing without words holds with the query's filters.
 int CountListed(QSqlDatabase& db, const LibraryQuery& query);
 std::optional<LibraryHit> SongAt(QSqlDatabase& db, const QByteArray& path);
+std::optional<LibraryHit> SongWithId(QSqlDatabase& db, qint64 id);
 // The unreadable files and why, by path.
 std::vector<std::pair<QByteArray, QString>> UnreadableFiles(QSqlDatabase& db);
 LibraryStats CountSongs(QSqlDatabase& db);

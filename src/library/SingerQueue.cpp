@@ -20,10 +20,12 @@ bool Exec(QSqlDatabase& db, const QString& statement, const QVariantList& values
 QueuedSong SongOfRow(const QSqlQuery& query)
 {
     return QueuedSong{query.value(0).toLongLong(), query.value(1).toLongLong(), query.value(2).toByteArray(),
-                      query.value(3).toString(), query.value(4).toString(), query.value(5).toInt()};
+                      query.value(3).toString(),   query.value(4).toString(),   query.value(5).toInt(),
+                      query.value(6).toString(),   query.value(7).toBool()};
 }
 
-const QString kSongColumns = QStringLiteral("id, singer_id, path, title, artist, semitones");
+const QString kSongColumns = QStringLiteral("id, singer_id, path, title, artist, semitones, guest, pending");
+constexpr int kPlaceColumn = 8;
 
 bool Waits(const Singer& singer, const std::vector<qint64>& withSongs)
 {
@@ -61,7 +63,7 @@ int SingerQueue::CurrentRound() const
 {
     std::vector<qint64> withSongs;
     QSqlQuery query(m_database.Db());
-    if (query.exec(QStringLiteral("SELECT DISTINCT singer_id FROM queue"))) {
+    if (query.exec(QStringLiteral("SELECT DISTINCT singer_id FROM queue WHERE pending = 0"))) {
         while (query.next())
             withSongs.push_back(query.value(0).toLongLong());
     }
@@ -110,27 +112,76 @@ bool SingerQueue::SetPaused(qint64 singerId, bool paused)
     });
 }
 
+std::optional<qint64> SingerQueue::SingerNamed(const QString& name)
+{
+    const QString trimmed = name.simplified();
+    for (const Singer& singer : Singers()) {
+        if (singer.name.compare(trimmed, Qt::CaseInsensitive) == 0)
+            return singer.id;
+    }
+    return AddSinger(trimmed);
+}
+
 std::optional<qint64> SingerQueue::Enqueue(qint64 singerId, const QByteArray& path, const QString& title,
-                                           const QString& artist)
+                                           const QString& artist, std::optional<int> semitones, const QString& guest,
+                                           bool pending)
 {
     std::optional<qint64> id;
     m_database.Write([&] {
         QSqlQuery add = PreparedQuery(m_database.Db(), QStringLiteral(R"(
-INSERT INTO queue(singer_id, path, title, artist, place, semitones)
+INSERT INTO queue(singer_id, path, title, artist, place, semitones, guest, pending)
 VALUES(:singer, :path, :title, :artist,
        (SELECT coalesce(max(place), 0) + 1 FROM queue WHERE singer_id = :singer),
-       coalesce((SELECT k.semitones FROM singer_keys k JOIN singers s ON s.name = k.singer
-                 WHERE s.id = :singer AND k.path = :path), 0)))"));
+       coalesce(:semitones,
+                (SELECT k.semitones FROM singer_keys k JOIN singers s ON s.name = k.singer
+                 WHERE s.id = :singer AND k.path = :path), 0),
+       :guest, :pending))"));
         add.bindValue(QStringLiteral(":singer"), singerId);
         add.bindValue(QStringLiteral(":path"), path);
         add.bindValue(QStringLiteral(":title"), SqlText(title));
         add.bindValue(QStringLiteral(":artist"), SqlText(artist));
+        add.bindValue(QStringLiteral(":semitones"), semitones ? QVariant(*semitones) : QVariant(QMetaType(QMetaType::Int)));
+        add.bindValue(QStringLiteral(":guest"), SqlText(guest));
+        add.bindValue(QStringLiteral(":pending"), pending ? 1 : 0);
         if (!add.exec())
             return false;
         id = add.lastInsertId().toLongLong();
         return true;
     });
     return id;
+}
+
+bool SingerQueue::Approve(qint64 songId)
+{
+    return m_database.Write(
+        [&] { return Exec(m_database.Db(), QStringLiteral("UPDATE queue SET pending = 0 WHERE id = ?"), {songId}); });
+}
+
+std::vector<QueuedSong> SingerQueue::SongsOfGuest(const QString& guest) const
+{
+    std::vector<QueuedSong> songs;
+    QSqlQuery query =
+        PreparedQuery(m_database.Db(), QStringLiteral("SELECT %1 FROM queue WHERE guest = ? ORDER BY id").arg(kSongColumns));
+    query.addBindValue(guest);
+    if (query.exec()) {
+        while (query.next())
+            songs.push_back(SongOfRow(query));
+    }
+    return songs;
+}
+
+int SingerQueue::RemoveGuest(const QString& guest)
+{
+    int removed = 0;
+    m_database.Write([&] {
+        QSqlQuery remove = PreparedQuery(m_database.Db(), QStringLiteral("DELETE FROM queue WHERE guest = ? AND guest <> ''"));
+        remove.addBindValue(guest);
+        if (!remove.exec())
+            return false;
+        removed = remove.numRowsAffected();
+        return true;
+    });
+    return removed;
 }
 
 bool SingerQueue::Move(qint64 songId, int steps)
@@ -167,7 +218,7 @@ bool SingerQueue::Remove(qint64 songId)
         if (!song.exec() || !song.next())
             return false;
         removed = SongOfRow(song);
-        place = song.value(6).toDouble();
+        place = song.value(kPlaceColumn).toDouble();
         return Exec(db, QStringLiteral("DELETE FROM queue WHERE id = ?"), {songId});
     });
     if (done) {
@@ -185,11 +236,12 @@ bool SingerQueue::UndoRemove()
     const bool done = m_database.Write([&] {
         // A singer who left meanwhile takes no song back.
         QSqlQuery add = PreparedQuery(m_database.Db(),
-                                 QStringLiteral("INSERT INTO queue(id, singer_id, path, title, artist, place, semitones) "
-                                                "SELECT ?, ?, ?, ?, ?, ?, ? WHERE EXISTS (SELECT 1 FROM singers WHERE id = ?)"));
+                                 QStringLiteral("INSERT INTO queue(id, singer_id, path, title, artist, place, semitones, guest, pending) "
+                                                "SELECT ?, ?, ?, ?, ?, ?, ?, ?, ? WHERE EXISTS (SELECT 1 FROM singers WHERE id = ?)"));
         for (const QVariant& value : {QVariant(song.id), QVariant(song.singerId), QVariant(song.path),
                                       SqlText(song.title), SqlText(song.artist), QVariant(m_removedPlace),
-                                      QVariant(song.semitones), QVariant(song.singerId)})
+                                      QVariant(song.semitones), SqlText(song.guest), QVariant(song.pending ? 1 : 0),
+                                      QVariant(song.singerId)})
             add.addBindValue(value);
         return add.exec() && add.numRowsAffected() == 1;
     });
@@ -200,15 +252,36 @@ bool SingerQueue::UndoRemove()
 
 std::optional<Turn> SingerQueue::Next() const
 {
-    std::optional<Turn> next;
+    const std::vector<Turn> upcoming = Upcoming();
+    return upcoming.empty() ? std::nullopt : std::optional<Turn>(upcoming.front());
+}
+
+std::vector<Turn> SingerQueue::Upcoming() const
+{
+    struct Waiting {
+        Singer singer;
+        std::vector<QueuedSong> songs;
+    };
+    std::vector<Waiting> waiting;
     for (const Singer& singer : Singers()) {
-        if (singer.paused || (next && singer.turns >= next->singer.turns))
-            continue;
-        const std::vector<QueuedSong> songs = SongsOf(singer.id);
-        if (!songs.empty())
-            next = Turn{singer, songs.front()};
+        std::vector<QueuedSong> songs = SongsOf(singer.id);
+        std::erase_if(songs, [](const QueuedSong& song) { return song.pending; });
+        if (!singer.paused && !songs.empty())
+            waiting.push_back({singer, std::move(songs)});
     }
-    return next;
+    std::vector<Turn> turns;
+    for (;;) {
+        Waiting* next = nullptr;
+        for (Waiting& w : waiting) {
+            if (!w.songs.empty() && (!next || w.singer.turns < next->singer.turns))
+                next = &w;
+        }
+        if (!next)
+            return turns;
+        turns.push_back({next->singer, next->songs.front()});
+        next->songs.erase(next->songs.begin());
+        ++next->singer.turns;
+    }
 }
 
 std::optional<Turn> SingerQueue::TakeNext(qint64 when)
@@ -223,7 +296,7 @@ std::optional<Turn> SingerQueue::TakeNext(qint64 when)
         return Exec(db, QStringLiteral("DELETE FROM queue WHERE id = ?"), {next->song.id}) &&
                Exec(db, QStringLiteral("UPDATE singers SET turns = ? WHERE id = ?"), {turns, next->singer.id}) &&
                Exec(db, QStringLiteral("UPDATE singers SET turns = ? WHERE turns < ? AND (paused <> 0 OR "
-                                       "id NOT IN (SELECT singer_id FROM queue))"),
+                                       "id NOT IN (SELECT singer_id FROM queue WHERE pending = 0))"),
                     {next->singer.turns, next->singer.turns}) &&
                RecordPlay(db, next->song.path, next->song.title, next->song.artist, next->singer.name, when);
     });

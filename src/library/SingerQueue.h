@@ -29,6 +29,8 @@ struct QueuedSong {
     QByteArray path;
     QString title, artist;
     int semitones = 0;
+    QString guest;         // the guest whose phone asked for it, empty when the host queued it
+    bool pending = false;  // asked for by a guest and waiting for the host's approval
 };
 
 struct Turn {
@@ -48,8 +50,19 @@ public:
     bool RemoveSinger(qint64 singerId);
     bool SetPaused(qint64 singerId, bool paused);
 
-    // The song goes to the end of the singer's list, in the key the singer last sang it in.
-    std::optional<qint64> Enqueue(qint64 singerId, const QByteArray& path, const QString& title, const QString& artist);
+    // The singer of that name, added when there is none yet.
+    std::optional<qint64> SingerNamed(const QString& name);
+
+    // The song goes to the end of the singer's list, in the key the singer last sang it in, or
+    // in `semitones` when given. A guest's song waits for approval when `pending`.
+    std::optional<qint64> Enqueue(qint64 singerId, const QByteArray& path, const QString& title, const QString& artist,
+                                  std::optional<int> semitones = std::nullopt, const QString& guest = QString(),
+                                  bool pending = false);
+    bool Approve(qint64 songId);
+    // A guest's songs still in the queue.
+    std::vector<QueuedSong> SongsOfGuest(const QString& guest) const;
+    // Every song of the guest leaves the queue; how many did.
+    int RemoveGuest(const QString& guest);
     // Up (negative) or down the singer's list.
     bool Move(qint64 songId, int steps);
     bool Remove(qint64 songId);
@@ -59,6 +72,8 @@ public:
 
     // Who sings next and what, nothing when no singer waits with a song.
     std::optional<Turn> Next() const;
+    // Every turn to come in the order they will be sung if nothing changes.
+    std::vector<Turn> Upcoming() const;
     // The next turn taken: the song leaves the queue, the singer's turn is counted and the
     // play history has it, in one transaction.
     std::optional<Turn> TakeNext(qint64 when);
