@@ -42,6 +42,7 @@ public:
     void ShowAbout() override {}
     void ShowLibrary() override {}
     void ShowSingers() override {}
+    void ShowRemote() override {}
     void ShowTutorial() override {}
     PlaylistForm* list = nullptr;
 

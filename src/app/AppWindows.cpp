@@ -20,12 +20,18 @@
 #include "library/KaraokeEvening.h"
 #include "library/LibraryPaths.h"
 #include "library/LibraryScanner.h"
+#include "library/LibrarySongs.h"
 #include "library/SingerQueue.h"
 #include "ui/library/LibraryWindow.h"
 #include "ui/library/SingersWindow.h"
+#include "remote/GuestBook.h"
+#include "remote/QrCode.h"
+#include "remote/RemoteServer.h"
+#include "ui/remote/RemoteWindow.h"
 
 #include <QDateTime>
 #include <QDir>
+#include <QFileInfo>
 #include <QMessageBox>
 #include <QTimer>
 
@@ -33,6 +39,8 @@ namespace {
 
 // How long after start-up the music folders are looked over again.
 constexpr int kStartScanDelayMs = 3000;
+// How often the song that plays is told to the guests and their changes looked for.
+constexpr int kRemoteWatchMs = 500;
 
 std::vector<QByteArray> MusicFoldersOf(const ThemeClass& theme)
 {
@@ -209,6 +217,7 @@ void AppWindows::ShowPreferences(int tab)
             if (m_lyric)
                 m_lyric->ApplySettings();
             ScanChangedMusicFolders();
+            ApplyRemote();
         };
     }
     m_options->ShowTab(tab);
@@ -237,6 +246,12 @@ void AppWindows::StartLibrary()
     m_queue = std::make_unique<SingerQueue>(*m_state.Library);
     m_evening = std::make_unique<KaraokeEvening>(*m_queue, m_state, *m_transport, *this, m_links.path());
     m_transport->Ticks().SongEnded = [this] { return m_evening->SongEnded(); };
+    m_evening->Invitation = [this] {
+        const QString address = RemoteAddress();
+        return address.isEmpty() ? QString()
+                                 : m_state.Language.GetText(QStringLiteral("RemoteScanHint")).arg(address, m_state.Theme->RemotePin);
+    };
+    ApplyRemote();
     QTimer::singleShot(kStartScanDelayMs, m_scanner.get(), [this] { ScanChangedMusicFolders(); });
 }
 
@@ -298,6 +313,7 @@ void AppWindows::ShowSingers()
     if (!m_singersWindow) {
         m_singersWindow =
             std::make_unique<SingersWindow>(m_state, *m_queue, *m_evening, *m_state.Library, m_store, m_docking);
+        m_singersWindow->BlockGuest = [this](const QString& guestId) { BlockGuest(guestId); };
         PlaceFirstTime(*m_singersWindow, QLatin1String(SingersWindow::kPlaceKey));
         m_loaded.push_back(m_singersWindow.get());
     }
@@ -313,4 +329,113 @@ void AppWindows::ScanChangedMusicFolders()
         return;
     m_scannedFolders = folders;
     m_scanner->Scan(folders);
+}
+
+void AppWindows::ApplyRemote()
+{
+    if (!m_state.Theme || !m_state.Library || !m_state.Library->IsOpen())
+        return;
+    ThemeClass& theme = *m_state.Theme;
+    if (!ValidPin(theme.RemotePin))
+        theme.RemotePin = NewPin();
+    RemoteSettings settings;
+    settings.pin = theme.RemotePin;
+    settings.approveEach = theme.RemoteApprove;
+    settings.requestsPerMinute = theme.RemoteRequestsPerMinute;
+    settings.songsPerGuest = theme.RemoteSongsPerGuest;
+    m_remoteShared.SetSettings(settings);
+
+    const bool listensAsAsked = m_remote && m_remote->Listening().port == theme.RemotePort;
+    if (!theme.RemoteOn) {
+        m_remote.reset();
+        m_remoteFailure.clear();
+    } else if (!listensAsAsked) {
+        m_remote.reset();
+        auto remote = std::make_unique<RemoteServer>(m_state.Library->Path(), m_remoteShared);
+        const RemoteListening listening = remote->Start(LocalNetworkAddresses(), quint16(theme.RemotePort));
+        m_remoteFailure = listening.Listening() ? QString() : listening.error;
+        if (listening.Listening())
+            m_remote = std::move(remote);
+    }
+    if (!m_remoteWatch.isActive()) {
+        m_remoteWatch.setInterval(kRemoteWatchMs);
+        QObject::connect(&m_remoteWatch, &QTimer::timeout, [this] { WatchRemote(); });
+    }
+    if (m_remote)
+        m_remoteWatch.start();
+    else
+        m_remoteWatch.stop();
+    ShowInvitation();
+    if (m_remoteWindow)
+        m_remoteWindow->ShowState(RemoteAddress(), theme.RemotePin, m_remoteFailure);
+}
+
+QString AppWindows::RemoteAddress() const
+{
+    return m_remote ? RemoteAddressText(m_remote->Listening().addresses, m_remote->Listening().port) : QString();
+}
+
+void AppWindows::WatchRemote()
+{
+    NowPlaying now;
+    if (m_evening && m_evening->Current() && m_state.CurrentFile == OpenablePath(m_evening->Current()->song.path, m_links.path())) {
+        const Turn& turn = *m_evening->Current();
+        now = {turn.song.title, turn.song.artist, turn.singer.name};
+    } else if (m_state.SongOpen()) {
+        const std::optional<LibraryHit> song = SongAt(m_state.Library->Db(), RawPath(m_state.CurrentFile));
+        now.title = song ? song->title : QFileInfo(m_state.CurrentFile).completeBaseName();
+        now.artist = song ? song->artist : QString();
+    }
+    if (!(now == m_remoteShared.Now()))
+        m_remoteShared.SetNowPlaying(now);
+
+    const quint64 changes = m_remoteShared.GuestChanges();
+    if (changes != m_guestChangesSeen) {
+        m_guestChangesSeen = changes;
+        if (m_singersWindow)
+            m_singersWindow->Refresh();
+    }
+    if (m_remoteWindow && m_remoteWindow->isVisible())
+        m_remoteWindow->RefreshGuests();
+    ShowInvitation();
+}
+
+void AppWindows::ShowInvitation()
+{
+    if (!m_lyric)
+        return;
+    const QString address = RemoteAddress();
+    if (address != m_invitationAddress) {
+        m_invitationAddress = address;
+        m_invitationCode = address.isEmpty() ? QImage() : QrCodeImage(address, 1);
+    }
+    const bool betweenSongs = !m_state.SongOpen() || (m_evening && m_evening->CountingDown());
+    m_lyric->ShowInvitation(betweenSongs ? m_invitationCode : QImage());
+}
+
+void AppWindows::BlockGuest(const QString& guestId)
+{
+    if (guestId.isEmpty())
+        return;
+    m_remoteShared.Block(guestId);
+    if (m_queue)
+        m_queue->RemoveGuest(guestId);
+    if (m_singersWindow)
+        m_singersWindow->Refresh();
+}
+
+void AppWindows::ShowRemote()
+{
+    if (!LibraryReady())
+        return;
+    if (!m_remoteWindow) {
+        m_remoteWindow = std::make_unique<RemoteWindow>(m_state.Language, m_remoteShared);
+        m_remoteWindow->BlockGuest = [this](const QString& guestId) { BlockGuest(guestId); };
+        PlaceFirstTime(*m_remoteWindow, QStringLiteral("remote position"));
+    }
+    m_remoteWindow->ShowState(RemoteAddress(), m_state.Theme->RemotePin, m_remoteFailure);
+    m_remoteWindow->RefreshGuests();
+    m_remoteWindow->show();
+    m_remoteWindow->raise();
+    m_remoteWindow->activateWindow();
 }

@@ -6,7 +6,11 @@
 #include "ui/kit/Desktop.h"
 #include "ui/kit/Docking.h"
 
+#include "remote/RemoteShared.h"
+
+#include <QImage>
 #include <QTemporaryDir>
+#include <QTimer>
 #include <functional>
 #include <memory>
 
@@ -29,6 +33,8 @@ class LibraryWindow;
 class SingerQueue;
 class SingersWindow;
 class KaraokeEvening;
+class RemoteServer;
+class RemoteWindow;
 
 class AppWindows final : public FormProvider {
 public:
@@ -62,11 +68,17 @@ public:
     void ShowTutorial() override;
     void ShowLibrary() override;
     void ShowSingers() override;
+    void ShowRemote() override;
     // Once the library is open: the evening's turn at each song's end, and a rescan of the
     // music folders in the background, after which they are watched.
     void StartLibrary();
     LibraryWindow* LibraryWidget() { return m_libraryWindow.get(); }
     SingersWindow* SingersWidget() { return m_singersWindow.get(); }
+    RemoteWindow* RemoteWidget() { return m_remoteWindow.get(); }
+    RemoteServer* Remote() { return m_remote.get(); }
+    RemoteShared& RemoteState() { return m_remoteShared; }
+    // The guests' page switched on or off, and its settings taken, as the preferences say.
+    void ApplyRemote();
     KaraokeEvening* Evening() { return m_evening.get(); }
     SingerQueue* Queue() { return m_queue.get(); }
     LyricOptions* Preferences() { return m_options.get(); }
@@ -81,6 +93,14 @@ private:
     bool LibraryReady();
     // The music folders scanned when they are not those scanned last.
     void ScanChangedMusicFolders();
+    // The page's address when it listens, else empty.
+    QString RemoteAddress() const;
+    // The song that plays told to the guests; the host's windows shown again after guests'
+    // changes.
+    void WatchRemote();
+    void BlockGuest(const QString& guestId);
+    // The page's QR code in the karaoke window between songs while the page listens.
+    void ShowInvitation();
     // A command of a window's menu, for the player's commands once they are attached.
     void RunPlayerCommand(const QString& key);
 
@@ -107,4 +127,12 @@ private:
     std::unique_ptr<KaraokeEvening> m_evening;
     std::unique_ptr<LibraryWindow> m_libraryWindow;
     std::unique_ptr<SingersWindow> m_singersWindow;
+    RemoteShared m_remoteShared;
+    std::unique_ptr<RemoteServer> m_remote;
+    QString m_remoteFailure;
+    QTimer m_remoteWatch;
+    quint64 m_guestChangesSeen = 0;
+    std::unique_ptr<RemoteWindow> m_remoteWindow;
+    QString m_invitationAddress;
+    QImage m_invitationCode;
 };

@@ -149,6 +149,8 @@ public:
     // The song library and the singers' queue, loaded when first asked for.
     virtual void ShowLibrary() = 0;
     virtual void ShowSingers() = 0;
+    // The guests' phones: the page's address, its QR code and the guests.
+    virtual void ShowRemote() = 0;
     // The online tutorial in the user's browser.
     virtual void ShowTutorial() = 0;
 };

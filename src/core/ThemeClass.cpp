@@ -144,6 +144,12 @@ std::vector<ThemeClass::Setting> ThemeClass::Settings()
         boolean("keep pitch", KeepPitch, true),
         boolean("cdg smooth", CdgSmooth, false),
         text("library folders", LibraryFolders, m_defaultMusicPath),
+        boolean("remote on", RemoteOn, false),
+        int32("remote port", RemotePort, 8777),
+        text("remote pin", RemotePin, QString()),
+        boolean("remote approve", RemoteApprove, false),
+        int32("remote requests per minute", RemoteRequestsPerMinute, 10),
+        int32("remote songs per guest", RemoteSongsPerGuest, 3),
     };
 }
 

@@ -95,6 +95,14 @@ public:
     bool CdgSmooth{};
     // The song library's music folders, one a line.
     QString LibraryFolders;
+    // The guests' web page: off at first; its port, its PIN (made when first switched on),
+    // whether the host approves each song, and how much one guest may ask for.
+    bool RemoteOn{};
+    int32_t RemotePort{};
+    QString RemotePin;
+    bool RemoteApprove{};
+    int32_t RemoteRequestsPerMinute{};
+    int32_t RemoteSongsPerGuest{};
     QString Monitor;
     QString SoundFont;  // the SoundFont of MIDI songs; empty for the one the system installs
     // Not persisted.

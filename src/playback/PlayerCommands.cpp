@@ -264,6 +264,8 @@ void PlayerCommands::MenuCommand(const QString& key)
         m_forms.ShowLibrary();
     else if (key == u"Singers")
         m_forms.ShowSingers();
+    else if (key == u"Remote")
+        m_forms.ShowRemote();
     else if (key == u"Keyboard")
         ShowPreferences(5);
     else if (key == u"About" && !m_state.Recording)

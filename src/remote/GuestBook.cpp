@@ -49,7 +49,8 @@ GuestBook::JoinResult GuestBook::Join(const QString& name, const QString& pin, c
     if (m_guests.size() >= mostGuests)
         return {Joining::Full};
     Guest guest;
-    guest.id = QStringLiteral("g%1").arg(m_nextId++);
+    // Random, so a guest of an earlier evening whose songs are still queued is nobody today.
+    guest.id = QString::fromLatin1(NewSessionToken().left(16));
     guest.name = simplified;
     guest.address = address;
     guest.token = NewSessionToken();

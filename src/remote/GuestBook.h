@@ -70,5 +70,4 @@ private:
     QHash<QByteArray, Guest> m_guests;  // by token
     QHash<QString, std::deque<qint64>> m_wrongPins;
     QHash<QString, qint64> m_blockedUntil;  // addresses after too many wrong PINs; 0 for ever
-    qint64 m_nextId = 1;
 };

@@ -163,7 +163,7 @@ TEST_F(StartUp, NoSoundDeviceShowsTheMessageAndClosesInOrder)
     EXPECT_EQ(journal.calls[message - 1], "Player.Show");
     EXPECT_EQ(journal.calls.last(), "EndProcess");
     EXPECT_EQ(journal.IndexOf(QStringLiteral("Lyric.Show")), -1);
-    EXPECT_EQ(store.writes.size(), 47) << "the settings and the recent files";
+    EXPECT_EQ(store.writes.size(), 53) << "the settings and the recent files";
 }
 
 TEST_F(StartUp, ShutdownReleasesInOrderAndWritesSettingsOnce)
@@ -190,7 +190,7 @@ TEST_F(StartUp, ShutdownReleasesInOrderAndWritesSettingsOnce)
     EXPECT_EQ(p.ended, 1);
     EXPECT_TRUE(p.state.Lyrics.PlayLyrics.empty());
     EXPECT_FALSE(p.state.Theme);
-    EXPECT_EQ(store.writes.size(), 47) << "every setting and the recent files written exactly once";
+    EXPECT_EQ(store.writes.size(), 53) << "every setting and the recent files written exactly once";
     EXPECT_EQ(store.values[QStringLiteral("karaoke window")], "0") << "the karaoke window's state is kept";
     EXPECT_EQ(ReadFileBytes(PlaylistIniPath(freshData)), "#EXTM3U\r\n#EXTINF:1,Song\r\n/songs/song.mp3\r\n");
 }

@@ -217,10 +217,10 @@ TEST(ThemeClass, SaveWritesEveryKeyOnceOnTopFirstRecordDeviceLast)
     Loaded loaded(store);
     loaded.theme.Save();
 
-    ASSERT_EQ(store.writes.size(), 46);
+    ASSERT_EQ(store.writes.size(), 52);
     EXPECT_EQ(store.writes.first(), "on top");
     EXPECT_EQ(store.writes.last(), "record device");
-    EXPECT_EQ(QSet<QString>(store.writes.begin(), store.writes.end()).size(), 46);
+    EXPECT_EQ(QSet<QString>(store.writes.begin(), store.writes.end()).size(), 52);
     EXPECT_EQ(store.values[QStringLiteral("library folders")], "/music") << "the library starts at the music folder";
     EXPECT_EQ(store.values[QStringLiteral("cdg smooth")], "0") << "disc graphics keep their pixels crisp at first";
     EXPECT_EQ(store.values[QStringLiteral("keep pitch")], "1") << "an audio song's tempo keeps its key at first";
@@ -231,7 +231,7 @@ TEST(ThemeClass, SaveWritesEveryKeyOnceOnTopFirstRecordDeviceLast)
     const auto stored = loaded.theme.StoredValues();
     EXPECT_EQ(stored.front().first, "karaoke window");
     EXPECT_EQ(stored[2].first, "record device");
-    EXPECT_EQ(stored.back().first, "library folders");
+    EXPECT_EQ(stored.back().first, "remote songs per guest");
 }
 
 TEST(ThemeClass, RestoreTakesBackASnapshotAndTheDefaultsOfAFreshInstall)

@@ -142,3 +142,56 @@ TEST_F(Evening, TheQueueIsTheSameWhenTheProgramStartsAgain)
     EXPECT_EQ(again.Next()->singer.name, "Bob");
     EXPECT_EQ(again.Next()->song.title, "Bob song 1");
 }
+
+TEST_F(Evening, TheTurnsToComeAreTheTurnsTakenInOrder)
+{
+    Singer("Ann", 3);
+    Singer("Bob", 1);
+    Singer("Cid", 2);
+    QStringList foreseen;
+    for (const Turn& turn : queue.Upcoming())
+        foreseen << turn.singer.name + ":" + turn.song.title;
+    QStringList taken;
+    while (const auto turn = queue.TakeNext(++clock))
+        taken << turn->singer.name + ":" + turn->song.title;
+    EXPECT_EQ(foreseen, taken);
+    EXPECT_EQ(taken.size(), 6);
+}
+
+TEST_F(Evening, AGuestsSongWaitingForApprovalIsNoTurnUntilApproved)
+{
+    Singer("Ann", 1);
+    const qint64 zoe = *queue.SingerNamed("Zoe");
+    EXPECT_EQ(queue.SingerNamed(" zoe "), zoe) << "the same guest is the same singer";
+    const qint64 asked = *queue.Enqueue(zoe, "/m/rain.mp3", "Purple Rain", "Prince", -3, "g7", true);
+    ASSERT_EQ(queue.Upcoming().size(), 1u);
+    EXPECT_EQ(queue.SongsOfGuest("g7").size(), 1u);
+    EXPECT_TRUE(queue.SongsOfGuest("g7").front().pending);
+
+    EXPECT_EQ(Sing(1), QStringList{"Ann"});
+    EXPECT_FALSE(queue.Next()) << "only a waiting song is left";
+    ASSERT_TRUE(queue.Approve(asked));
+    const auto next = queue.Next();
+    ASSERT_TRUE(next);
+    EXPECT_EQ(next->singer.name, "Zoe");
+    EXPECT_EQ(next->song.semitones, -3) << "the key the guest asked for";
+    EXPECT_EQ(next->song.guest, "g7");
+}
+
+TEST_F(Evening, ARemovedRequestComesBackAsARequestAndABlockedGuestsSongsGo)
+{
+    const qint64 zoe = *queue.AddSinger("Zoe");
+    const qint64 first = *queue.Enqueue(zoe, "/m/a.mp3", "A", "", std::nullopt, "g1", true);
+    queue.Enqueue(zoe, "/m/b.mp3", "B", "", std::nullopt, "g1", false);
+    queue.Enqueue(zoe, "/m/c.mp3", "C", "");
+    ASSERT_TRUE(queue.Remove(first));
+    ASSERT_TRUE(queue.UndoRemove());
+    const auto back = queue.SongsOf(zoe).front();
+    EXPECT_EQ(back.guest, "g1");
+    EXPECT_TRUE(back.pending);
+
+    EXPECT_EQ(queue.RemoveGuest("g1"), 2);
+    ASSERT_EQ(queue.SongsOf(zoe).size(), 1u);
+    EXPECT_EQ(queue.SongsOf(zoe).front().title, "C") << "the host's own song stays";
+    EXPECT_EQ(queue.RemoveGuest(""), 0) << "the host's songs are nobody's to block";
+}

@@ -208,6 +208,7 @@ public:
     void ShowAbout() override { shownInfo << QStringLiteral("About"); }
     void ShowLibrary() override { shownInfo << QStringLiteral("Library"); }
     void ShowSingers() override { shownInfo << QStringLiteral("Singers"); }
+    void ShowRemote() override { shownInfo << QStringLiteral("Remote"); }
     void ShowTutorial() override { shownInfo << QStringLiteral("Tutorial"); }
     QStringList shownInfo;  // the dialogs and pages shown, in order
 

@@ -55,7 +55,7 @@ TEST(Swtool, SettingsPrintsEveryKeyInLoadOrderAsStored)
     const ToolRun run = Swtool({"settings"}, home.path());
     ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
     const QStringList lines = run.out.split(u'\n', Qt::SkipEmptyParts);
-    ASSERT_EQ(lines.size(), 46);
+    ASSERT_EQ(lines.size(), 52);
     EXPECT_EQ(lines[0], "karaoke window\t1");
     EXPECT_EQ(lines[1], "karaoke offset\t0.5");
     EXPECT_EQ(lines[2], "record device\t4099");
@@ -66,7 +66,9 @@ TEST(Swtool, SettingsPrintsEveryKeyInLoadOrderAsStored)
     EXPECT_EQ(lines[42], "sound font\t");
     EXPECT_EQ(lines[43], "keep pitch\t1");
     EXPECT_EQ(lines[44], "cdg smooth\t0");
-    EXPECT_TRUE(lines.last().startsWith("library folders\t"));
+    EXPECT_TRUE(lines[45].startsWith("library folders\t"));
+    EXPECT_EQ(lines[46], "remote on\t0") << "guests' phones are off at first";
+    EXPECT_EQ(lines.last(), "remote songs per guest\t3");
     EXPECT_EQ(ReadFileBytes(home.filePath(QStringLiteral("Tonehaven/Songweaver.conf"))),
               "[General]\nkaraoke%20offset=\"0,5\"\nkaraoke%20ball=-1\nfullscreen%20monitor=Monitor 9\n")
         << "looking does not write";

@@ -170,15 +170,36 @@ void LyricWindow::Rebuild()
     m_view.ResizeMe(size(), devicePixelRatioF(), isFullScreen());
 }
 
+namespace {
+
+// A quarter of the window's shorter side in its lower right corner: big enough for a phone's
+// camera across a room, small enough to leave the countdown's lines free.
+QRect InvitationArea(QSize window)
+{
+    const int side = std::min(window.width(), window.height()) / 4;
+    const int margin = side / 10;
+    return {window.width() - side - margin, window.height() - side - margin, side, side};
+}
+
+} // namespace
+
 void LyricWindow::paintEvent(QPaintEvent* event)
 {
     QPainter painter(this);
-    const QImage& frame = m_view.Frame();
-    if (frame.isNull()) {
+    if (m_view.Frame().isNull())
         painter.fillRect(event->rect(), Qt::black);
+    else
+        m_view.Paint(painter, event->rect());
+    if (!m_invitation.isNull())
+        painter.drawImage(InvitationArea(size()), m_invitation);
+}
+
+void LyricWindow::ShowInvitation(const QImage& code)
+{
+    if (code.cacheKey() == m_invitation.cacheKey())
         return;
-    }
-    m_view.Paint(painter, event->rect());
+    m_invitation = code;
+    update(InvitationArea(size()));
 }
 
 void LyricWindow::resizeEvent(QResizeEvent*)

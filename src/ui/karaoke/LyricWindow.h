@@ -40,6 +40,9 @@ public:
 
     KaraokeView& View() { return m_view; }
     void ToggleFullScreen();
+    // A QR code in the corner, where guests' phones ask for songs; a null image takes it away.
+    void ShowInvitation(const QImage& code);
+    const QImage& Invitation() const { return m_invitation; }
     // The settings changed in the preferences: the page shows them at once.
     void ApplySettings() { m_view.ApplySettings(); }
     // The window's menu runs one of its commands by key ("Fullscreen", "FitText", "Play", ...).
@@ -77,6 +80,7 @@ private:
     LyricsState& m_lyrics;
     SettingsStore& m_store;
     KaraokeView m_view;
+    QImage m_invitation;
     QTimer m_lastTimer;
     QTimer m_transitionTimer;
     QRect m_framedGeometry;

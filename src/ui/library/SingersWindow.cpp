@@ -23,7 +23,7 @@
 
 namespace {
 
-enum Role { IdRole = Qt::UserRole, IsSingerRole };
+enum Role { IdRole = Qt::UserRole, IsSingerRole, GuestRole, PendingRole };
 
 // The latest plays the history page lists.
 constexpr int kHistoryShown = 200;
@@ -50,7 +50,9 @@ SingersWindow::SingersWindow(CoreState& state, SingerQueue& queue, KaraokeEvenin
       m_down(new QPushButton(Text("QueueDown"))),
       m_undo(new QPushButton(Text("QueueUndo"))),
       m_play(new QPushButton(Text("PlayNextSinger"))),
-      m_hold(new QPushButton(Text("HoldCountdown")))
+      m_hold(new QPushButton(Text("HoldCountdown"))),
+      m_approve(new QPushButton(Text("SingersApprove"))),
+      m_block(new QPushButton(Text("RemoteBlock")))
 {
     setObjectName(QStringLiteral("SingersWindow"));
     setPalette(ControlsPalette());
@@ -63,6 +65,9 @@ SingersWindow::SingersWindow(CoreState& state, SingerQueue& queue, KaraokeEvenin
     m_tree->setRootIsDecorated(true);
     m_next->setWordWrap(true);
     m_now->setWordWrap(true);
+    // Names come from guests' phones.
+    m_next->setTextFormat(Qt::PlainText);
+    m_now->setTextFormat(Qt::PlainText);
     QFont bold = m_next->font();
     bold.setBold(true);
     m_next->setFont(bold);
@@ -78,6 +83,8 @@ SingersWindow::SingersWindow(CoreState& state, SingerQueue& queue, KaraokeEvenin
     buttons->addWidget(m_up, 1, 0);
     buttons->addWidget(m_down, 1, 1);
     buttons->addWidget(m_undo, 1, 2);
+    buttons->addWidget(m_approve, 2, 0);
+    buttons->addWidget(m_block, 2, 1, 1, 2);
     m_history->setColumnCount(3);
     m_history->setHeaderLabels({Text("ColumnSungAt"), Text("ColumnSinger"), Text("ColumnTitle")});
     m_history->setRootIsDecorated(false);
@@ -110,6 +117,16 @@ SingersWindow::SingersWindow(CoreState& state, SingerQueue& queue, KaraokeEvenin
     connect(m_down, &QPushButton::clicked, this, [this] { MoveSelected(1); });
     connect(m_undo, &QPushButton::clicked, this, [this] {
         m_queue.UndoRemove();
+        Refresh();
+    });
+    connect(m_approve, &QPushButton::clicked, this, [this] {
+        m_queue.Approve(SelectedSong());
+        Refresh();
+    });
+    connect(m_block, &QPushButton::clicked, this, [this] {
+        const QTreeWidgetItem* item = m_tree->currentItem();
+        if (item && BlockGuest)
+            BlockGuest(item->data(0, GuestRole).toString());
         Refresh();
     });
     connect(m_play, &QPushButton::clicked, this, [this] { m_evening.PlayNext(); });
@@ -177,10 +194,20 @@ void SingersWindow::Refresh()
         if (s.id == singer && song == 0)
             reselect = row;
         for (const QueuedSong& queued : m_queue.SongsOf(s.id)) {
-            const QString name = queued.artist.isEmpty() ? queued.title : queued.artist + QStringLiteral(" - ") + queued.title;
+            QString name = queued.artist.isEmpty() ? queued.title : queued.artist + QStringLiteral(" - ") + queued.title;
+            if (!queued.guest.isEmpty())
+                name += QStringLiteral(" (%1)").arg(queued.pending ? Text("SingersPending") : Text("SingersRequest").arg(s.name));
             auto* child = new QTreeWidgetItem(row, {name, queued.semitones == 0 ? QString() : QStringLiteral("%1%2").arg(queued.semitones > 0 ? "+" : "").arg(queued.semitones)});
             child->setData(0, IdRole, queued.id);
             child->setData(0, IsSingerRole, false);
+            child->setData(0, GuestRole, queued.guest);
+            child->setData(0, PendingRole, queued.pending);
+            if (queued.pending) {
+                QFont waiting = child->font(0);
+                waiting.setItalic(true);
+                child->setFont(0, waiting);
+                child->setForeground(0, palette().placeholderText());
+            }
             if (queued.id == song)
                 reselect = child;
         }
@@ -224,6 +251,9 @@ void SingersWindow::UpdateButtons()
     m_up->setEnabled(song);
     m_down->setEnabled(song);
     m_undo->setEnabled(m_queue.CanUndoRemove());
+    const QTreeWidgetItem* item = song ? m_tree->currentItem() : nullptr;
+    m_approve->setEnabled(item && item->data(0, PendingRole).toBool());
+    m_block->setEnabled(item && !item->data(0, GuestRole).toString().isEmpty() && BlockGuest);
 }
 
 void SingersWindow::AddSinger()

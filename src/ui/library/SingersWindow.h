@@ -7,6 +7,7 @@
 #include "core/Forms.h"
 
 #include <QWidget>
+#include <functional>
 
 class Docking;
 class KaraokeEvening;
@@ -38,6 +39,10 @@ public:
     QTreeWidget& Tree() { return *m_tree; }
     QTreeWidget& History() { return *m_history; }
     QLabel& NextLabel() { return *m_next; }
+    QPushButton& ApproveButton() { return *m_approve; }
+    QPushButton& BlockButton() { return *m_block; }
+    // The host turns away the guest whose phone asked for the selected song.
+    std::function<void(const QString& guestId)> BlockGuest;
 
 private:
     QString Text(const char* key) const;
@@ -69,4 +74,6 @@ private:
     QPushButton* m_undo;
     QPushButton* m_play;
     QPushButton* m_hold;
+    QPushButton* m_approve;
+    QPushButton* m_block;
 };

@@ -8,6 +8,7 @@
 #include "karaoke/PicturePlacing.h"
 #include "playback/LatencyClicks.h"
 #include "playback/PlayerState.h"
+#include "remote/GuestBook.h"
 #include "ui/kit/Desktop.h"
 #include "ui/kit/Palette.h"
 #include "ui/kit/Pickers.h"
@@ -23,10 +24,12 @@
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QPainter>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QRegularExpressionValidator>
 #include <QSpinBox>
 #include <QTabWidget>
 #include <QTimer>
@@ -107,6 +110,7 @@ LyricOptions::LyricOptions(PlayerState& state, SettingsStore& store, Dialogs& di
     m_tabs->addTab(ScrollingPage(BuildPictures()), Text("TabPicture"));
     m_tabs->addTab(ScrollingPage(BuildSound()), Text("TabAudio"));
     m_tabs->addTab(ScrollingPage(BuildKeyboard()), Text("TabShortcuts"));
+    m_tabs->addTab(ScrollingPage(BuildRemote()), Text("TabRemote"));
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(m_tabs);
     layout->addWidget(BuildButtons());
@@ -613,6 +617,52 @@ void LyricOptions::ToggleLatencyTest()
         return;
     }
     m_lampTimer->start();
+}
+
+QWidget* LyricOptions::BuildRemote()
+{
+    ThemeClass& t = *m_state.Theme;
+    Binder bind{m_fillers, m_filling, [this] { Changed(); }};
+    auto* page = new QWidget;
+    auto* form = new QFormLayout(page);
+    form->addRow(bind.Check(Text("OptRemoteOn"), "RemoteOn", t.RemoteOn));
+    form->addRow(Text("OptRemotePort"), bind.Spin("RemotePort", t.RemotePort, 1024, 65535));
+
+    auto* pin = new QLineEdit;
+    pin->setObjectName(QStringLiteral("RemotePin"));
+    pin->setValidator(new QRegularExpressionValidator(QRegularExpression(QStringLiteral("[0-9]{0,6}")), pin));
+    pin->setMaxLength(6);
+    auto* newPin = new QPushButton(Text("RemoteNewPin"));
+    auto* pinRow = new QHBoxLayout;
+    pinRow->addWidget(pin);
+    pinRow->addWidget(newPin);
+    form->addRow(Text("OptRemotePin"), pinRow);
+    auto* pinProblem = new QLabel;
+    pinProblem->setObjectName(QStringLiteral("RemotePinProblem"));
+    form->addRow(pinProblem);
+    m_fillers.push_back([pin, pinProblem, &t] {
+        pin->setText(t.RemotePin);
+        pinProblem->clear();
+    });
+    connect(pin, &QLineEdit::textEdited, this, [this, pinProblem, &t](const QString& text) {
+        const bool valid = ValidPin(text);
+        pinProblem->setText(valid ? QString() : Text("RemotePinInvalid"));
+        if (valid) {
+            t.RemotePin = text;
+            Changed();
+        }
+    });
+    connect(newPin, &QPushButton::clicked, this, [this, pin, pinProblem, &t] {
+        t.RemotePin = NewPin();
+        pin->setText(t.RemotePin);
+        pinProblem->clear();
+        Changed();
+    });
+
+    form->addRow(bind.Check(Text("OptRemoteApprove"), "RemoteApprove", t.RemoteApprove));
+    form->addRow(Text("OptRemotePerMinute"), bind.Spin("RemotePerMinute", t.RemoteRequestsPerMinute, 1, 60));
+    form->addRow(Text("OptRemoteSongsPerGuest"), bind.Spin("RemoteSongsPerGuest", t.RemoteSongsPerGuest, 1, 20));
+    return page;
 }
 
 QWidget* LyricOptions::BuildKeyboard()

@@ -49,6 +49,7 @@ private:
     QWidget* BuildPictures();
     QWidget* BuildSound();
     QWidget* BuildKeyboard();
+    QWidget* BuildRemote();
     QWidget* BuildButtons();
 
     PlayerState& m_state;

@@ -112,7 +112,7 @@ void PlayerWindow::BuildMenus()
              {{"About", "About"}, {nullptr, nullptr}, {"Open", "FileOpen"}, {"Recent", "RecentFiles"}, {"Info", "FileInfo"},
               {nullptr, nullptr},
               {"List", "UserList"}, {"Control", "Controls"}, {"Karaoke", "KaraokeWindow"}, {"Editor", "Editor"},
-              {"Library", "SongLibrary"}, {"Singers", "Singers"}, {nullptr, nullptr}, {"Microphone", "SwitchMicrophone"}, {"Record", "Record"}, {"Voice", "YourVoice"},
+              {"Library", "SongLibrary"}, {"Singers", "Singers"}, {"Remote", "RemoteMenu"}, {nullptr, nullptr}, {"Microphone", "SwitchMicrophone"}, {"Record", "Record"}, {"Voice", "YourVoice"},
               {nullptr, nullptr}, {"Options", "Options"}, {"Player", "Playback"}, {"Sound", "SongSound"},
               {nullptr, nullptr},
               {"HelpMe", "MnuHelp"}, {"Keyboard", "Keyboard"}, {nullptr, nullptr}, {"Exit", "Exit"}});
