@@ -6,6 +6,10 @@
 #include "core/SongClock.h"
 
 #include <QElapsedTimer>
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <thread>
 #include <cstddef>
 #include <sys/resource.h>
 
@@ -44,6 +48,43 @@ inline MachineStalls MeasureMachineStalls(int milliseconds)
     }
     return stalls;
 }
+
+// The machine's stalls without taking a core: a thread that sleeps a millisecond at a time and
+// notes how late it wakes. For runs that need both cores, where a spinning probe would itself
+// be the stall.
+class SleepingProbe {
+public:
+    SleepingProbe()
+        : m_thread([this] {
+              QElapsedTimer clock;
+              clock.start();
+              while (m_probing.load()) {
+                  const qint64 before = clock.nsecsElapsed();
+                  std::this_thread::sleep_for(std::chrono::milliseconds(1));
+                  const double late = double(clock.nsecsElapsed() - before) / 1e6 - 1;
+                  if (late > 1) {
+                      ++m_stalls.count;
+                      m_stalls.longestMs = std::max(m_stalls.longestMs, late);
+                  }
+              }
+          })
+    {
+    }
+    // Late wakes over 1 ms and the latest, once the probe stopped.
+    MachineStalls Stop()
+    {
+        m_probing = false;
+        if (m_thread.joinable())
+            m_thread.join();
+        return m_stalls;
+    }
+    ~SleepingProbe() { Stop(); }
+
+private:
+    std::atomic<bool> m_probing{true};
+    MachineStalls m_stalls;
+    std::thread m_thread;
+};
 
 // Seconds of CPU, user and system, of a usage report.
 inline double CpuSeconds(const rusage& usage)

@@ -108,28 +108,13 @@ ScanFigures ScanWithHeartbeat(const QString& database, const QString& folder, co
         figures.counts = counts;
         done = true;
     });
-    // A probe that sleeps a millisecond at a time and notes how late it wakes: it takes no core
-    // from the scan on a machine of two.
-    std::atomic<bool> probing{true};
-    std::thread probe([&] {
-        QElapsedTimer clock;
-        clock.start();
-        while (probing) {
-            const qint64 before = clock.nsecsElapsed();
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-            const double late = (clock.nsecsElapsed() - before) / 1e6 - 1;
-            if (late > 1) {
-                ++figures.stalls.count;
-                figures.stalls.longestMs = std::max(figures.stalls.longestMs, late);
-            }
-        }
-    });
+    // The probe takes no core from the scan on a machine of two.
+    SleepingProbe probe;
     heart.start();
     scanner.Scan({RawPath(folder)});
     while (!done)
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-    probing = false;
-    probe.join();
+    figures.stalls = probe.Stop();
     return figures;
 }
 

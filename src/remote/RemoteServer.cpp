@@ -95,8 +95,10 @@ protected:
         std::erase_if(m_sockets, [](const Watched& w) { return w.socket.isNull(); });
         const auto fromAddress = std::count_if(m_sockets.begin(), m_sockets.end(),
                                                [&](const Watched& w) { return w.address == address; });
+        // The host's own machine is not one phone among many.
+        const bool oneOfMany = !Plain(socket->peerAddress()).isLoopback();
         if (m_sockets.size() >= size_t(RemoteServer::kMostConnections) ||
-            fromAddress >= RemoteServer::kMostConnectionsPerAddress) {
+            (oneOfMany && fromAddress >= RemoteServer::kMostConnectionsPerAddress)) {
             RemoteReply full = RemoteError(503, "WebFull");
             full.close = true;
             Send(socket, full);

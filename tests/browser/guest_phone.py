@@ -3,6 +3,7 @@
 asks for a song and waits to see it in the queue. Exit 0 when it did, 77 when Chromium cannot
 start here, 1 on any other failure; what it saw goes to standard output."""
 
+import os
 import sys
 
 from selenium import webdriver
@@ -46,6 +47,9 @@ def main(address, pin, name, search, title):
         wait.until(lambda b: any(title in li.text for li in b.find_elements(By.CSS_SELECTOR, "#queue li.mine")))
         print("message:", browser.find_element(By.ID, "message").text)
         print("place:", browser.find_element(By.ID, "place").text)
+        capture = os.environ.get("SONGWEAVER_CAPTURE_DIR")
+        if capture:
+            browser.save_screenshot(os.path.join(capture, "guest-page.png"))
         print("markup elements in the queue:", len(browser.find_elements(By.CSS_SELECTOR, "#queue b")))
         # Answers such as 401 before joining are the page's flow; a script error is a fault.
         errors = [entry for entry in browser.get_log("browser")

@@ -13,6 +13,7 @@
 #include "library/SingerQueue.h"
 #include "ui/library/LibraryWindow.h"
 #include "ui/library/SingersWindow.h"
+#include "ui/remote/RemoteWindow.h"
 #include "ui/midi/MidiEq.h"
 #include "ui/player/PlayerWindow.h"
 #include "ui/print/Printer.h"
@@ -112,6 +113,10 @@ TEST_F(Program, EveryOtherWindowAndDialogOpensWhole)
     ExpectWhole(dynamic_cast<const QWidget&>(*windows.Editor()), "the editor");
     Capture(QStringLiteral("editor"), dynamic_cast<QWidget*>(windows.Editor()));
 
+    // The guests' page on, at a free port: the screens run side by side.
+    state.Theme->RemoteOn = true;
+    state.Theme->RemotePort = 0;
+    state.Theme->RemotePin = QStringLiteral("4711");
     windows.ShowPreferences(0);
     QApplication::processEvents();
     QDialog* preferences = windows.PlayerWidget().findChild<QDialog*>(QStringLiteral("LyricOptions"));
@@ -135,10 +140,24 @@ TEST_F(Program, EveryOtherWindowAndDialogOpensWhole)
     for (const char* name : {"Ann", "Bob"})
         queue.Enqueue(*queue.AddSinger(QString::fromLatin1(name)), RawPath(SourcePath("resources/demo/twinkle.ogg")),
                       "Twinkle, Twinkle, Little Star", "Traditional");
+    queue.Enqueue(*queue.AddSinger(QStringLiteral("Zoë")), RawPath(SourcePath("resources/demo/twinkle.ogg")),
+                  "Twinkle, Twinkle, Little Star", "Traditional", 2, QStringLiteral("guest"), true);
     windows.ShowSingers();
     QApplication::processEvents();
     ExpectWhole(*windows.SingersWidget(), "the singers' queue");
     Capture(QStringLiteral("singers"), windows.SingersWidget());
+
+    windows.ApplyRemote();
+    windows.ShowPreferences(6);
+    QApplication::processEvents();
+    ExpectWhole(*preferences, "the guests' phones' preferences");
+    Capture(QStringLiteral("preferences-remote"), preferences);
+    preferences->hide();
+    windows.ShowRemote();
+    QApplication::processEvents();
+    ASSERT_NE(windows.RemoteWidget(), nullptr);
+    ExpectWhole(*windows.RemoteWidget(), "the guests' phones");
+    Capture(QStringLiteral("remote"), windows.RemoteWidget());
 
     const std::vector<QDialog*> dialogs = {
         new Printer(state.Lyrics.EditLyrics, store, state.Language, this->dialogs, &windows.PlayerWidget()),

@@ -145,7 +145,7 @@ TEST_F(MainWindow, MenusCarryTheirKeysAndControlStaysInert)
         if (!action->isSeparator())
             keys << (action->menu() ? action->menu()->objectName() : action->data().toString());
     EXPECT_EQ(keys, (QStringList{"About", "Open", "Recent", "Info", "List", "Control", "Karaoke", "Editor", "Library",
-                                 "Singers", "Microphone", "Record", "Voice", "Options", "Player", "Sound", "HelpMe",
+                                 "Singers", "Remote", "Microphone", "Record", "Voice", "Options", "Player", "Sound", "HelpMe",
                                  "Keyboard", "Exit"}));
     QStringList tray;
     for (QAction* action : windows.player.Menu("TrayMenu")->actions())

@@ -108,7 +108,7 @@ SingersWindow::SingersWindow(CoreState& state, SingerQueue& queue, KaraokeEvenin
     column->addWidget(m_now);
     column->addWidget(m_next);
     column->addWidget(pages, 1);
-    resize(360, 440);
+    resize(400, 460);
 
     connect(m_add, &QPushButton::clicked, this, &SingersWindow::AddSinger);
     connect(m_remove, &QPushButton::clicked, this, &SingersWindow::RemoveSelected);
@@ -200,6 +200,7 @@ void SingersWindow::Refresh()
             auto* child = new QTreeWidgetItem(row, {name, queued.semitones == 0 ? QString() : QStringLiteral("%1%2").arg(queued.semitones > 0 ? "+" : "").arg(queued.semitones)});
             child->setData(0, IdRole, queued.id);
             child->setData(0, IsSingerRole, false);
+            child->setToolTip(0, name);
             child->setData(0, GuestRole, queued.guest);
             child->setData(0, PendingRole, queued.pending);
             if (queued.pending) {
