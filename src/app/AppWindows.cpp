@@ -410,7 +410,8 @@ void AppWindows::ShowInvitation()
         m_invitationCode = address.isEmpty() ? QImage() : QrCodeImage(address, 1);
     }
     const bool betweenSongs = !m_state.SongOpen() || (m_evening && m_evening->CountingDown());
-    m_lyric->ShowInvitation(betweenSongs ? m_invitationCode : QImage());
+    m_lyric->ShowInvitation(betweenSongs ? m_invitationCode : QImage(),
+                            m_state.Language.GetText(QStringLiteral("RemoteScanHint")).arg(address, m_state.Theme->RemotePin));
 }
 
 void AppWindows::BlockGuest(const QString& guestId)

@@ -130,6 +130,7 @@ TEST_F(GuestPhones, AGuestsBrowserAsksForASongTheHostSeesItAndItPlaysInTurn)
     LyricWindow& karaoke = *windows.LyricWidget();
     ASSERT_TRUE(QTest::qWaitFor([&] { return !karaoke.Invitation().isNull(); }, 3000))
         << "between songs the karaoke window shows the page's QR code";
+    EXPECT_TRUE(karaoke.InvitationCaption().endsWith("PIN 5150")) << karaoke.InvitationCaption().toStdString();
     ASSERT_TRUE(windows.Evening()->PlayNext());
     EXPECT_EQ(state.CurrentFile, song);
     EXPECT_TRUE(QTest::qWaitFor([&] { return karaoke.Invitation().isNull(); }, 3000)) << "and not over a song";

@@ -126,7 +126,8 @@ TEST_F(RemoteServerTest, RequestsTooBigOrNotHttpAreRefusedAndTheServerGoesOn)
                                      "Content-Length: 5000\r\n\r\n" + body);
     EXPECT_TRUE(overLimit.startsWith("HTTP/1.1 413")) << overLimit.left(80).constData();
 
-    Raw(QByteArray("\x00\x01\x02 GARBAGE \xff\xfe\r\n\r\n", 20));
+    const char garbage[] = "\x00\x01\x02 GARBAGE \xff\xfe\r\n\r\n";
+    Raw(QByteArray(garbage, sizeof garbage - 1));
     Raw("GET /" + QByteArray(20'000, 'a') + " HTTP/1.1\r\nHost: 127.0.0.1\r\n\r\n");
     EXPECT_TRUE(Raw("GET /../../etc/passwd HTTP/1.1\r\nHost: 127.0.0.1\r\n\r\n").startsWith("HTTP/1.1 404"));
     EXPECT_TRUE(Raw("GET /%2e%2e/%2e%2e/etc/passwd HTTP/1.1\r\nHost: 127.0.0.1\r\n\r\n").startsWith("HTTP/1.1 404"));

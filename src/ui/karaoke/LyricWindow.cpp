@@ -191,15 +191,33 @@ void LyricWindow::paintEvent(QPaintEvent* event)
     else
         m_view.Paint(painter, event->rect());
     if (!m_invitation.isNull())
-        painter.drawImage(InvitationArea(size()), m_invitation);
+        PaintInvitation(painter);
 }
 
-void LyricWindow::ShowInvitation(const QImage& code)
+void LyricWindow::PaintInvitation(QPainter& painter) const
 {
-    if (code.cacheKey() == m_invitation.cacheKey())
+    const QRect code = InvitationArea(size());
+    painter.drawImage(code, m_invitation);
+    QFont font = painter.font();
+    font.setPixelSize(std::max(10, code.height() / 9));
+    painter.setFont(font);
+    const QFontMetrics metrics(font);
+    const int margin = width() - code.right();
+    QRect line(margin, code.top() - metrics.height() - margin / 2, code.right() - margin, metrics.height());
+    const QString caption = metrics.elidedText(m_invitationCaption, Qt::ElideLeft, line.width());
+    const QRect behind = metrics.boundingRect(line, Qt::AlignRight | Qt::AlignVCenter, caption).adjusted(-6, -2, 6, 2);
+    painter.fillRect(behind, QColor(0, 0, 0, 160));
+    painter.setPen(Qt::white);
+    painter.drawText(line, Qt::AlignRight | Qt::AlignVCenter, caption);
+}
+
+void LyricWindow::ShowInvitation(const QImage& code, const QString& caption)
+{
+    if (code.cacheKey() == m_invitation.cacheKey() && caption == m_invitationCaption)
         return;
     m_invitation = code;
-    update(InvitationArea(size()));
+    m_invitationCaption = code.isNull() ? QString() : caption;
+    update();
 }
 
 void LyricWindow::resizeEvent(QResizeEvent*)

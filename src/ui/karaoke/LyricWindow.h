@@ -12,6 +12,7 @@
 #include <optional>
 
 class QMenu;
+class QPainter;
 class SettingsStore;
 struct MidiFigures;
 
@@ -40,9 +41,11 @@ public:
 
     KaraokeView& View() { return m_view; }
     void ToggleFullScreen();
-    // A QR code in the corner, where guests' phones ask for songs; a null image takes it away.
-    void ShowInvitation(const QImage& code);
+    // A QR code in the corner with a line above it, where guests' phones ask for songs; a null
+    // image takes both away.
+    void ShowInvitation(const QImage& code, const QString& caption);
     const QImage& Invitation() const { return m_invitation; }
+    const QString& InvitationCaption() const { return m_invitationCaption; }
     // The settings changed in the preferences: the page shows them at once.
     void ApplySettings() { m_view.ApplySettings(); }
     // The window's menu runs one of its commands by key ("Fullscreen", "FitText", "Play", ...).
@@ -72,6 +75,7 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
+    void PaintInvitation(QPainter& painter) const;
     void PlaceBesideWithFrame();
     void Rebuild();
     QScreen* ChosenScreen() const;
@@ -81,6 +85,7 @@ private:
     SettingsStore& m_store;
     KaraokeView m_view;
     QImage m_invitation;
+    QString m_invitationCaption;
     QTimer m_lastTimer;
     QTimer m_transitionTimer;
     QRect m_framedGeometry;
