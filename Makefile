@@ -42,14 +42,15 @@ sanitize: bootstrap
 	  LSAN_OPTIONS=suppressions=$(CURDIR)/fuzz/lsan.supp UBSAN_OPTIONS=print_stacktrace=1 \
 	  ctest -j$(JOBS) --output-on-failure --timeout 600
 
-# The engine's and the song sessions' tests, built with ThreadSanitizer.
+# The engine's, the song sessions', the library's and the guests' server's tests, built with
+# ThreadSanitizer.
 TSAN_DIR ?= build-tsan
 tsan: bootstrap
 	cmake -S . -B $(TSAN_DIR) -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_CXX_FLAGS_RELWITHDEBINFO="-O1 -g1" \
 	  -DSONGWEAVER_TSAN=ON -DSONGWEAVER_BENCH=OFF
-	cmake --build $(TSAN_DIR) -j$(JOBS) --target audio_tests playback_tests library_tests
+	cmake --build $(TSAN_DIR) -j$(JOBS) --target audio_tests playback_tests library_tests remote_tests
 	cd $(TSAN_DIR) && QT_QPA_PLATFORM=offscreen SONGWEAVER_AUDIO=null TSAN_OPTIONS="halt_on_error=1 second_deadlock_stack=1 suppressions=$(CURDIR)/tests/tsan.supp" \
-	  ctest -j$(JOBS) -L 'audio_tests|playback_tests|library_tests' --output-on-failure --timeout 600
+	  ctest -j$(JOBS) -L 'audio_tests|playback_tests|library_tests|remote_tests' --output-on-failure --timeout 600
 
 bench: build
 	@for b in $(BUILD_DIR)/bench/*_bench; do echo "== $$b"; QT_QPA_PLATFORM=offscreen SONGWEAVER_AUDIO=null $$b; done
