@@ -27,6 +27,18 @@ QueuedSong SongOfRow(const QSqlQuery& query)
 const QString kSongColumns = QStringLiteral("id, singer_id, path, title, artist, semitones, guest, pending");
 constexpr int kPlaceColumn = 8;
 
+std::vector<QueuedSong> SongsWhere(QSqlDatabase& db, const QString& condition, const QVariant& value)
+{
+    std::vector<QueuedSong> songs;
+    QSqlQuery query = PreparedQuery(db, QStringLiteral("SELECT %1 FROM queue WHERE %2").arg(kSongColumns, condition));
+    query.addBindValue(value);
+    if (query.exec()) {
+        while (query.next())
+            songs.push_back(SongOfRow(query));
+    }
+    return songs;
+}
+
 bool Waits(const Singer& singer, const std::vector<qint64>& withSongs)
 {
     return !singer.paused && std::find(withSongs.begin(), withSongs.end(), singer.id) != withSongs.end();
@@ -48,15 +60,7 @@ std::vector<Singer> SingerQueue::Singers() const
 
 std::vector<QueuedSong> SingerQueue::SongsOf(qint64 singerId) const
 {
-    std::vector<QueuedSong> songs;
-    QSqlQuery query =
-        PreparedQuery(m_database.Db(), QStringLiteral("SELECT %1 FROM queue WHERE singer_id = ? ORDER BY place").arg(kSongColumns));
-    query.addBindValue(singerId);
-    if (query.exec()) {
-        while (query.next())
-            songs.push_back(SongOfRow(query));
-    }
-    return songs;
+    return SongsWhere(m_database.Db(), QStringLiteral("singer_id = ? ORDER BY place"), singerId);
 }
 
 int SingerQueue::CurrentRound() const
@@ -159,15 +163,7 @@ bool SingerQueue::Approve(qint64 songId)
 
 std::vector<QueuedSong> SingerQueue::SongsOfGuest(const QString& guest) const
 {
-    std::vector<QueuedSong> songs;
-    QSqlQuery query =
-        PreparedQuery(m_database.Db(), QStringLiteral("SELECT %1 FROM queue WHERE guest = ? ORDER BY id").arg(kSongColumns));
-    query.addBindValue(guest);
-    if (query.exec()) {
-        while (query.next())
-            songs.push_back(SongOfRow(query));
-    }
-    return songs;
+    return SongsWhere(m_database.Db(), QStringLiteral("guest = ? ORDER BY id"), guest);
 }
 
 int SingerQueue::RemoveGuest(const QString& guest)

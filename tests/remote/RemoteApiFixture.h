@@ -38,15 +38,24 @@ inline std::vector<qint64> StoreRemoteSongs(LibraryDatabase& database)
     return ids;
 }
 
-struct RemoteApiTest : testing::Test {
-    RemoteApiTest()
+// The three songs' library and the settings a host chose, with the PIN.
+struct RemoteParty {
+    explicit RemoteParty(const QString& pin)
     {
         EXPECT_TRUE(database.Open().Usable());
         songs = StoreRemoteSongs(database);
         RemoteSettings settings;
-        settings.pin = QStringLiteral("4321");
+        settings.pin = pin;
         shared.SetSettings(settings);
     }
+    QTemporaryDir dir;
+    LibraryDatabase database{dir.filePath("library.db")};
+    std::vector<qint64> songs;
+    RemoteShared shared;
+};
+
+struct RemoteApiTest : testing::Test, RemoteParty {
+    RemoteApiTest() : RemoteParty(QStringLiteral("4321")) {}
 
     RemoteCall Call(const char* method, const QString& path, const QByteArray& cookie, const QString& address) const
     {
@@ -97,11 +106,7 @@ struct RemoteApiTest : testing::Test {
         return Json(reply)["id"].toInteger();
     }
 
-    QTemporaryDir dir;
-    LibraryDatabase database{dir.filePath("library.db")};
-    RemoteShared shared;
     RemoteApi api{database, shared};
     SingerQueue queue{database};
-    std::vector<qint64> songs;
     qint64 now = 1'000'000;
 };

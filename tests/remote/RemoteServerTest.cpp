@@ -24,14 +24,9 @@ struct Answer {
     QNetworkReply* reply = nullptr;
 };
 
-struct RemoteServerTest : testing::Test {
-    RemoteServerTest()
+struct RemoteServerTest : testing::Test, RemoteParty {
+    RemoteServerTest() : RemoteParty(QStringLiteral("2468"))
     {
-        EXPECT_TRUE(database.Open().Usable());
-        songs = StoreRemoteSongs(database);
-        RemoteSettings settings;
-        settings.pin = QStringLiteral("2468");
-        shared.SetSettings(settings);
         const RemoteListening listening = server.Start({QHostAddress(QHostAddress::LocalHost)}, 0);
         EXPECT_TRUE(listening.Listening()) << listening.error.toStdString();
         base = QStringLiteral("http://127.0.0.1:%1").arg(listening.port);
@@ -75,10 +70,6 @@ struct RemoteServerTest : testing::Test {
     }
     static QJsonObject Json(const Answer& answer) { return QJsonDocument::fromJson(answer.body).object(); }
 
-    QTemporaryDir dir;
-    LibraryDatabase database{dir.filePath("library.db")};
-    std::vector<qint64> songs;
-    RemoteShared shared;
     RemoteServer server{dir.filePath("library.db"), shared};
     SingerQueue queue{database};
     QString base;
