@@ -378,7 +378,7 @@ QString AppWindows::RemoteAddress() const
 void AppWindows::WatchRemote()
 {
     NowPlaying now;
-    if (m_evening && m_evening->Current() && m_state.CurrentFile == OpenablePath(m_evening->Current()->song.path, m_links.path())) {
+    if (m_evening && m_evening->PlayingTurn()) {
         const Turn& turn = *m_evening->Current();
         now = {turn.song.title, turn.song.artist, turn.singer.name};
     } else if (m_state.SongOpen()) {
@@ -430,9 +430,9 @@ void AppWindows::ShowRemote()
     if (!LibraryReady())
         return;
     if (!m_remoteWindow) {
-        m_remoteWindow = std::make_unique<RemoteWindow>(m_state.Language, m_remoteShared);
+        m_remoteWindow = std::make_unique<RemoteWindow>(m_state.Language, m_remoteShared, m_store);
         m_remoteWindow->BlockGuest = [this](const QString& guestId) { BlockGuest(guestId); };
-        PlaceFirstTime(*m_remoteWindow, QStringLiteral("remote position"));
+        PlaceFirstTime(*m_remoteWindow, QLatin1String(RemoteWindow::kPlaceKey));
     }
     m_remoteWindow->ShowState(RemoteAddress(), m_state.Theme->RemotePin, m_remoteFailure);
     m_remoteWindow->RefreshGuests();

@@ -54,7 +54,7 @@ bool KaraokeEvening::PlayNext()
 bool KaraokeEvening::SongEnded()
 {
     // A song opened since, from the playlist or the library, is no turn of the queue.
-    if (m_current && m_state.CurrentFile != m_currentFile)
+    if (m_current && !PlayingTurn())
         m_current.reset();
     if (!m_current || m_countdown.isActive())
         return false;
@@ -77,9 +77,14 @@ void KaraokeEvening::HoldCountdown()
     emit changed();
 }
 
+bool KaraokeEvening::PlayingTurn() const
+{
+    return m_current && m_state.CurrentFile == m_currentFile;
+}
+
 void KaraokeEvening::KeepCurrentKey()
 {
-    if (m_current && m_state.CurrentFile == m_currentFile)
+    if (PlayingTurn())
         m_queue.KeepKey(m_current->singer.name, m_current->song.path, KnobSemitones(m_state));
 }
 

@@ -33,6 +33,8 @@ public:
     int SecondsLeft() const { return m_secondsLeft; }
     // Who sings now, empty between turns and before the first.
     const std::optional<Turn>& Current() const { return m_current; }
+    // The song that plays is the current turn's, not one the host opened in its place.
+    bool PlayingTurn() const;
 
     // "Next: NAME - SONG", empty when nobody waits.
     QString NextText() const;

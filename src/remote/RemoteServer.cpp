@@ -204,12 +204,7 @@ private:
             socket->setMaxAllowedIncomingFrameSize(1024);
             QWebSocket* live = socket.get();
             connect(live, &QWebSocket::disconnected, this, [this, live] {
-                std::erase_if(m_sockets, [live](const auto& s) {
-                    if (s.get() != live)
-                        return false;
-                    s->deleteLater();
-                    return true;
-                });
+                std::erase_if(m_sockets, [live](const auto& s) { return s.get() == live; });
             });
             live->sendTextMessage(QStringLiteral(R"({"type":"changed"})"));
             m_sockets.push_back(QSharedPointer<QWebSocket>(socket.release(), &QObject::deleteLater));

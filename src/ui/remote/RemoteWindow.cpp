@@ -1,6 +1,7 @@
 #include "ui/remote/RemoteWindow.h"
 
 #include "core/Language.h"
+#include "core/WindowPosition.h"
 #include "remote/QrCode.h"
 #include "remote/RemoteShared.h"
 #include "ui/kit/Palette.h"
@@ -17,10 +18,11 @@ constexpr int kModulePixels = 6;
 
 } // namespace
 
-RemoteWindow::RemoteWindow(const LanguageTable& language, RemoteShared& shared, QWidget* parent)
+RemoteWindow::RemoteWindow(const LanguageTable& language, RemoteShared& shared, SettingsStore& store, QWidget* parent)
     : QWidget(parent, Qt::Window),
       m_language(language),
       m_shared(shared),
+      m_store(store),
       m_status(new QLabel),
       m_code(new QLabel),
       m_guests(new QListWidget),
@@ -52,6 +54,12 @@ RemoteWindow::RemoteWindow(const LanguageTable& language, RemoteShared& shared, 
     });
     m_block->setEnabled(false);
     resize(340, 520);
+}
+
+void RemoteWindow::hideEvent(QHideEvent* event)
+{
+    WriteWindowPosition(m_store, QLatin1String(kPlaceKey), geometry());
+    QWidget::hideEvent(event);
 }
 
 QString RemoteWindow::Text(const char* key) const
