@@ -246,11 +246,6 @@ void AppWindows::StartLibrary()
     m_queue = std::make_unique<SingerQueue>(*m_state.Library);
     m_evening = std::make_unique<KaraokeEvening>(*m_queue, m_state, *m_transport, *this, m_links.path());
     m_transport->Ticks().SongEnded = [this] { return m_evening->SongEnded(); };
-    m_evening->Invitation = [this] {
-        const QString address = RemoteAddress();
-        return address.isEmpty() ? QString()
-                                 : m_state.Language.GetText(QStringLiteral("RemoteScanHint")).arg(address, m_state.Theme->RemotePin);
-    };
     ApplyRemote();
     QTimer::singleShot(kStartScanDelayMs, m_scanner.get(), [this] { ScanChangedMusicFolders(); });
 }

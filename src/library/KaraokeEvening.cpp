@@ -98,8 +98,6 @@ void KaraokeEvening::ShowCountdown()
     ResetLyricsData(m_state.Lyrics);
     m_state.Lyrics.LyricsTitleText =
         next + u'|' + m_state.Language.GetText(QStringLiteral("StartsIn")).arg(m_secondsLeft);
-    if (const QString invitation = Invitation ? Invitation() : QString(); !invitation.isEmpty())
-        m_state.Lyrics.LyricsTitleText += QStringLiteral("||") + invitation;
     if (KaraokeForm* lyric = m_forms.Lyric()) {
         lyric->ClearNewLyrics();
         lyric->ChangeLyrics();

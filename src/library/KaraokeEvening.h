@@ -38,8 +38,6 @@ public:
 
     // "Next: NAME - SONG", empty when nobody waits.
     QString NextText() const;
-    // A line the countdown shows under who is next, such as where guests ask for songs.
-    std::function<QString()> Invitation;
 
 signals:
     // The queue or the turn changed: its windows show it again.
