@@ -39,12 +39,17 @@ def main(address, pin, name, search, title):
         wait.until(seen.visibility_of_element_located((By.ID, "guest")))
         print("hello:", browser.find_element(By.ID, "hello").text)
 
+        # The page renders the hits and the queue anew on every answer, so they are read and
+        # clicked by scripts that run at one moment, never through elements kept across answers.
         browser.find_element(By.ID, "search").send_keys(search)
-        wait.until(lambda b: len(b.find_elements(By.CSS_SELECTOR, "#hits li button")) == 1)
-        hit = browser.find_element(By.CSS_SELECTOR, "#hits li")
-        print("found:", hit.find_element(By.CSS_SELECTOR, ".what").text)
-        hit.find_element(By.TAG_NAME, "button").click()
-        wait.until(lambda b: any(title in li.text for li in b.find_elements(By.CSS_SELECTOR, "#queue li.mine")))
+        wait.until(lambda b: b.execute_script(
+            "const hits = document.querySelectorAll('#hits li .what');"
+            "return hits.length === 1 && hits[0].textContent.includes(arguments[0]);", title))
+        print("found:", browser.execute_script("return document.querySelector('#hits li .what').textContent;"))
+        browser.execute_script("document.querySelector('#hits li button').click();")
+        wait.until(lambda b: b.execute_script(
+            "return [...document.querySelectorAll('#queue li.mine')]"
+            ".some(line => line.textContent.includes(arguments[0]));", title))
         print("message:", browser.find_element(By.ID, "message").text)
         print("place:", browser.find_element(By.ID, "place").text)
         capture = os.environ.get("SONGWEAVER_CAPTURE_DIR")
