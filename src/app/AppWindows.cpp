@@ -57,6 +57,8 @@ std::vector<QByteArray> MusicFoldersOf(const ThemeClass& theme)
 AppWindows::AppWindows(AppState& state, SettingsStore& store, Dialogs& dialogs)
     : m_state(state), m_store(store), m_dialogs(dialogs)
 {
+    m_remoteWatch.setInterval(kRemoteWatchMs);
+    QObject::connect(&m_remoteWatch, &QTimer::timeout, [this] { WatchRemote(); });
 }
 
 AppWindows::~AppWindows() = default;
@@ -351,10 +353,6 @@ void AppWindows::ApplyRemote()
         m_remoteFailure = listening.Listening() ? QString() : listening.error;
         if (listening.Listening())
             m_remote = std::move(remote);
-    }
-    if (!m_remoteWatch.isActive()) {
-        m_remoteWatch.setInterval(kRemoteWatchMs);
-        QObject::connect(&m_remoteWatch, &QTimer::timeout, [this] { WatchRemote(); });
     }
     if (m_remote)
         m_remoteWatch.start();

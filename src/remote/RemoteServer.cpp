@@ -213,6 +213,9 @@ private:
 
     void TellChanges()
     {
+        // Nobody listens: the library is not read. A guest who connects is told at once anyway.
+        if (m_sockets.empty())
+            return;
         const QByteArray state = m_api.LiveState();
         if (state == m_lastState)
             return;
